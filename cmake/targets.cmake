@@ -1,0 +1,30 @@
+# merix_floor(<name> [LINK <libs>]): one floor of the host, all sources of the calling folder, as an object library
+# `merix_<name>`. A floor sees what lies below it; nothing is linked until libmerix or a test gathers the objects.
+function(merix_floor name)
+    cmake_parse_arguments(ARG "" "" "LINK;PCH" ${ARGN})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    add_library(merix_${name} OBJECT ${sources})
+    target_link_libraries(merix_${name} PUBLIC merix_flags ${ARG_LINK})
+    if(ARG_PCH)
+        target_precompile_headers(merix_${name} PRIVATE ${ARG_PCH})
+    endif()
+endfunction()
+
+# merix_test(<name> SOURCES <files> [LIBS <libs>] [ENV <VAR=value>...]): a GoogleTest program; every test in it is
+# its own ctest test. Windows go to the offscreen platform.
+function(merix_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENV" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE merix_flags ${ARG_LIBS} GTest::gmock GTest::gtest)
+    if(NOT ARG_LIBS MATCHES "merix_testmain")
+        target_link_libraries(${name} PRIVATE GTest::gtest_main)
+    endif()
+    target_compile_definitions(${name} PRIVATE MERIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                               MERIX_BINARY_DIR="${CMAKE_BINARY_DIR}")
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+                         PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${ARG_ENV}")
+endfunction()
+function(phonomark_test)
+    merix_test(${ARGV})
+endfunction()

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/db/object.h"
+#include "host/db/resbuf.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A container of named objects, which it owns. Keys are compared without regard to case and keep the form and the
+/// order in which they were added.
+class MxDbDictionary : public MxDbObject {
+public:
+    static MxRxClass* desc();
+    MxRxClass* isA() const override;
+
+    /// eKeyNotFound when there is no such key, or what stands there is erased.
+    Mx::ErrorStatus getAt(const wchar_t* key, MxDbObjectId& id) const;
+    /// Adds `object` (open for write afterwards, owned by the database) under `key`; replaces the entry of that key.
+    Mx::ErrorStatus setAt(const wchar_t* key, MxDbObject* object, MxDbObjectId& id);
+    /// Keys with ids in order, entries of erased objects left out.
+    std::vector<std::pair<std::wstring, MxDbObjectId>> entries() const;
+
+    Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
+    Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
+    Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
+    Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
+
+private:
+    std::vector<std::pair<std::wstring, MxDbObjectId>> m_entries;
+    bool m_hardOwner = false;
+    std::int16_t m_cloning = 1;
+};
+
+/// An extended record: a chain of group codes and values that the drawing keeps for an application.
+class MxDbXrecord : public MxDbObject {
+public:
+    static MxRxClass* desc();
+    MxRxClass* isA() const override;
+
+    /// A copy of the contents that the caller frees with mxutRelRb; null for an empty record.
+    Mx::ErrorStatus rbChain(resbuf** chain) const;
+    /// Replaces the contents by a copy of the chain.
+    Mx::ErrorStatus setFromRbChain(const resbuf& chain);
+
+    Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
+    Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
+    Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
+    Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
+
+private:
+    std::vector<std::pair<short, MxDbValue>> m_items;
+    std::int16_t m_cloning = 1;
+};

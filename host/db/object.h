@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+// MxDbObject, the base of everything that lives in a drawing database. Main thread only.
+#pragma once
+
+#include "host/db/filer.h"
+#include "host/rx/rx_class.h"
+
+#include <vector>
+
+class MxDbEntity;
+class MxDbObject;
+
+namespace merix::db {
+struct ObjectData;
+}
+
+/// A transient reactor: told of the fate of the objects it was added to, for the life of the process only.
+class MxDbObjectReactor : public MxRxObject {
+public:
+    static MxRxClass* desc();
+    MxRxClass* isA() const override;
+    /// The object was erased, or un-erased (also by undo and redo of its insertion).
+    virtual void erased(const MxDbObject* object, bool erasing);
+    virtual void modified(const MxDbObject* object);
+    /// The object is about to be deleted from memory; the reactor must forget it.
+    virtual void goodbye(const MxDbObject* object);
+};
+
+/// One entry of an object's reactor list: a transient reactor, or the id of a persistent one.
+struct MxDbReactorEntry {
+    MxDbObjectReactor* transient = nullptr;
+    MxDbObjectId persistent;
+    bool operator==(const MxDbReactorEntry&) const = default;
+};
+
+inline bool mxdbIsPersistentReactor(const MxDbReactorEntry& entry) {
+    return !entry.persistent.isNull();
+}
+
+/// Base of all database objects. An object is made by `new`, then handed to a container of a database, which owns it
+/// from then on and leaves it open for write. An object opened with mxdbOpenObject must be closed by the opener.
+class MxDbObject : public MxRxObject {
+public:
+    MxDbObject();
+    ~MxDbObject() override;
+    MxDbObject(const MxDbObject&) = delete;
+    MxDbObject& operator=(const MxDbObject&) = delete;
+
+    static MxRxClass* desc();
+    MxRxClass* isA() const override;
+
+    /// Null until the object is in a database.
+    MxDbObjectId objectId() const;
+    MxDbObjectId ownerId() const;
+    MxDbDatabase* database() const;
+    bool isErased() const;
+
+    /// Asserts that the object may be read: open in any mode, or not in a database yet. A violation stops the host.
+    void assertReadEnabled() const;
+    /// Asserts that the object may be changed, takes its before-image for undo at the first call in an open, and
+    /// marks it changed.
+    void assertWriteEnabled();
+
+    /// From read to write: eOpenForRead when there are other readers, eOnLockedLayer for an entity on a locked layer.
+    Mx::ErrorStatus upgradeOpen();
+    virtual Mx::ErrorStatus close();
+    /// Closes and takes back what was changed since the object was opened for write.
+    virtual Mx::ErrorStatus cancel();
+    /// Erases the object (open for write) or, with false, takes the erasure back.
+    Mx::ErrorStatus erase(bool erasing = true);
+
+    /// The id of the extension dictionary, null when there is none.
+    MxDbObjectId extensionDictionary() const;
+    Mx::ErrorStatus createExtensionDictionary();
+
+    /// Reactor lists may be changed from inside a notification.
+    std::vector<MxDbReactorEntry> reactors() const;
+    /// Transient reactors can be added to and removed from an object open for read.
+    Mx::ErrorStatus addReactor(MxDbObjectReactor* reactor) const;
+    Mx::ErrorStatus removeReactor(MxDbObjectReactor* reactor) const;
+
+    /// Filing: an override files its base first and stops at a status that is not eOk.
+    virtual Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer);
+    virtual Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const;
+    virtual Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer);
+    virtual Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const;
+
+    /// Called while the object itself is opened, cancelled and closed.
+    virtual Mx::ErrorStatus subOpen(Mx::OpenMode mode);
+    virtual Mx::ErrorStatus subCancel();
+    virtual Mx::ErrorStatus subClose();
+
+    /// Notifications that a persistent reactor receives from the objects that list it.
+    virtual void openedForModify(const MxDbObject* object);
+    virtual void cancelled(const MxDbObject* object);
+    virtual void objectClosed(MxDbObjectId id);
+    virtual void goodbye(const MxDbObject* object);
+    virtual void copied(const MxDbObject* object, const MxDbObject* copy);
+    virtual void erased(const MxDbObject* object, bool erasing);
+    virtual void modified(const MxDbObject* object);
+    virtual void modifiedGraphics(const MxDbEntity* entity);
+    virtual void modifiedXData(const MxDbObject* object);
+    virtual void subObjModified(const MxDbObject* object, const MxDbObject* part);
+    virtual void modifyUndone(const MxDbObject* object);
+    virtual void reappended(const MxDbObject* object);
+    virtual void unappended(const MxDbObject* object);
+
+    /// The host's own record of the object.
+    merix::db::ObjectData& data() const { return *m_data; }
+
+private:
+    merix::db::ObjectData* m_data;
+};
+
+/// Opens the object behind `id`. On success `object` is the resident object and must be closed; on failure it is
+/// null. Statuses: eNullObjectId, eNotResident, eWasErased, eOpenForRead, eOpenForWrite, eOnLockedLayer.
+Mx::ErrorStatus mxdbOpenObject(MxDbObject*& object, MxDbObjectId id, Mx::OpenMode mode, bool openErased = false);
+
+/// The same for a class: eWrongClass when the object is of another one.
+template <class T>
+Mx::ErrorStatus mxdbOpenObject(T*& object, MxDbObjectId id, Mx::OpenMode mode, bool openErased = false) {
+    object = nullptr;
+    MxDbObject* any = nullptr;
+    if (const auto status = mxdbOpenObject(any, id, mode, openErased); status != Mx::eOk)
+        return status;
+    if (!any->isKindOf(T::desc())) {
+        any->close();
+        return Mx::eWrongClass;
+    }
+    object = static_cast<T*>(any);
+    return Mx::eOk;
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The host's windows as modules see them. Main thread only.
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+
+class QWidget;
+
+/// The main window's widget, the parent of module windows; null without a user interface.
+QWidget* mxuiMainWindow();
+/// The frame of the main window, screen coordinates in pixels.
+QRect mxuiMainWindowRect();
+/// A pixel of the active drawing view (as mxedCoordFromWorldToPixel gives it) in screen coordinates.
+QPoint mxuiViewToScreen(const QPoint& pixel);
+/// A screen point in the main window's coordinates.
+QPoint mxuiScreenToMainWindow(const QPoint& point);
+/// The size of the active drawing view in pixels; empty without one.
+QRect mxuiViewRect();
+/// Physical pixels in one pixel of the windows' coordinates.
+double mxuiDevicePixelRatio();
+/// Paints what is stale in the active view now.
+void mxuiRepairView();

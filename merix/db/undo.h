@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// Undo: units of before-images. A unit is opened by the first lock of a command and closed by its last; an empty one
+// vanishes. Undoing a unit makes the redo unit from the states it replaces.
+#pragma once
+
+#include "merix/db/object_data.h"
+
+#include <string>
+#include <vector>
+
+namespace merix::db {
+
+struct UndoStep {
+    enum class Kind { kAppend, kModify, kErase, kUnerase };
+    Kind kind;
+    MxDbObjectId id;
+    std::string image; ///< kModify: the binary filing of the state before
+};
+
+struct UndoUnit {
+    std::wstring name; ///< for the user
+    std::vector<UndoStep> steps;
+};
+
+class UndoRecorder {
+public:
+    explicit UndoRecorder(DatabaseImp& database)
+        : m_database(database) {}
+
+    /// Units nest; only the outermost is recorded. Its name is the one of the outermost.
+    void begin(std::wstring name);
+    void end();
+    /// Drops what the open unit did and takes it back (a command that failed).
+    void abandon();
+    bool isOpen() const { return m_depth > 0; }
+
+    /// Off while a drawing is being read.
+    void setEnabled(bool enabled) { m_enabled = enabled; }
+    /// Records a step of the open unit; without one it is a unit of its own.
+    void record(UndoStep step);
+
+    bool canUndo() const { return !m_undo.empty(); }
+    bool canRedo() const { return !m_redo.empty(); }
+    const std::vector<UndoUnit>& undoUnits() const { return m_undo; }
+    const std::vector<UndoUnit>& redoUnits() const { return m_redo; }
+    /// False when there is nothing to undo, or a unit is open.
+    bool undo();
+    bool redo();
+    void clear();
+
+private:
+    void apply(UndoUnit unit, std::vector<UndoUnit>& inverse);
+
+    DatabaseImp& m_database;
+    std::vector<UndoUnit> m_undo, m_redo;
+    UndoUnit m_open;
+    int m_depth = 0;
+    bool m_enabled = true;
+    bool m_applying = false;
+};
+
+} // namespace merix::db

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// The graphics of one drawing: display lists of its entities, the spatial index over them, painting and picking.
+#pragma once
+
+#include "merix/db/database_imp.h"
+#include "merix/ge/view_transform.h"
+
+#include <QColor>
+
+#include <memory>
+#include <vector>
+
+class QPainter;
+
+namespace merix::gi {
+
+struct PaintOptions {
+    QColor background = QColor(33, 40, 48);
+    bool plot = false; ///< for paper or a file that is a plot: entities may leave themselves out
+    bool lineWeights = false;
+    double pixelRatio = 1.0;
+};
+
+class Scene : public db::DatabaseListener {
+public:
+    explicit Scene(MxDbDatabase& database);
+    ~Scene() override;
+
+    /// Paints the block `space` (model space, a paper space) as `view` shows it.
+    void paint(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId space, const PaintOptions& options);
+
+    /// Entities of `space` whose graphics come within `aperture` (world units, half the side of the pick box) of `at`,
+    /// topmost first. Entities on layers that are off or frozen are left out.
+    std::vector<MxDbObjectId> pick(MxDbObjectId space, const MxGePoint3d& at, double aperture);
+
+    /// The box of all that is visible in `space`; empty when there is nothing.
+    MxDbExtents extents(MxDbObjectId space);
+
+    /// Draws or leaves out one entity until it is next made anew.
+    void setDrawn(MxDbObjectId id, bool drawn);
+
+    void objectAppended(MxDbObject& object) override;
+    void objectModified(MxDbObject& object) override;
+    void objectErased(MxDbObject& object, bool erasing) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> m;
+};
+
+} // namespace merix::gi
