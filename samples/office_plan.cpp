@@ -359,7 +359,7 @@ void drawFurniture(EntityList& list) {
     }
     // Reception: a curved counter, two sofas.
     list.polyline({{{18300, 5700}, 0.4142135623730951}, {{20300, 3700}}}, false, 500);
-    list.insert("CHAIR", {18550, 5350}, 315);
+    list.insert("CHAIR", {19750, 5150}, 315);
     list.insert("SOFA", {23250, 2300}, 90);
     list.insert("SOFA", {23250, 4700}, 90);
     list.circle({22000, 3500}, 400);
