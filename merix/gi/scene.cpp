@@ -1,0 +1,322 @@
+// SPDX-License-Identifier: MIT
+// Every space that was ever looked at keeps one slot an entity, in drawing order, and a spatial index over their
+// boxes. A slot holds the box from the beginning and the display list from the first time it was in view; changes
+// only mark it, the next look makes it anew.
+#include "merix/gi/scene.h"
+
+#include "merix/db/entities.h"
+#include "merix/db/tables.h"
+#include "merix/gi/graphics_builder.h"
+#include "merix/gi/list_painter.h"
+
+#define BOOST_ALLOW_DEPRECATED_HEADERS // Boost.Geometry includes one of Boost's own
+#include <boost/geometry.hpp>
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace merix::gi {
+
+namespace {
+
+namespace bg = boost::geometry;
+using Point = bg::model::point<double, 2, bg::cs::cartesian>;
+using Box = bg::model::box<Point>;
+using Index = bg::index::rtree<std::pair<Box, std::uint32_t>, bg::index::quadratic<16>>;
+
+Box boxOf(const MxDbExtents& e) {
+    return {{e.minPoint().x, e.minPoint().y}, {e.maxPoint().x, e.maxPoint().y}};
+}
+
+bool isFinite(const MxDbExtents& e) {
+    return std::isfinite(e.minPoint().x + e.minPoint().y) && std::isfinite(e.maxPoint().x + e.maxPoint().y);
+}
+
+bool overlap(const MxDbExtents& a, const MxDbExtents& b) {
+    return a.minPoint().x <= b.maxPoint().x && b.minPoint().x <= a.maxPoint().x && a.minPoint().y <= b.maxPoint().y &&
+           b.minPoint().y <= a.maxPoint().y;
+}
+
+struct Slot {
+    MxDbObjectId id;
+    MxDbExtents box; ///< as the index has it; empty: not in the index
+    std::unique_ptr<DisplayList> list;
+    std::uint32_t version = 0; ///< of the graphics in `list`
+    bool dirty = false;
+    bool drawn = true;
+};
+
+struct Space {
+    std::vector<Slot> slots; ///< place for place the block's entities
+    std::unordered_map<db::ObjectStub*, std::uint32_t> slotOf;
+    std::vector<std::uint32_t> dirty;
+    Index index;
+
+    void markDirty(std::uint32_t i) {
+        if (!slots[i].dirty) {
+            slots[i].dirty = true;
+            dirty.push_back(i);
+        }
+    }
+    void setBox(std::uint32_t i, const MxDbExtents& box) {
+        Slot& slot = slots[i];
+        if (!slot.box.isEmpty())
+            index.remove({boxOf(slot.box), i});
+        slot.box = box;
+        if (!box.isEmpty())
+            index.insert({boxOf(box), i});
+    }
+};
+
+/// What of a layer shows in the entities on it.
+struct LayerLook {
+    std::int16_t color, weight;
+    std::uint32_t trueColor;
+    bool hasTrueColor, off, frozen;
+    MxDbObjectId linetype;
+    bool operator==(const LayerLook&) const = default;
+};
+
+LayerLook lookOf(const db::LayerRecord& layer) {
+    return {layer.color, layer.lineWeight, layer.trueColor, layer.hasTrueColor,
+            layer.off,   layer.isFrozen(), layer.linetype};
+}
+
+bool isSpace(const MxDbBlockTableRecord& block) {
+    const QString name = QString::fromStdWString(block.name());
+    return name.startsWith(QLatin1String("*Model_Space"), Qt::CaseInsensitive) ||
+           name.startsWith(QLatin1String("*Paper_Space"), Qt::CaseInsensitive);
+}
+
+/// Classes of modules name the application they belong to. Their graphics may depend on the zoom.
+bool isOfModule(const MxDbEntity& entity) {
+    const wchar_t* application = entity.isA()->appName();
+    return application && *application;
+}
+
+} // namespace
+
+struct Scene::Private {
+    explicit Private(MxDbDatabase& aDatabase)
+        : database(aDatabase.imp())
+        , builder(database)
+        , plotter(database, true) {}
+
+    db::DatabaseImp& database;
+    GraphicsBuilder builder, plotter;
+    std::map<MxDbObjectId, Space> spaces;
+    std::map<db::ObjectStub*, LayerLook> layers;
+    bool allStale = false; ///< forget all spaces at the next look: a module's drawing code may have caused it
+
+    MxDbEntity* entityOf(const Slot& slot) const {
+        MxDbObject* object = db::DatabaseImp::peek(slot.id);
+        return object && object->isKindOf(MxDbEntity::desc()) ? static_cast<MxDbEntity*>(object) : nullptr;
+    }
+
+    /// Extents as the entity tells them, widened where it may draw beyond what it tells.
+    MxDbExtents toldBox(MxDbEntity& entity) const {
+        MxDbExtents box;
+        ++entity.data().readers;
+        const auto status = entity.getGeomExtents(box);
+        --entity.data().readers;
+        if (status != Mx::eOk || box.isEmpty() || !isFinite(box))
+            return {};
+        if (isOfModule(entity)) {
+            const double margin = std::max(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y);
+            box.set(box.minPoint() - MxGeVector3d{margin, margin, 0}, box.maxPoint() + MxGeVector3d{margin, margin, 0});
+        }
+        box.set({box.minPoint().x, box.minPoint().y, 0}, {box.maxPoint().x, box.maxPoint().y, 0});
+        return box;
+    }
+
+    /// The space brought up to date with the drawing.
+    Space* spaceOf(MxDbObjectId id) {
+        if (std::exchange(allStale, false))
+            spaces.clear();
+        const MxDbBlockTableRecord* block = database.block(id);
+        if (!block)
+            return nullptr;
+        Space& space = spaces[id];
+        const auto& ids = block->entityIds();
+        const auto known = std::min(space.slots.size(), ids.size());
+        if (known < space.slots.size() || (known && !(space.slots[known - 1].id == ids[known - 1])))
+            space = Space();
+        if (space.slots.size() < ids.size())
+            addNew(space, ids);
+        for (const std::uint32_t i : std::exchange(space.dirty, {})) {
+            Slot& slot = space.slots[i];
+            slot.dirty = false;
+            MxDbEntity* entity = entityOf(slot);
+            space.setBox(i, entity ? toldBox(*entity) : MxDbExtents{});
+            if (!entity)
+                slot.list.reset();
+        }
+        return &space;
+    }
+
+    void addNew(Space& space, const std::vector<MxDbObjectId>& ids) {
+        const bool first = space.slots.empty();
+        std::vector<Index::value_type> entries;
+        for (auto i = static_cast<std::uint32_t>(space.slots.size()); i < ids.size(); ++i) {
+            space.slots.push_back({});
+            space.slots[i].id = ids[i];
+            space.slotOf[ids[i].stub()] = i;
+            if (MxDbEntity* entity = entityOf(space.slots[i]))
+                space.slots[i].box = toldBox(*entity);
+            if (!space.slots[i].box.isEmpty())
+                entries.push_back({boxOf(space.slots[i].box), i});
+        }
+        if (first)
+            space.index = Index(entries.begin(), entries.end());
+        else
+            space.index.insert(entries.begin(), entries.end());
+    }
+
+    /// The slot's list, made anew when it is stale.
+    const DisplayList& listOf(Space& space, std::uint32_t i, MxDbEntity& entity) {
+        const std::uint32_t version = entity.data().graphicsVersion;
+        if (!space.slots[i].list || space.slots[i].version != version) {
+            auto list = std::make_unique<DisplayList>(builder.build(entity));
+            Slot& slot = space.slots[i];
+            slot.list = std::move(list);
+            slot.version = version;
+            slot.drawn = true;
+            if (!slot.list->box.isEmpty() && isFinite(slot.list->box))
+                space.setBox(i, slot.list->box);
+        }
+        return *space.slots[i].list;
+    }
+
+    std::vector<std::uint32_t> within(const Space& space, const MxDbExtents& window) const {
+        std::vector<std::uint32_t> found;
+        const Box all = space.index.bounds();
+        const bool whole =
+            window.minPoint().x <= all.min_corner().get<0>() && window.minPoint().y <= all.min_corner().get<1>() &&
+            all.max_corner().get<0>() <= window.maxPoint().x && all.max_corner().get<1>() <= window.maxPoint().y;
+        if (whole) { // everything is in view: no need to ask one by one
+            for (std::uint32_t i = 0; i < space.slots.size(); ++i)
+                if (!space.slots[i].box.isEmpty())
+                    found.push_back(i);
+            return found;
+        }
+        for (auto it = space.index.qbegin(bg::index::intersects(boxOf(window))); it != space.index.qend(); ++it)
+            found.push_back(it->second);
+        std::sort(found.begin(), found.end());
+        return found;
+    }
+};
+
+Scene::Scene(MxDbDatabase& database)
+    : m(std::make_unique<Private>(database)) {
+    database.imp().addListener(this);
+}
+
+Scene::~Scene() {
+    m->database.removeListener(this);
+}
+
+void Scene::paint(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId spaceId, const PaintOptions& options) {
+    Space* space = m->spaceOf(spaceId);
+    if (!space || view.width <= 0 || view.height <= 0)
+        return;
+    const MxDbExtents window = view.worldRect();
+    ListPainter lists(painter, view, options);
+    for (const std::uint32_t i : m->within(*space, window)) {
+        MxDbEntity* entity = m->entityOf(space->slots[i]);
+        if (!entity)
+            continue;
+        if (options.plot && isOfModule(*entity)) {
+            lists.draw(m->plotter.build(*entity));
+            continue;
+        }
+        const DisplayList& list = m->listOf(*space, i, *entity);
+        if (space->slots[i].drawn && overlap(list.box, window))
+            lists.draw(list);
+    }
+}
+
+std::vector<MxDbObjectId> Scene::pick(MxDbObjectId spaceId, const MxGePoint3d& at, double aperture) {
+    std::vector<MxDbObjectId> picked;
+    Space* space = m->spaceOf(spaceId);
+    if (!space || !(aperture >= 0.0))
+        return picked;
+    const MxDbExtents square({at.x - aperture, at.y - aperture, 0}, {at.x + aperture, at.y + aperture, 0});
+    const std::vector<std::uint32_t> found = m->within(*space, square);
+    for (auto i = found.rbegin(); i != found.rend(); ++i) {
+        MxDbEntity* entity = m->entityOf(space->slots[*i]);
+        if (!entity)
+            continue;
+        const DisplayList& list = m->listOf(*space, *i, *entity);
+        // A module's icon is one thing to the hand, also between its strokes.
+        if (overlap(list.box, square) && (isOfModule(*entity) || touches(list, at, aperture)))
+            picked.push_back(space->slots[*i].id);
+    }
+    return picked;
+}
+
+MxDbExtents Scene::extents(MxDbObjectId spaceId) {
+    MxDbExtents all;
+    Space* space = m->spaceOf(spaceId);
+    if (!space)
+        return all;
+    for (std::uint32_t i = 0; i < space->slots.size(); ++i)
+        if (MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]))
+            all.addExt(m->listOf(*space, i, *entity).box);
+    return all;
+}
+
+void Scene::setDrawn(MxDbObjectId id, bool drawn) {
+    const MxDbObject* object = db::DatabaseImp::peek(id);
+    if (!object)
+        return;
+    Space* space = m->spaceOf(object->ownerId());
+    const auto slot = space ? space->slotOf.find(id.stub()) : decltype(space->slotOf.end()){};
+    if (!space || slot == space->slotOf.end())
+        return;
+    if (MxDbEntity* entity = m->entityOf(space->slots[slot->second]))
+        m->listOf(*space, slot->second, *entity); // what is made later would be drawn again
+    space->slots[slot->second].drawn = drawn;
+}
+
+void Scene::objectAppended(MxDbObject& object) {
+    objectModified(object);
+}
+
+void Scene::objectErased(MxDbObject& object, bool) {
+    objectModified(object);
+}
+
+void Scene::objectModified(MxDbObject& object) {
+    if (object.isKindOf(db::LayerRecord::desc())) {
+        // Layers are unlocked and locked again around changes of what lies on them; that shows nowhere.
+        const LayerLook look = lookOf(static_cast<db::LayerRecord&>(object));
+        const auto [known, isNew] = m->layers.try_emplace(object.data().stub, look);
+        if (isNew || !(known->second == look)) {
+            known->second = look;
+            m->allStale = true;
+        }
+        return;
+    }
+    if (object.isKindOf(db::LinetypeRecord::desc())) {
+        m->allStale = true;
+        return;
+    }
+    if (!object.isKindOf(MxDbEntity::desc()))
+        return;
+    const auto space = m->spaces.find(object.ownerId());
+    if (space != m->spaces.end()) {
+        const auto slot = space->second.slotOf.find(object.data().stub);
+        if (slot != space->second.slotOf.end())
+            space->second.markDirty(slot->second);
+        return;
+    }
+    // A part of a block shows wherever the block is inserted; a space not looked at yet shows nowhere.
+    const MxDbBlockTableRecord* block = m->database.block(object.ownerId());
+    if (block && !isSpace(*block))
+        m->allStale = true;
+}
+
+} // namespace merix::gi
