@@ -529,7 +529,9 @@ DxfDrawing roomGrid(std::size_t entities) {
     list.setLayer("SHEET");
     list.rectangle(low, high, 200);
     for (std::size_t room = 0; list.entities().size() < entities; ++room) {
-        const Point at{static_cast<double>(room % across) * kWidth, static_cast<double>(room / across) * kDepth};
+        const std::size_t row = room / across;
+        const std::size_t column = room % across;
+        const Point at{static_cast<double>(column) * kWidth, static_cast<double>(row) * kDepth};
         drawWall(list, {{{at + Point{0, kDepth}}, {at}, {at + Point{kWidth, 0}}},
                         false,
                         kInnerWall,

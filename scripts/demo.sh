@@ -20,7 +20,9 @@ least_likeness=0.9
 
 work=$(mktemp -d /tmp/phonomark-demo.XXXXXX)
 sound=
+speaker=
 cleanup() {
+    [[ -z $speaker ]] || kill "$speaker" 2>/dev/null || true
     [[ -z $sound ]] || "$root/scripts/sound-server.sh" stop "$sound" || true
     rm -rf "$work"
 }
@@ -111,16 +113,13 @@ SCRIPT
     "$root/scripts/sound-server.sh" speak "$sound"
 ) &
 speaker=$!
-if ! run_merix record.scr "$out/plan.dxf"; then
-    kill "$speaker" 2>/dev/null
-    exit 1
-fi
+run_merix record.scr "$out/plan.dxf"
 if ! grep -qs '^capture' "$PHONOMARK_AUDIO_LOG"; then
-    kill "$speaker" 2>/dev/null
     cat "$work/record.scr.log.txt" >&2
     fail "the button was held but nothing was recorded"
 fi
 wait "$speaker"
+speaker=
 capture_rate=$(granted "$PHONOMARK_AUDIO_LOG" capture rate)
 capture_period=$(granted "$PHONOMARK_AUDIO_LOG" capture period)
 stop_sound

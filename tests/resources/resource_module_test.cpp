@@ -27,7 +27,7 @@ protected:
         QFile file(QStringLiteral(":/MrxPhonomarkRes/strings/en.json"));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         QJsonParseError error;
-        const QJsonObject object = QJsonDocument::fromJson(file.readAll(), &error).object();
+        QJsonObject object = QJsonDocument::fromJson(file.readAll(), &error).object();
         EXPECT_EQ(error.error, QJsonParseError::NoError) << qPrintable(error.errorString());
         return object;
     }
