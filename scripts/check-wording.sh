@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "${1:-$(dirname "${BASH_SOURCE[0]}")/..}"
 git rev-parse --is-inside-work-tree >/dev/null
-words='\b[Ss]pecification\b|\b[Tt]he spec\b|\bspec\.md\b|\bParts? [1-6]\.[1-9]\b|/(work|home|root)/|/tmp/brief|\bFIX''ME\b|\bTO''DO\b'
+words='\b[Ss]pecification\b|\b[Tt]he spec\b|\bspec\.md\b|\bParts? [1-6]\.[1-9]\b|(^|[^[:alnum:]_}.-])/(work|home|root)/|/tmp/brief|\bFIX''ME\b|\bTO''DO\b'
 paths=$(git ls-files | grep -iE '(^|/)spec(ification)?(\.|/|$)' || true)
 lines=$(git grep -nIE "$words" -- . ':!scripts/check-wording.sh' || true)
 [[ -z $paths$lines ]] || { printf '%s\n' "$paths" "$lines" | grep -v '^$'; exit 1; }
