@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Documents as Merix makes them: a drawing, its file, its lock and its events.
+// Documents as Merix makes them: a drawing, its file, its lock and its events. Main thread only unless stated.
 #pragma once
 
 #include "host/ap/document.h"
 #include "host/db/database.h"
+#include "merix/ed/input_points.h"
 #include "merix/ge/view_transform.h"
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -16,16 +18,18 @@ namespace merix::ap {
 class Document : public QObject, public MxApDocument {
     Q_OBJECT
 public:
-    MxRxClass* isA() const override;
+    ~Document() override;
     MxDbDatabase* database() const override;
-    MxEdInputPointManager* inputPointManager() const override;
+    ed::InputPoints* inputPointManager() const override;
 
     /// The file's path; empty for a drawing never saved. The title is its name or "Drawing1".
     const QString& path() const;
     QString title() const;
+    /// Something would be lost without a save.
     bool isChanged() const;
 
-    /// What the document's view shows; kept here so that it outlives a tab switch.
+    /// What the document's view shows of the current layout; kept here so that it outlives a switch of tab or layout.
+    /// Its width is 0 until a view has shown the layout.
     ge::ViewTransform& view();
 
     /// "Model" and the names of the layouts, in tab order.
@@ -35,6 +39,7 @@ public:
     bool setCurrentLayout(const QString& name);
 
 Q_SIGNALS:
+    /// The title, the path or the changed mark is another.
     void titleChanged();
     void layoutChanged();
     /// Graphics are stale.
@@ -42,7 +47,8 @@ Q_SIGNALS:
 
 private:
     friend class DocManager;
-    Document();
+    explicit Document(std::unique_ptr<MxDbDatabase> database, const QString& path, const QString& title);
+    void noteChange();
     struct Private;
     std::unique_ptr<Private> m;
 };
@@ -52,6 +58,8 @@ struct Result {
     QString message; ///< one line that says what and where; empty when all went well
 };
 
+/// The open documents. Making it makes the host whole: the command stack and the editor are in the system registry,
+/// the loader tells modules of drawings and a shutdown writes recovery files.
 class DocManager : public QObject, public MxApDocManager {
     Q_OBJECT
 public:
@@ -59,42 +67,61 @@ public:
 
     /// A new empty drawing, activated.
     Document* create();
-    /// Reads a file; the document is created, told of and activated only when it was read. Messages of the reader
-    /// (records kept aside) are printed on the console.
+    /// Reads a file; the document is created, told of and activated only when it was read. A file that is open is
+    /// activated. Messages of the reader (records kept aside) are printed on the console.
     Result open(const QString& path, Document** opened = nullptr);
     /// By suffix: .dxf or .merix. beginSave goes out first.
     Result save(Document& document);
     Result saveAs(Document& document, const QString& path);
-    /// Destroys without asking; asking is the window's.
+    /// Destroys without asking; asking is the window's. While a command is under way in the document, cancels the
+    /// command's prompt and destroys when it is over. Afterwards another document, if there is one, is active.
     void close(Document& document);
+    /// Cancels the prompt under way in the document that was active; null leaves none active.
     void activate(Document* document);
+    /// False when there is nothing to undo or a command holds the document.
     bool undo(Document& document);
     bool redo(Document& document);
+
+    /// Concrete forms of the contract's operations.
+    Document* current() const;
+    std::vector<Document*> all() const;
+    /// Ends the program once the commands under way are over: quitRequested.
+    void requestQuit() { Q_EMIT quitRequested(); }
 
     // the contract
     MxApDocument* curDocument() const override;
     MxApDocument* document(const MxDbDatabase* database) const override;
     std::vector<MxApDocument*> documents() const override;
-    Mx::ErrorStatus lockDocument(MxApDocument*, MxApLockMode, const wchar_t* globalName, const wchar_t* localName,
-                                 bool prompt) override;
-    Mx::ErrorStatus unlockDocument(MxApDocument*) override;
-    void addReactor(MxApDocManagerReactor*) override;
-    void removeReactor(MxApDocManagerReactor*) override;
-    void pushResourceHandle(void*) override;
+    Mx::ErrorStatus lockDocument(MxApDocument* document, MxApLockMode mode, const wchar_t* globalName,
+                                 const wchar_t* localName, bool prompt = true) override;
+    Mx::ErrorStatus unlockDocument(MxApDocument* document) override;
+    void addReactor(MxApDocManagerReactor* reactor) override;
+    void removeReactor(MxApDocManagerReactor* reactor) override;
+    void pushResourceHandle(void* resource) override;
     void popResourceHandle() override;
 
-    /// Writes the recovery file of every changed drawing; any thread may ask for it, the main thread stands still or
-    /// is the caller.
-    void writeRecoveryFiles();
+    /// Writes a recovery file for every changed drawing, beside it or, for one never saved, in the user's data folder;
+    /// no file that exists is touched. Returns the paths written. The main thread calls it, or stands still.
+    QStringList writeRecoveryFiles();
 
 Q_SIGNALS:
+    /// Before it is activated for the first time.
     void documentOpened(merix::ap::Document* document);
+    /// It is destroyed right after.
     void documentClosing(merix::ap::Document* document);
+    /// Null when none is active.
     void documentActivated(merix::ap::Document* document);
+    /// The user asked to end the program; changed drawings have been dealt with.
+    void quitRequested();
 
 private:
     DocManager();
     ~DocManager() override;
+    Document* add(std::unique_ptr<Document> document);
+    Result saveTo(Document& document, const QString& path);
+    Document* find(const MxApDocument* document) const;
+    void makeCurrent(Document* document);
+    void forEachDrawing(const std::function<void()>& call);
     struct Private;
     std::unique_ptr<Private> m;
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The active drawing view as the editor knows it. The window sets it; without one (convert, render) it is null.
+// The active drawing view as the editor knows it. The window sets it; without one (convert) it is null.
 #pragma once
 
 #include "merix/ge/view_transform.h"
@@ -12,8 +12,15 @@ class ActiveView {
 public:
     virtual ~ActiveView() = default;
     virtual const ge::ViewTransform& transform() const = 0;
+    /// Shows something else; tells the editor (Editor::notifyViewChanged) and paints soon.
+    virtual void setTransform(const ge::ViewTransform& transform) = 0;
+    /// The box of all that is visible in the current layout; empty when there is nothing.
+    virtual MxDbExtents extents() = 0;
+    /// Makes all graphics of the drawing anew (REGEN).
+    virtual void regenerate() = 0;
     /// Paints soon.
     virtual void update() = 0;
+    /// Draws or leaves out one entity until its graphics are next made anew; ids of other drawings are ignored.
     virtual void drawEntity(MxDbObjectId id, bool draw) = 0;
 };
 

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: MIT
+// The document manager: the set of open drawings and the order of what is told when it changes.
+#include "merix/ap/doc_manager_private.h"
+#include "merix/ap/drawing_commands.h"
+#include "merix/ap/recovery.h"
+#include "merix/ed/editor.h"
+#include "merix/ed/host_functions.h"
+#include "merix/ed/prompter.h"
+#include "merix/io/drawing_file.h"
+#include "merix/rx/class_registry.h"
+#include "merix/rx/module_loader.h"
+#include "merix/rx/resource_modules.h"
+
+#include <QFileInfo>
+
+MERIX_RX_CLASS(MxApDocManagerReactor, "MxApDocManagerReactor", MxRxObject, nullptr, "")
+void MxApDocManagerReactor::documentCreated(MxApDocument*) {}
+void MxApDocManagerReactor::documentToBeActivated(MxApDocument*) {}
+void MxApDocManagerReactor::documentActivated(MxApDocument*) {}
+void MxApDocManagerReactor::documentToBeDeactivated(MxApDocument*) {}
+void MxApDocManagerReactor::documentToBeDestroyed(MxApDocument*) {}
+
+MxApDocManager* mxDocManagerPtr() {
+    return &merix::ap::DocManager::instance();
+}
+
+namespace merix::ap {
+
+namespace {
+
+constexpr const char* kReactor = "A document reactor";
+
+Result failure(const io::FileResult& result, const QString& path) {
+    QString why = QString::fromStdString(result.error);
+    if (why.isEmpty())
+        why = QStringLiteral("%1: status %2").arg(path).arg(int(result.status));
+    return {false, why};
+}
+
+void printNotes(const io::FileResult& result) {
+    for (const std::string& note : result.notes)
+        ed::Console::instance().print(QLatin1Char('\n') + QString::fromStdString(note));
+}
+
+} // namespace
+
+DocManager& DocManager::instance() {
+    static DocManager* const manager = new DocManager; // never destroyed: static objects of modules detach at the end
+    return *manager;
+}
+
+DocManager::DocManager()
+    : m(std::make_unique<Private>(*this)) {
+    ed::startEditor();
+    ed::CommandStack::instance().setScope(m.get());
+    registerDrawingCommands(ed::CommandStack::instance());
+    rx::ModuleLoader::instance().setForEachDrawing([this](const auto& call) { forEachDrawing(call); });
+    writeRecoveryFilesAtShutdown();
+}
+
+DocManager::~DocManager() = default;
+
+Document* DocManager::current() const {
+    return m->current;
+}
+
+std::vector<Document*> DocManager::all() const {
+    std::vector<Document*> documents;
+    for (const auto& document : m->documents)
+        documents.push_back(document.get());
+    return documents;
+}
+
+Document* DocManager::find(const MxApDocument* document) const {
+    for (const auto& known : m->documents)
+        if (known.get() == document)
+            return known.get();
+    return nullptr;
+}
+
+MxApDocument* DocManager::curDocument() const {
+    return m->current;
+}
+
+MxApDocument* DocManager::document(const MxDbDatabase* database) const {
+    for (const auto& document : m->documents)
+        if (document->database() == database)
+            return document.get();
+    return nullptr;
+}
+
+std::vector<MxApDocument*> DocManager::documents() const {
+    const std::vector<Document*> documents = all();
+    return {documents.begin(), documents.end()};
+}
+
+void DocManager::addReactor(MxApDocManagerReactor* reactor) {
+    m->reactors.add(reactor);
+}
+
+void DocManager::removeReactor(MxApDocManagerReactor* reactor) {
+    m->reactors.remove(reactor);
+}
+
+void DocManager::pushResourceHandle(void* resource) {
+    rx::pushResourceHandle(resource);
+}
+
+void DocManager::popResourceHandle() {
+    rx::popResourceHandle();
+}
+
+void DocManager::makeCurrent(Document* document) {
+    m->current = document;
+    db::setWorkingDatabase(document ? document->database() : nullptr);
+    ed::HostFunctions::instance().setContext(document);
+}
+
+void DocManager::forEachDrawing(const std::function<void()>& call) {
+    Document* const before = m->current;
+    for (Document* document : all()) {
+        makeCurrent(document);
+        call();
+    }
+    makeCurrent(before);
+}
+
+Document* DocManager::create() {
+    auto database = std::make_unique<MxDbDatabase>();
+    {
+        const db::WorkingDatabaseScope scope(database.get());
+        database->imp().createDefaults();
+    }
+    const QString title = QStringLiteral("Drawing%1").arg(++m->newDrawings);
+    return add(std::unique_ptr<Document>(new Document(std::move(database), {}, title)));
+}
+
+Result DocManager::open(const QString& path, Document** opened) {
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    for (const auto& document : m->documents)
+        if (!document->path().isEmpty() && QFileInfo(document->path()) == QFileInfo(absolute)) {
+            activate(document.get());
+            if (opened)
+                *opened = document.get();
+            return {};
+        }
+    auto database = std::make_unique<MxDbDatabase>();
+    io::FileResult result;
+    {
+        const db::WorkingDatabaseScope scope(database.get());
+        result = io::readDrawing(absolute.toStdString(), *database);
+    }
+    if (!result)
+        return failure(result, path);
+    printNotes(result);
+    Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), absolute, {})));
+    if (opened)
+        *opened = document;
+    return {};
+}
+
+Document* DocManager::add(std::unique_ptr<Document> document) {
+    Document* added = document.get();
+    m->documents.push_back(std::move(document));
+    m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& reactor) { reactor.documentCreated(added); });
+    Q_EMIT documentOpened(added);
+    activate(added);
+    rx::ModuleLoader::instance().drawingLoaded();
+    return added;
+}
+
+void DocManager::activate(Document* document) {
+    Document* const before = m->current;
+    if (document == before || (document && !find(document)))
+        return;
+    ed::Prompter::instance().cancel();
+    if (before)
+        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDeactivated(before); });
+    if (document)
+        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeActivated(document); });
+    makeCurrent(document);
+    Q_EMIT documentActivated(document);
+    if (document)
+        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentActivated(document); });
+}
+
+void DocManager::close(Document& document) {
+    if (document.m->commands > 0) {
+        document.m->closeLater = true;
+        ed::Prompter::instance().cancel();
+        return;
+    }
+    if (!find(&document))
+        return;
+    // Messages and functions belong to the current drawing; the one that goes is told of as if it were that.
+    Document* const before = m->current;
+    makeCurrent(&document);
+    m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
+    rx::ModuleLoader::instance().drawingToBeUnloaded();
+    makeCurrent(before == &document ? nullptr : before);
+    ed::HostFunctions::instance().dropContext(&document);
+
+    const auto place = std::find_if(m->documents.begin(), m->documents.end(),
+                                    [&](const auto& known) { return known.get() == &document; });
+    const auto index = std::size_t(place - m->documents.begin());
+    const std::unique_ptr<Document> gone = std::move(*place);
+    m->documents.erase(place);
+    Q_EMIT documentClosing(&document);
+    if (!m->current && !m->documents.empty())
+        activate(m->documents[std::min(index, m->documents.size() - 1)].get());
+    else if (!m->current)
+        Q_EMIT documentActivated(nullptr);
+}
+
+Result DocManager::save(Document& document) {
+    if (document.path().isEmpty())
+        return {false, QStringLiteral("%1: it has no file name yet").arg(document.title())};
+    return saveTo(document, document.path());
+}
+
+Result DocManager::saveAs(Document& document, const QString& path) {
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    for (const auto& other : m->documents)
+        if (other.get() != &document && !other->path().isEmpty() && QFileInfo(other->path()) == QFileInfo(absolute))
+            return {false, QStringLiteral("%1: it is open as another drawing").arg(path)};
+    return saveTo(document, absolute);
+}
+
+Result DocManager::saveTo(Document& document, const QString& path) {
+    db::DatabaseImp& imp = document.database()->imp();
+    {
+        const db::WorkingDatabaseScope scope(document.database());
+        imp.undo.begin(L"SAVE"); // whatever the reactors write is one unit, or none
+        ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
+        imp.undo.end();
+    }
+    const io::FileResult result = io::writeDrawing(path.toStdString(), *document.database());
+    if (!result)
+        return failure(result, path);
+    printNotes(result);
+    imp.clearChanged();
+    document.m->path = path;
+    document.m->wasChanged = false;
+    Q_EMIT document.titleChanged();
+    return {};
+}
+
+bool DocManager::undo(Document& document) {
+    if (document.m->commands > 0 || document.m->lockDepth > 0 || !document.database()->imp().undo.undo())
+        return false;
+    document.noteChange();
+    Q_EMIT document.graphicsChanged();
+    return true;
+}
+
+bool DocManager::redo(Document& document) {
+    if (document.m->commands > 0 || document.m->lockDepth > 0 || !document.database()->imp().undo.redo())
+        return false;
+    document.noteChange();
+    Q_EMIT document.graphicsChanged();
+    return true;
+}
+
+Mx::ErrorStatus DocManager::lockDocument(MxApDocument* document, MxApLockMode mode, const wchar_t* globalName,
+                                         const wchar_t* localName, bool prompt) {
+    Document* locked = find(document);
+    if (!locked)
+        return Mx::eNoDocument;
+    if (mode != MxApLockMode::kWrite || !globalName)
+        return Mx::eInvalidInput;
+    Document::Private& state = *locked->m;
+    const QString name = QString::fromWCharArray(globalName);
+    if (state.lockDepth > 0 && name.compare(state.lockName, Qt::CaseInsensitive) != 0) {
+        if (prompt)
+            ed::Console::instance().print(QStringLiteral("\n%1: the drawing is held by %2.").arg(name, state.lockName));
+        return Mx::eLockConflict;
+    }
+    state.lockName = name;
+    ++state.lockDepth;
+    state.database->imp().undo.begin(localName && *localName ? localName : globalName);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus DocManager::unlockDocument(MxApDocument* document) {
+    Document* locked = find(document);
+    if (!locked)
+        return Mx::eNoDocument;
+    Document::Private& state = *locked->m;
+    if (state.lockDepth == 0)
+        return Mx::eNotOpen;
+    state.database->imp().undo.end();
+    if (--state.lockDepth == 0)
+        state.lockName.clear();
+    locked->noteChange();
+    return Mx::eOk;
+}
+
+QStringList DocManager::writeRecoveryFiles() {
+    QStringList written;
+    for (const auto& document : m->documents) {
+        if (!document->isChanged())
+            continue;
+        const QString path = recoveryPath(document->path(), document->title());
+        if (!path.isEmpty() && io::writeDrawing(path.toStdString(), *document->database()))
+            written << path;
+    }
+    return written;
+}
+
+} // namespace merix::ap

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "merix/ap/document_private.h"
+#include "merix/ed/command_stack.h"
+
+namespace merix::ap {
+
+/// The manager's data, and what surrounds commands: each is one undo unit of the drawing that was current when it
+/// began.
+struct DocManager::Private : ed::CommandScope {
+    explicit Private(DocManager& manager)
+        : owner(manager) {}
+
+    bool begin(const QString& globalName) override;
+    void end(bool failed) override;
+    void idle() override;
+
+    DocManager& owner;
+    std::vector<std::unique_ptr<Document>> documents;
+    Document* current = nullptr;
+    ed::ReactorList<MxApDocManagerReactor> reactors;
+    int newDrawings = 0;               ///< numbers the titles of drawings never saved
+    Document* commandTarget = nullptr; ///< of the command under way; stays open until it is over
+};
+
+} // namespace merix::ap

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ap/document_private.h"
+
+#include "merix/ap/layouts.h"
+#include "merix/ed/editor.h"
+#include "merix/rx/class_registry.h"
+
+#include <QFileInfo>
+
+MERIX_RX_CLASS(MxApDocument, "MxApDocument", MxRxObject, nullptr, "")
+
+namespace merix::ap {
+
+void Document::Private::objectAppended(MxDbObject&) {
+    tell();
+}
+void Document::Private::objectModified(MxDbObject&) {
+    tell();
+}
+void Document::Private::objectErased(MxDbObject&, bool) {
+    tell();
+}
+void Document::Private::tell() {
+    owner.noteChange();
+    Q_EMIT owner.graphicsChanged();
+}
+
+Document::Document(std::unique_ptr<MxDbDatabase> database, const QString& path, const QString& title)
+    : m(std::make_unique<Private>(*this)) {
+    m->database = std::move(database);
+    m->path = path;
+    m->title = title;
+    m->database->imp().clearChanged();
+    m->database->imp().addListener(m.get());
+}
+
+Document::~Document() {
+    m->database->imp().removeListener(m.get());
+}
+
+MxDbDatabase* Document::database() const {
+    return m->database.get();
+}
+
+ed::InputPoints* Document::inputPointManager() const {
+    return &m->points;
+}
+
+const QString& Document::path() const {
+    return m->path;
+}
+
+QString Document::title() const {
+    return m->path.isEmpty() ? m->title : QFileInfo(m->path).fileName();
+}
+
+bool Document::isChanged() const {
+    return m->database->imp().isChanged();
+}
+
+void Document::noteChange() {
+    if (isChanged() == m->wasChanged)
+        return;
+    m->wasChanged = !m->wasChanged;
+    Q_EMIT titleChanged();
+}
+
+ge::ViewTransform& Document::view() {
+    return m->views[m->layout];
+}
+
+QStringList Document::layouts() const {
+    QStringList names;
+    for (const Layout& layout : layoutsOf(*m->database))
+        names << layout.name;
+    return names;
+}
+
+QString Document::currentLayout() const {
+    return m->layout;
+}
+
+bool Document::setCurrentLayout(const QString& name) {
+    for (const Layout& layout : layoutsOf(*m->database)) {
+        if (layout.name.compare(name, Qt::CaseInsensitive) != 0 || layout.space.isNull())
+            continue;
+        if (layout.name == m->layout)
+            return true;
+        m->layout = layout.name;
+        m->database->imp().currentSpace = layout.space;
+        Q_EMIT layoutChanged();
+        ed::Editor::instance().notifyLayoutSwitched(layout.name.toStdWString());
+        return true;
+    }
+    return false;
+}
+
+} // namespace merix::ap

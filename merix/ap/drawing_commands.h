@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "merix/ed/command_stack.h"
+
+namespace merix::ap {
+
+/// NEW, OPEN, SAVE, SAVEAS, CLOSE, QUIT, UNDO (U), REDO.
+void registerDrawingCommands(ed::CommandStack& stack);
+
+} // namespace merix::ap

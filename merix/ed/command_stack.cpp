@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ed/command_stack.h"
+
+#include "merix/ed/editor.h"
+#include "merix/ed/prompter.h"
+#include "merix/ed/reactor_list.h"
+
+#include <QTimer>
+
+#include <dlfcn.h>
+
+namespace merix::ed {
+
+namespace {
+
+/// The loaded file that holds a function. Commands stay registered when their module goes; this tells whether the
+/// code is still there.
+struct CodeOrigin {
+    const void* base = nullptr;
+    std::string file;
+    bool operator==(const CodeOrigin&) const = default;
+};
+
+CodeOrigin originOf(MxEdCommandFunction function) {
+    Dl_info info{};
+    if (!dladdr(reinterpret_cast<const void*>(function), &info))
+        return {};
+    return {info.dli_fbase, info.dli_fname ? info.dli_fname : ""};
+}
+
+bool same(const std::wstring& a, const QString& b) {
+    return QString::fromStdWString(a).compare(b, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+struct CommandStack::Command final : MxEdCommand {
+    std::wstring group, global, local;
+    int bits = 0;
+    MxEdCommandFunction function = nullptr;
+    CodeOrigin origin;
+
+    const wchar_t* groupName() const override { return group.c_str(); }
+    const wchar_t* globalName() const override { return global.c_str(); }
+    const wchar_t* localName() const override { return local.c_str(); }
+    int flags() const override { return bits; }
+};
+
+CommandStack::CommandStack() = default;
+CommandStack::~CommandStack() = default;
+
+CommandStack& CommandStack::instance() {
+    static CommandStack* const stack = new CommandStack; // never destroyed: modules may still call at the very end
+    return *stack;
+}
+
+Mx::ErrorStatus CommandStack::addCommand(const wchar_t* group, const wchar_t* globalName, const wchar_t* localName,
+                                         int flags, MxEdCommandFunction function, MxEdUIContext*, int, void*,
+                                         MxEdCommand** created) {
+    if (!group || !globalName || !*globalName || !localName || !*localName || !function)
+        return Mx::eInvalidInput;
+    const auto command = std::make_shared<Command>();
+    command->group = group;
+    command->global = globalName;
+    command->local = localName;
+    command->bits = flags;
+    command->function = function;
+    command->origin = originOf(function);
+    if (created)
+        *created = command.get();
+    for (auto& known : m_commands)
+        if (same(known->group, QString::fromWCharArray(group)) &&
+            same(known->global, QString::fromWCharArray(globalName))) {
+            known = command;
+            return Mx::eOk;
+        }
+    m_commands.push_back(command);
+    return Mx::eOk;
+}
+
+std::shared_ptr<CommandStack::Command> CommandStack::find(const QString& name, bool global) const {
+    for (const auto& command : m_commands)
+        if (same(global ? command->global : command->local, name))
+            return command;
+    return nullptr;
+}
+
+QString CommandStack::running() const {
+    return m_running ? QString::fromStdWString(m_running->global) : QString();
+}
+
+QStringList CommandStack::commands() const {
+    QStringList names;
+    for (const auto& command : m_commands)
+        names << QString::fromStdWString(command->group + L'.' + command->global);
+    return names;
+}
+
+CommandStack::Outcome CommandStack::runLine(const QString& line) {
+    QString typed = line.trimmed();
+    if (typed.isEmpty())
+        typed = m_last;
+    if (typed.isEmpty())
+        return Outcome::kNothing;
+    Console& console = Console::instance();
+    console.print(QStringLiteral("\nCommand: ") + typed);
+    if (isRunning()) {
+        console.print(QStringLiteral("\nThe command %1 is under way.").arg(running()));
+        return Outcome::kRefused;
+    }
+    const int blank = typed.indexOf(QLatin1Char(' '));
+    QString name = typed.left(blank);
+    bool global = false;
+    while (!name.isEmpty() && QStringLiteral("'._").contains(name[0])) {
+        global = global || name[0] == QLatin1Char('_');
+        name.remove(0, 1);
+    }
+    const auto command = find(name, global);
+    if (!command) {
+        console.print(QStringLiteral("\nUnknown command \"%1\".").arg(name));
+        return Outcome::kUnknown;
+    }
+    if (originOf(command->function) != command->origin) {
+        console.print(QStringLiteral("\nThe module of the command %1 is not loaded.").arg(name));
+        return Outcome::kUnknown;
+    }
+    m_last = typed.left(blank);
+    return run(command, blank < 0 ? QString() : typed.mid(blank + 1));
+}
+
+CommandStack::Outcome CommandStack::run(const std::shared_ptr<Command>& command, const QString& answers) {
+    const QString name = QString::fromStdWString(command->global);
+    const bool scoped = m_scope && !(command->bits & kSessionCommand);
+    if (scoped && !m_scope->begin(name))
+        return Outcome::kRefused;
+    m_running = command;
+    Prompter& prompter = Prompter::instance();
+    Editor& editor = Editor::instance();
+    prompter.beginCommand(answers);
+    editor.notifyCommandWillStart(command->global);
+    const bool done = guarded(qPrintable(name), command->function);
+    const bool cancelled = prompter.wasCancelled();
+    prompter.endCommand();
+    if (scoped)
+        m_scope->end(!done);
+    m_running.reset();
+    Outcome outcome = Outcome::kEnded;
+    if (!done) {
+        outcome = Outcome::kFailed;
+        editor.notifyCommandFailed(command->global);
+    } else if (cancelled) {
+        outcome = Outcome::kCancelled;
+        editor.notifyCommandCancelled(command->global);
+    } else {
+        editor.notifyCommandEnded(command->global);
+    }
+    if (m_scope)
+        m_scope->idle();
+    return outcome;
+}
+
+void CommandStack::submit(const QString& line) {
+    Prompter::instance().cancel();
+    // The cancelled command unwinds first.
+    QTimer::singleShot(0, &Prompter::instance(), [line] { CommandStack::instance().runLine(line); });
+}
+
+} // namespace merix::ed

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// The registered commands and the one that runs. Main thread only.
+#pragma once
+
+#include "host/ed/commands.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace merix::ed {
+
+/// A command with this flag works on the set of open drawings or on undo itself: it runs without a drawing and outside
+/// any undo unit. Host commands only.
+constexpr int kSessionCommand = 1 << 24;
+
+/// What surrounds a command that changes the drawing: the floor of documents makes one undo unit of it.
+class CommandScope {
+public:
+    virtual ~CommandScope() = default;
+    /// False, after telling why, when the command cannot run (there is no drawing).
+    virtual bool begin(const QString& globalName) = 0;
+    /// `failed`: the command threw, what it did is taken back.
+    virtual void end(bool failed) = 0;
+    /// Every command, session ones too, is over and told of.
+    virtual void idle() = 0;
+};
+
+class CommandStack : public MxEdCommandStack {
+public:
+    enum class Outcome {
+        kNothing, ///< an empty line with nothing to repeat
+        kEnded,
+        kCancelled,
+        kFailed,  ///< the command threw
+        kUnknown, ///< there is no such command, or its module is gone
+        kRefused, ///< another command is under way, or there is no drawing
+    };
+    static CommandStack& instance();
+    ~CommandStack() override;
+
+    Mx::ErrorStatus addCommand(const wchar_t* group, const wchar_t* globalName, const wchar_t* localName, int flags,
+                               MxEdCommandFunction function, MxEdUIContext* contextMenu = nullptr,
+                               int functionCode = -1, void* resourceHandle = nullptr,
+                               MxEdCommand** created = nullptr) override;
+
+    /// Runs what was typed while nothing waits: a command, local or with a leading `_` global name, further words being
+    /// its first answers; an empty line repeats the last command. `'` and `.` before a name are passed over. Returns
+    /// when the command is over.
+    Outcome runLine(const QString& line);
+    /// For menus and keys: cancels the prompt under way and runs the line as soon as nothing runs.
+    void submit(const QString& line);
+
+    bool isRunning() const { return m_running != nullptr; }
+    /// Global name of the command under way, empty when none is.
+    QString running() const;
+    /// "GROUP.GLOBAL" of every command in the order of registration.
+    QStringList commands() const;
+
+    /// Null: commands run without undo. Not owned.
+    void setScope(CommandScope* scope) { m_scope = scope; }
+
+private:
+    struct Command;
+    CommandStack();
+    std::shared_ptr<Command> find(const QString& name, bool global) const;
+    Outcome run(const std::shared_ptr<Command>& command, const QString& answers);
+
+    std::vector<std::shared_ptr<Command>> m_commands;
+    std::shared_ptr<Command> m_running;
+    QString m_last;
+    CommandScope* m_scope = nullptr;
+};
+
+} // namespace merix::ed

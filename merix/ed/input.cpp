@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// The contract's input and output operations over the prompter, the console and the active view.
+#include "host/ed/input.h"
+
+#include "host/db/database.h"
+#include "host/ed/commands.h"
+#include "merix/db/database_imp.h"
+#include "merix/ed/active_view.h"
+#include "merix/ed/host_functions.h"
+#include "merix/ed/printf_format.h"
+#include "merix/ed/prompter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using merix::ed::Console;
+using merix::ed::HostFunctions;
+using merix::ed::Prompter;
+
+namespace {
+
+QString fromWide(const wchar_t* text) {
+    return text ? QString::fromWCharArray(text) : QString();
+}
+
+void copyCut(const QString& text, wchar_t* buffer, std::size_t capacity) {
+    if (!buffer || capacity == 0)
+        return;
+    const std::wstring wide = text.toStdWString();
+    const std::size_t length = std::min(wide.size(), capacity - 1);
+    std::copy_n(wide.begin(), length, buffer);
+    buffer[length] = L'\0';
+}
+
+const merix::ge::ViewTransform* viewport(int number) {
+    const auto* view = merix::ed::activeView();
+    if (number != 0 || !view || view->transform().width <= 0 || view->transform().height <= 0)
+        return nullptr;
+    return &view->transform();
+}
+
+/// A pixel number that an int holds, however far away the point is.
+int toPixelNumber(double value) {
+    constexpr double kLimit = std::numeric_limits<int>::max() / 2;
+    return static_cast<int>(std::lround(std::clamp(value, -kLimit, kLimit)));
+}
+
+} // namespace
+
+int mxedInitGet(int control, const wchar_t* keywords) {
+    Prompter::instance().init(control, fromWide(keywords));
+    return kInputNormal;
+}
+
+int mxedGetPoint(const MxGePoint3d* base, const wchar_t* prompt, MxGePoint3d& point) {
+    return Prompter::instance().getPoint(base, fromWide(prompt), point);
+}
+
+int mxedGetKword(const wchar_t* prompt, wchar_t* keyword, std::size_t capacity) {
+    QString answer;
+    const int result = Prompter::instance().getKeyword(fromWide(prompt), answer);
+    copyCut(answer, keyword, capacity);
+    return result;
+}
+
+int mxedGetInput(wchar_t* keyword, std::size_t capacity) {
+    const QString& answer = Prompter::instance().lastKeyword();
+    copyCut(answer, keyword, capacity);
+    return answer.isEmpty() ? kInputError : kInputNormal;
+}
+
+int mxedGetString(bool spaces, const wchar_t* prompt, wchar_t* text, std::size_t capacity) {
+    QString answer;
+    const int result = Prompter::instance().getString(spaces, fromWide(prompt), answer);
+    copyCut(answer, text, capacity);
+    return result;
+}
+
+bool mxdbUcs2Wcs(const MxGePoint3d& user, MxGePoint3d& world, bool) {
+    world = user; // drawings are worked on in world coordinates, so points and vectors are the same in both
+    return true;
+}
+
+int mxutPrintf(const wchar_t* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    const std::wstring text = merix::ed::formatWide(format, arguments);
+    va_end(arguments);
+    Console::instance().print(QString::fromStdWString(text));
+    return kInputNormal;
+}
+
+int mxutPrintText(const wchar_t* text) {
+    Console::instance().print(fromWide(text));
+    return kInputNormal;
+}
+
+bool mxedCoordFromPixelToWorld(int viewportNumber, int pixelX, int pixelY, MxGePoint3d& world) {
+    const auto* transform = viewport(viewportNumber);
+    if (!transform)
+        return false;
+    world = transform->toWorld(pixelX, pixelY);
+    return true;
+}
+
+bool mxedCoordFromWorldToPixel(int viewportNumber, const MxGePoint3d& world, int& pixelX, int& pixelY) {
+    const auto* transform = viewport(viewportNumber);
+    if (!transform || !std::isfinite(world.x) || !std::isfinite(world.y))
+        return false;
+    const MxGePoint2d pixel = transform->toPixel(world);
+    pixelX = toPixelNumber(pixel.x);
+    pixelY = toPixelNumber(pixel.y);
+    return true;
+}
+
+int mxedRedraw(MxDbObjectId entity, int mode) {
+    auto* view = merix::ed::activeView();
+    if (!view || entity.isNull() || (mode != 1 && mode != 2))
+        return kInputError;
+    view->drawEntity(entity, mode == 1);
+    return kInputNormal;
+}
+
+Mx::ErrorStatus mxdbEntUpd(MxDbObjectId entity) {
+    if (entity.isNull())
+        return Mx::eNullObjectId;
+    MxDbObject* object = merix::db::DatabaseImp::peek(entity);
+    if (!object)
+        return Mx::eNotResident;
+    if (!object->isKindOf(MxDbEntity::desc()))
+        return Mx::eWrongClass;
+    // Graphics are no part of what is saved or locked: nothing is opened, marked changed or kept for undo.
+    ++object->data().graphicsVersion;
+    entity.database()->imp().notifyModified(*object);
+    return Mx::eOk;
+}
+
+int mxedSSClearFirst() {
+    return kInputNormal; // commands begin without a selection: there is no way to make one before them
+}
+
+int mxedDefun(const wchar_t* name, int code) {
+    return HostFunctions::instance().define(fromWide(name), code) ? kInputNormal : kInputError;
+}
+
+int mxedUndef(const wchar_t* name, int code) {
+    return HostFunctions::instance().undefine(fromWide(name), code) ? kInputNormal : kInputError;
+}
+
+int mxedGetFunCode() {
+    return HostFunctions::instance().codeBeingCalled().value_or(-1);
+}
+
+int mxedRetInt(int value) {
+    if (!HostFunctions::instance().codeBeingCalled())
+        return kInputError;
+    HostFunctions::instance().setResult(value);
+    return kInputNormal;
+}

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "host/ge/geometry.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace merix::ed {
+
+/// A point as it is typed: `x,y[,z]`, `distance<angle` (degrees, counter-clockwise from the x axis), and with a leading
+/// `@` either of them counted from `last`. Decimal points only; nothing for what is no point, infinite or not a number.
+std::optional<MxGePoint3d> parseTypedPoint(const QString& text, const MxGePoint3d& last);
+
+/// A point for the history: `x,y`, at most ten digits each.
+QString formatPoint(const MxGePoint3d& point);
+
+} // namespace merix::ed
