@@ -3,17 +3,22 @@
 #include "phonomark/audio/player.h"
 #include "phonomark/audio/recorder.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <memory>
 #include <vector>
 
 namespace {
-std::vector<char> g_buffer(VkAudioRecorder::kBufferBytes);
-}
 
+struct Memory {
+    std::vector<char> buffer = std::vector<char>(VkAudioRecorder::kBufferBytes);
+    std::uint32_t size = 0;
+};
+
+} // namespace
+
+/// The recorder, the player and the last pointer to the memory go at once; what they started goes on.
 extern "C" __attribute__((visibility("default"))) bool startBoth() {
-    // The recorder and the player go at once; what they started goes on.
-    static std::uint32_t size = 0;
-    return VkAudioPlayer().play(g_buffer.data(), VkAudioRecorder::kBufferBytes) &&
-           VkAudioRecorder().record(g_buffer.data(), &size);
+    const auto recorded = std::make_shared<Memory>();
+    const auto played = std::make_shared<Memory>();
+    return VkAudioPlayer().play(played->buffer.data(), VkAudioRecorder::kBufferBytes, played) &&
+           VkAudioRecorder().record(recorded->buffer.data(), &recorded->size, recorded);
 }
