@@ -12,10 +12,12 @@ out=$(cd "$2" && pwd)
 merix=$build/bin/merix
 soundcheck=$build/bin/soundcheck
 
-# Where the note stands in the plan, and a spot on its marker, up and to the right of it: the marker's size is fixed
-# on the screen, and the spot lies on it in windows of 600 to 1200 pixels height.
+# Where the note stands in the plan, the part of the plan that is looked at, and a spot on the note's marker, up and to
+# the right of the point. The marker is 32 pixels wide at any zoom, so the spot lies on it as long as a pixel shows 10
+# to 18 millimetres: in this part of the plan, as long as the view is 530 to 950 pixels high.
 note_at=24300,7700
-spot="25050 8450"
+look_at=(ZOOM Window 16500,2500 30500,12000)
+spot="24550 7950"
 least_likeness=0.9
 
 work=$(mktemp -d /tmp/phonomark-demo.XXXXXX)
@@ -97,6 +99,7 @@ begin "Opening the floor plan, placing a note and holding the button for a sente
 cat >"$work/record.scr" <<SCRIPT
 ; A note in the corridor, at the door to the stairs.
 @shot $out/before.png
+$(printf '%s\n' "${look_at[@]}")
 PHONOMARK
 $note_at
 @hover $spot
@@ -134,6 +137,7 @@ printf '  recorded %s s (the note says %s), %s bytes, at %s samples a second in 
     "$seconds" "$duration" "$bytes" "$capture_rate" "$capture_period"
 
 cat >"$work/play.scr" <<SCRIPT
+$(printf '%s\n' "${look_at[@]}")
 @hover $spot
 @press
 @release

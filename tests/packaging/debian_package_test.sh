@@ -37,7 +37,7 @@ loaded=$(LD_DEBUG=libs root/usr/bin/merix --version 2>&1 | grep -o 'calling init
 [[ $loaded == *"$work"* ]] || wrong "the library was not taken from the package: $loaded"
 
 # The function is the module's, and its texts come from the resource module.
-printf '(PhonomarkShow)\n@expect 1\nPHONOMARK\n@expect Specify the point of the note\n' >script
+printf '(PhonomarkShow)\n@expect 1\nPHONOMARK\n@expect Specify the point of the note\n@key Escape\n' >script
 root/usr/bin/merix --headless --script script "$work/root/usr/share/doc/merix/examples/plan.dxf" >log 2>&1 ||
     wrong "the script in the unpacked package failed: $(cat log)"
 exit "$failures"
