@@ -30,7 +30,7 @@ std::vector<QString> drawings() {
     std::vector<QString> paths;
     for (std::size_t i = 0; i < std::min<std::size_t>(files.size(), 10); ++i)
         paths.push_back(files[i].filePath());
-    paths.push_back(QStringLiteral(MERIX_BINARY_DIR "/samples/plan_20000.dxf"));
+    paths.push_back(QStringLiteral(MERIX_BINARY_DIR "/samples/plan-20000.dxf"));
     return paths;
 }
 
