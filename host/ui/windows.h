@@ -9,9 +9,11 @@ class QWidget;
 
 /// The main window's widget, the parent of module windows; null without a user interface.
 QWidget* mxuiMainWindow();
-/// The frame of the main window, screen coordinates in pixels.
+/// The main window's area, screen coordinates.
 QRect mxuiMainWindowRect();
-/// A pixel of the active drawing view (as mxedCoordFromWorldToPixel gives it) in screen coordinates.
+/// A pixel of the active drawing view (as mxedCoordFromWorldToPixel gives it) in screen coordinates. Views count
+/// physical pixels: the result lies as many of them from the main window's corner. What mxuiScreenToMainWindow makes of
+/// it is therefore to be divided by the device pixel ratio to give a place for a widget.
 QPoint mxuiViewToScreen(const QPoint& pixel);
 /// A screen point in the main window's coordinates.
 QPoint mxuiScreenToMainWindow(const QPoint& point);

@@ -2,14 +2,15 @@
 #include "host/ui/dialog.h"
 
 #include "host/win/resources.h"
+#include "merix/rx/resource_modules.h"
 
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QFile>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QPointer>
 #include <QUiLoader>
-#include <QVBoxLayout>
 
 #include <memory>
 
@@ -20,42 +21,64 @@ CWnd::~CWnd() = default;
 
 void CWnd::ShowWindow(int show) {
     setVisible(show != 0);
+    if (show != 0)
+        raise();
 }
 
 CDialog::CDialog(const char* templateName, QWidget* parent)
-    : CWnd(parent)
-    , m_template(QString::fromUtf8(templateName)) {}
+    : CDialog(parent) {
+    m_template = QString::fromLatin1(templateName);
+}
 
 CDialog::CDialog(QWidget* parent)
-    : CWnd(parent) {}
+    : CWnd(parent) {
+    setWindowFlags(Qt::Dialog);
+}
 
 CDialog::~CDialog() = default;
 
 bool CDialog::Create(unsigned id, QWidget* parent) {
     if (parent)
-        setParent(parent);
+        setParent(parent, windowFlags());
     const bool built = build(QString::number(id));
     OnInitDialog();
     return built;
 }
 
+bool CDialog::build(const QString& name) {
+    const std::string prefix = merix::rx::resourcePrefix(AfxGetResourceHandle());
+    QFile file(QStringLiteral("%1/dialogs/%2.ui").arg(QString::fromStdString(prefix), name));
+    if (prefix.empty() || !file.open(QIODevice::ReadOnly))
+        return false;
+    const std::unique_ptr<QWidget> form(QUiLoader().load(&file));
+    if (!form)
+        return false;
+    setObjectName(form->objectName());
+    setWindowTitle(form->windowTitle());
+    resize(form->size());
+    // The form is only the holder of its widgets: they, or the layout that holds them, become the dialog's own.
+    if (form->layout())
+        setLayout(form->layout());
+    const auto children = form->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QWidget* child : children)
+        child->setParent(this);
+    return true;
+}
+
 int CDialog::DoModal() {
     build(m_template);
-    setWindowFlags(Qt::Dialog);
     setWindowModality(Qt::ApplicationModal);
-    OnInitDialog();
     m_result = 2;
     m_ended = false;
-    show();
+    OnInitDialog();
+    if (!m_ended)
+        show();
     // The dialog may be deleted by what runs inside its own loop; the loop then ends through the watch.
-    QPointer<CDialog> alive(this);
+    const QPointer<CDialog> alive(this);
     QEventLoop loop;
     while (alive && !m_ended)
-        loop.processEvents(QEventLoop::WaitForMoreEvents);
-    if (!alive)
-        return 2;
-    hide();
-    return m_result;
+        loop.processEvents(QEventLoop::DialogExec | QEventLoop::WaitForMoreEvents);
+    return alive ? m_result : 2;
 }
 
 void CDialog::EndDialog(int result) {
@@ -65,23 +88,6 @@ void CDialog::EndDialog(int result) {
 }
 
 bool CDialog::OnInitDialog() {
-    return true;
-}
-
-/// Makes the template's widget the only child, and takes over its size and title.
-bool CDialog::build(const QString& name) {
-    QFile file(QStringLiteral(":/MrxPhonomarkRes/dialogs/%1.ui").arg(name));
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    QUiLoader loader;
-    std::unique_ptr<QWidget> form(loader.load(&file));
-    if (!form)
-        return false;
-    resize(form->size());
-    setWindowTitle(form->windowTitle());
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(form.release());
     return true;
 }
 
@@ -95,6 +101,6 @@ void CDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void CDialog::closeEvent(QCloseEvent* event) {
+    event->ignore();
     OnCancel();
-    event->accept();
 }

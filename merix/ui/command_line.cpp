@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ui/command_line.h"
+
+#include "merix/ed/command_stack.h"
+#include "merix/ed/prompter.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTimer>
+
+namespace merix::ui {
+
+namespace {
+
+constexpr int kRecallable = 200;
+
+/// The prompt as rich text, each keyword a link that stands where the prompt names it, else at its end.
+QString promptHtml(const QString& prompt, const std::vector<ed::Keyword>& keywords) {
+    QString html = prompt.toHtmlEscaped();
+    QString rest;
+    for (const ed::Keyword& keyword : keywords) {
+        const QString word = keyword.local.toHtmlEscaped();
+        const QString link = QStringLiteral("<a href=\"%1\">%1</a>").arg(word);
+        // Not inside a link that was set for another keyword.
+        const QRegularExpression place(
+            QStringLiteral("\\b%1\\b(?![^<]*</a>)(?![^<>]*\")").arg(QRegularExpression::escape(word)),
+            QRegularExpression::CaseInsensitiveOption);
+        if (const auto match = place.match(html); match.hasMatch())
+            html.replace(match.capturedStart(), match.capturedLength(), link);
+        else
+            rest += QLatin1Char(' ') + link;
+    }
+    return html.trimmed() + rest;
+}
+
+} // namespace
+
+CommandLine::CommandLine(QWidget* parent)
+    : QWidget(parent)
+    , m_history(new QPlainTextEdit)
+    , m_prompt(new QLabel)
+    , m_entry(new QLineEdit) {
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    m_history->setReadOnly(true);
+    m_history->setUndoRedoEnabled(false);
+    m_history->setMaximumBlockCount(20000);
+    m_history->setFont(fixed);
+    m_history->setFrameShape(QFrame::NoFrame);
+    m_history->setAccessibleName(tr("Command history"));
+    m_history->setPlainText(ed::Console::instance().history().join(QLatin1Char('\n')));
+    m_prompt->setFont(fixed);
+    m_prompt->setTextFormat(Qt::RichText);
+    m_prompt->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+    m_entry->setFont(fixed);
+    m_entry->setFrame(false);
+    m_entry->setObjectName(QStringLiteral("commandEntry"));
+    m_entry->setAccessibleName(tr("Command line"));
+    m_entry->installEventFilter(this);
+
+    auto* line = new QWidget;
+    line->setAutoFillBackground(true);
+    line->setBackgroundRole(QPalette::AlternateBase);
+    m_entry->setAutoFillBackground(true);
+    auto* row = new QHBoxLayout(line);
+    row->setContentsMargins(8, 4, 8, 4);
+    row->setSpacing(6);
+    row->addWidget(m_prompt);
+    row->addWidget(m_entry, 1);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_history, 1);
+    column->addWidget(line);
+
+    auto& console = ed::Console::instance();
+    connect(&console, &ed::Console::printed, m_history, &QPlainTextEdit::appendPlainText);
+    connect(&console, &ed::Console::continued, this, [this](const QString& text) {
+        m_history->moveCursor(QTextCursor::End);
+        m_history->insertPlainText(text);
+    });
+    connect(&console, &ed::Console::promptChanged, this, &CommandLine::showPrompt);
+    connect(m_prompt, &QLabel::linkActivated, this, [this](const QString& keyword) {
+        m_entry->clear();
+        submitLine(keyword);
+    });
+    showPrompt();
+}
+
+QSize CommandLine::sizeHint() const {
+    const int line = QFontMetrics(m_history->font()).lineSpacing();
+    return {640, 4 * line + m_entry->sizeHint().height() + 24};
+}
+
+void CommandLine::showPrompt() {
+    const auto& console = ed::Console::instance();
+    m_prompt->setText(console.prompt().isEmpty() ? tr("Command:") : promptHtml(console.prompt(), console.keywords()));
+    m_history->verticalScrollBar()->setValue(m_history->verticalScrollBar()->maximum());
+}
+
+void CommandLine::type(QKeyEvent* event) {
+    m_entry->setFocus();
+    if (!handleKey(event))
+        QApplication::sendEvent(m_entry, event);
+}
+
+bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_entry && event->type() == QEvent::KeyPress)
+        return handleKey(static_cast<QKeyEvent*>(event));
+    return QWidget::eventFilter(watched, event);
+}
+
+bool CommandLine::handleKey(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        submit();
+        return true;
+    case Qt::Key_Space:
+        // A blank ends an answer as Enter does, but for texts.
+        if (ed::Prompter::instance().wants() == ed::Prompter::Wants::kString ||
+            m_entry->text().startsWith(QLatin1Char('(')))
+            return false;
+        submit();
+        return true;
+    case Qt::Key_Escape:
+        escape();
+        return true;
+    case Qt::Key_Up:
+        recall(-1);
+        return true;
+    case Qt::Key_Down:
+        recall(1);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void CommandLine::submit() {
+    const QString line = m_entry->text();
+    m_entry->clear();
+    if (!line.trimmed().isEmpty() && (m_typed.isEmpty() || m_typed.last() != line)) {
+        m_typed.append(line);
+        if (m_typed.size() > kRecallable)
+            m_typed.removeFirst();
+    }
+    m_recalled = m_typed.size();
+    submitLine(line);
+}
+
+void CommandLine::submitLine(const QString& line) {
+    if (ed::Prompter::instance().isWaiting()) {
+        ed::Prompter::instance().submitLine(line);
+        return;
+    }
+    // A command runs until it is over: not inside the delivery of the key that called it.
+    QTimer::singleShot(0, this, [line] { ed::Prompter::instance().submitLine(line); });
+}
+
+void CommandLine::recall(int step) {
+    m_recalled = std::clamp<int>(m_recalled + step, 0, m_typed.size());
+    m_entry->setText(m_recalled < m_typed.size() ? m_typed[m_recalled] : QString());
+}
+
+void CommandLine::escape() {
+    const bool typed = !m_entry->text().isEmpty();
+    m_entry->clear();
+    m_recalled = m_typed.size();
+    if (ed::Prompter::instance().isWaiting())
+        ed::Prompter::instance().cancel();
+    else if (typed)
+        ed::Console::instance().print(QStringLiteral("\n") + tr("*Cancel*"));
+}
+
+} // namespace merix::ui

@@ -1,0 +1,344 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ui/drawing_view.h"
+
+#include "merix/ed/editor.h"
+#include "merix/ed/input_points.h"
+#include "merix/ed/prompter.h"
+#include "merix/ui/look.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+namespace merix::ui {
+
+namespace {
+
+constexpr double kPickBox = 5.0;                         ///< half the side of the pick box, pixels of the widget
+constexpr double kCrossArm = 32.0;                       ///< from the middle to the cross hair's ends
+constexpr double kWheelStep = 1.2;                       ///< zoom of one notch of the wheel
+constexpr double kNotch = 120.0;                         ///< angle units of one notch, by Qt
+const MxDbExtents kEmptySheet{{0, 0, 0}, {420, 297, 0}}; ///< shown of a drawing that holds nothing
+
+} // namespace
+
+DrawingView::DrawingView(QWidget* parent)
+    : QWidget(parent) {
+    setObjectName(QStringLiteral("drawingView"));
+    setAccessibleName(tr("Drawing"));
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setCursor(Qt::BlankCursor);
+    setMinimumSize(120, 90);
+    m_hover.setSingleShot(true);
+    connect(&m_hover, &QTimer::timeout, this, &DrawingView::hover);
+    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] { QWidget::update(); });
+}
+
+DrawingView::~DrawingView() {
+    if (ed::activeView() == this)
+        ed::setActiveView(nullptr);
+}
+
+// ---------------------------------------------------------------- what is shown
+
+void DrawingView::setDocument(ap::Document* document) {
+    if (m_document == document && document)
+        return;
+    if (m_document) {
+        m_layoutViews[{m_document, m_layout}] = m_document->view();
+        m_document->disconnect(this);
+    }
+    m_document = document;
+    if (document) {
+        m_layout = document->currentLayout();
+        connect(document, &ap::Document::graphicsChanged, this, &DrawingView::update);
+        connect(document, &ap::Document::layoutChanged, this, &DrawingView::layoutChanged);
+        setUpTransform(document->view());
+    }
+    setCursor(document ? Qt::BlankCursor : Qt::ArrowCursor);
+    ed::setActiveView(document ? this : nullptr);
+    update();
+    if (document)
+        ed::Editor::instance().notifyViewChanged();
+}
+
+void DrawingView::forget(ap::Document* document) {
+    if (m_document == document)
+        setDocument(nullptr);
+    std::erase_if(m_layoutViews, [&](const auto& entry) { return entry.first.first == document; });
+    m_scenes.erase(document);
+}
+
+void DrawingView::setUpTransform(ge::ViewTransform& view) {
+    const bool isNew = view.width <= 0;
+    view.width = width() * devicePixelRatioF();
+    view.height = height() * devicePixelRatioF();
+    if (!isNew)
+        return;
+    const MxDbExtents box = extents();
+    view.fit(box.isEmpty() ? kEmptySheet : box);
+}
+
+void DrawingView::layoutChanged() {
+    if (!m_document || m_layout == m_document->currentLayout())
+        return;
+    m_layoutViews[{m_document, m_layout}] = m_document->view();
+    m_layout = m_document->currentLayout();
+    const auto known = m_layoutViews.find({m_document, m_layout});
+    m_document->view() = known == m_layoutViews.end() ? ge::ViewTransform() : known->second;
+    setUpTransform(m_document->view());
+    update();
+    ed::Editor::instance().notifyViewChanged();
+}
+
+gi::Scene& DrawingView::scene() {
+    auto& scene = m_scenes[m_document];
+    if (!scene)
+        scene = std::make_unique<gi::Scene>(*m_document->database());
+    return *scene;
+}
+
+MxDbObjectId DrawingView::space() const {
+    return m_document->database()->currentSpaceId();
+}
+
+const ge::ViewTransform& DrawingView::transform() const {
+    return m_document ? m_document->view() : m_none;
+}
+
+void DrawingView::setTransform(const ge::ViewTransform& transform) {
+    if (!m_document || m_document->view() == transform)
+        return;
+    m_document->view() = transform;
+    update();
+    ed::Editor::instance().notifyViewChanged();
+    if (m_cursor) {
+        Q_EMIT cursorMoved(toWorld(*m_cursor));
+        m_hover.start(0);
+    }
+}
+
+MxDbExtents DrawingView::extents() {
+    return m_document ? scene().extents(space()) : MxDbExtents();
+}
+
+void DrawingView::zoomExtents() {
+    if (!m_document)
+        return;
+    ge::ViewTransform view = transform();
+    const MxDbExtents box = extents();
+    view.fit(box.isEmpty() ? kEmptySheet : box);
+    setTransform(view);
+}
+
+void DrawingView::regenerate() {
+    m_scenes.erase(m_document);
+    update();
+}
+
+void DrawingView::update() {
+    m_stale = true;
+    QWidget::update();
+}
+
+void DrawingView::drawEntity(MxDbObjectId id, bool draw) {
+    if (!m_document || id.database() != m_document->database())
+        return;
+    scene().setDrawn(id, draw);
+    update();
+}
+
+void DrawingView::repairNow() {
+    if (m_stale && isVisible())
+        repaint();
+}
+
+QPointF DrawingView::toWidget(const MxGePoint3d& world) const {
+    const MxGePoint2d pixel = transform().toPixel(world);
+    return QPointF(pixel.x, pixel.y) / devicePixelRatioF();
+}
+
+MxGePoint3d DrawingView::toWorld(const QPointF& position) const {
+    const double ratio = devicePixelRatioF();
+    return transform().toWorld(position.x() * ratio, position.y() * ratio);
+}
+
+// ---------------------------------------------------------------- painting
+
+void DrawingView::paintEvent(QPaintEvent* event) {
+    if (m_stale)
+        paintPicture();
+    QPainter painter(this);
+    painter.setClipRegion(event->region());
+    painter.drawPixmap(0, 0, m_picture);
+    if (m_document)
+        paintCursor(painter);
+    else
+        paintHint(painter);
+}
+
+void DrawingView::paintPicture() {
+    const double ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * ratio).toSize();
+    if (m_picture.size() != pixels)
+        m_picture = QPixmap(pixels);
+    m_picture.setDevicePixelRatio(1.0); // the scene is painted in physical pixels
+    m_picture.fill(kCanvas);
+    m_stale = false; // before painting: what changes meanwhile is painted next time
+    if (m_document) {
+        QPainter painter(&m_picture);
+        gi::PaintOptions options;
+        options.background = kCanvas;
+        options.pixelRatio = ratio;
+        scene().paint(painter, m_document->view(), space(), options);
+    }
+    m_picture.setDevicePixelRatio(ratio);
+}
+
+void DrawingView::paintHint(QPainter& painter) const {
+    painter.setPen(kCanvasText);
+    painter.drawText(
+        rect(), Qt::AlignCenter,
+        tr("No drawing is open.\n\nCtrl+O opens one, Ctrl+N begins one;\nfiles can also be dropped here."));
+}
+
+void DrawingView::paintCursor(QPainter& painter) const {
+    if (!m_cursor || m_panning)
+        return;
+    const ed::Prompter& prompter = ed::Prompter::instance();
+    const bool wantsPoint = prompter.wants() == ed::Prompter::Wants::kPoint;
+    const QPointF c(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
+    if (wantsPoint && prompter.base()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(kRubberBand, 1, Qt::DashLine));
+        painter.drawLine(toWidget(*prompter.base()), c);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+    painter.setPen(QPen(kCrossHair, 1));
+    // With a point asked for the cross runs through; else it leaves the pick box open.
+    const double gap = wantsPoint ? 0.0 : kPickBox;
+    painter.drawLine(QLineF(c.x() - kCrossArm, c.y(), c.x() - gap, c.y()));
+    painter.drawLine(QLineF(c.x() + gap, c.y(), c.x() + kCrossArm, c.y()));
+    painter.drawLine(QLineF(c.x(), c.y() - kCrossArm, c.x(), c.y() - gap));
+    painter.drawLine(QLineF(c.x(), c.y() + gap, c.x(), c.y() + kCrossArm));
+    if (!wantsPoint)
+        painter.drawRect(QRectF(c.x() - kPickBox, c.y() - kPickBox, 2 * kPickBox, 2 * kPickBox));
+}
+
+QRegion DrawingView::cursorRegion() const {
+    if (!m_cursor)
+        return {};
+    if (ed::Prompter::instance().base())
+        return rect(); // the rubber band
+    const int reach = static_cast<int>(kCrossArm) + 2;
+    const QPoint c = m_cursor->toPoint();
+    return QRect(c.x() - reach, c.y() - reach, 2 * reach + 1, 2 * reach + 1);
+}
+
+void DrawingView::moveCursor(std::optional<QPointF> position) {
+    const QRegion before = cursorRegion();
+    m_cursor = position;
+    QWidget::update(before | cursorRegion());
+    if (m_cursor)
+        Q_EMIT cursorMoved(toWorld(*m_cursor));
+    else
+        Q_EMIT cursorLeft();
+}
+
+void DrawingView::resizeEvent(QResizeEvent*) {
+    m_stale = true;
+    if (!m_document)
+        return;
+    ge::ViewTransform view = m_document->view();
+    view.width = width() * devicePixelRatioF();
+    view.height = height() * devicePixelRatioF();
+    setTransform(view);
+}
+
+// ---------------------------------------------------------------- input
+
+void DrawingView::wheelEvent(QWheelEvent* event) {
+    if (!m_document)
+        return;
+    const double ratio = devicePixelRatioF();
+    ge::ViewTransform view = transform();
+    view.zoomAbout(event->position().x() * ratio, event->position().y() * ratio,
+                   std::pow(kWheelStep, event->angleDelta().y() / kNotch));
+    moveCursor(event->position());
+    setTransform(view);
+    event->accept();
+}
+
+void DrawingView::mousePressEvent(QMouseEvent* event) {
+    if (!m_document)
+        return;
+    if (event->button() == Qt::MiddleButton) {
+        m_panning = true;
+        m_panFrom = event->localPos();
+        setCursor(Qt::ClosedHandCursor);
+        QWidget::update();
+    } else if (event->button() == Qt::LeftButton) {
+        moveCursor(event->localPos());
+        ed::Prompter::instance().submitPoint(toWorld(event->localPos()));
+    } else if (event->button() == Qt::RightButton && ed::Prompter::instance().isWaiting()) {
+        ed::Prompter::instance().submitLine(QString());
+    }
+}
+
+void DrawingView::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_document)
+        return;
+    if (m_panning) {
+        const QPointF step = (event->localPos() - m_panFrom) * devicePixelRatioF();
+        m_panFrom = event->localPos();
+        m_cursor = event->localPos();
+        ge::ViewTransform view = transform();
+        view.center.x -= step.x() * view.unitsPerPixel;
+        view.center.y += step.y() * view.unitsPerPixel;
+        setTransform(view);
+        return;
+    }
+    moveCursor(event->localPos());
+    if (event->buttons() == Qt::NoButton)
+        m_hover.start(0);
+}
+
+void DrawingView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::MiddleButton || !m_panning)
+        return;
+    m_panning = false;
+    setCursor(Qt::BlankCursor);
+    moveCursor(event->localPos());
+    m_hover.start(0);
+}
+
+void DrawingView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton)
+        zoomExtents();
+    else
+        mousePressEvent(event);
+}
+
+void DrawingView::enterEvent(QEvent*) {
+    moveCursor(QPointF(mapFromGlobal(QCursor::pos())));
+}
+
+void DrawingView::leaveEvent(QEvent*) {
+    m_hover.stop();
+    moveCursor({});
+}
+
+void DrawingView::hover() {
+    if (!m_document || !m_cursor || m_panning)
+        return;
+    MxEdInputPoint input;
+    input.pointComputed = true;
+    input.rawPoint = toWorld(*m_cursor);
+    const double aperture = kPickBox * devicePixelRatioF() * transform().unitsPerPixel;
+    input.pickedEntities = scene().pick(space(), input.rawPoint, aperture);
+    if (const auto* points = dynamic_cast<ed::InputPoints*>(m_document->inputPointManager()))
+        points->notify(input);
+}
+
+} // namespace merix::ui

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The widget that shows the active drawing and takes the cursor's input. Everything is painted into a picture that is
+// kept until it is stale; the cursor is drawn over it, so moving it costs no painting of the drawing.
+// The view's pixels (ed::ActiveView, the contract's pixel operations) are physical ones.
+#pragma once
+
+#include "merix/ap/document_imp.h"
+#include "merix/ed/active_view.h"
+#include "merix/gi/scene.h"
+
+#include <QPixmap>
+#include <QTimer>
+#include <QWidget>
+
+#include <map>
+#include <optional>
+
+namespace merix::ui {
+
+class DrawingView : public QWidget, public ed::ActiveView {
+    Q_OBJECT
+public:
+    explicit DrawingView(QWidget* parent = nullptr);
+    ~DrawingView() override;
+
+    /// Shows another drawing, as it was shown before, or whole when it is new; null for none.
+    void setDocument(ap::Document* document);
+    ap::Document* document() const { return m_document; }
+    /// Forgets what was kept for a drawing that closes.
+    void forget(ap::Document* document);
+    void zoomExtents();
+    /// The middle of the pixel that shows `world`, in the widget's coordinates.
+    QPointF toWidget(const MxGePoint3d& world) const;
+    MxGePoint3d toWorld(const QPointF& position) const;
+
+    // ed::ActiveView
+    const ge::ViewTransform& transform() const override;
+    void setTransform(const ge::ViewTransform& transform) override;
+    MxDbExtents extents() override;
+    void regenerate() override;
+    void update() override;
+    void drawEntity(MxDbObjectId id, bool draw) override;
+
+    /// Paints at once what is stale.
+    void repairNow();
+    QSize sizeHint() const override { return {960, 600}; }
+
+Q_SIGNALS:
+    void cursorMoved(const MxGePoint3d& world);
+    void cursorLeft();
+    void escapePressed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    gi::Scene& scene();
+    MxDbObjectId space() const;
+    void setUpTransform(ge::ViewTransform& view);
+    void layoutChanged();
+    void paintPicture();
+    void paintCursor(QPainter& painter) const;
+    void paintHint(QPainter& painter) const;
+    QRegion cursorRegion() const;
+    void moveCursor(std::optional<QPointF> position);
+    void hover();
+
+    ap::Document* m_document = nullptr;
+    std::map<ap::Document*, std::unique_ptr<gi::Scene>> m_scenes;
+    std::map<std::pair<ap::Document*, QString>, ge::ViewTransform> m_layoutViews;
+    QString m_layout;
+    ge::ViewTransform m_none; ///< while there is no drawing
+    QPixmap m_picture;
+    bool m_stale = true;
+    std::optional<QPointF> m_cursor; ///< widget coordinates, while the cursor is over the view
+    QPointF m_panFrom;
+    bool m_panning = false;
+    QTimer m_hover; ///< one look at what is under the cursor for all the moves that come at once
+};
+
+} // namespace merix::ui

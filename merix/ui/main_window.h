@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// The program's window: tabs of open drawings, the view, layout tabs, the command line, menus and the status bar.
+#pragma once
+
+#include "merix/ap/document_imp.h"
+#include "merix/ui/command_line.h"
+#include "merix/ui/drawing_view.h"
+
+#include <QMainWindow>
+
+#include <functional>
+
+class QLabel;
+class QTabBar;
+
+namespace merix::ui {
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    MainWindow();
+    ~MainWindow() override;
+    /// The window of this process; null without one.
+    static MainWindow* instance();
+
+    DrawingView* view() const { return m_view; }
+    CommandLine* commandLine() const { return m_commandLine; }
+
+    /// Nobody sits before the window (headless, scripts): nothing is asked, changed drawings close as they are.
+    void setUnattended(bool unattended) { m_unattended = unattended; }
+
+    /// Opens a drawing, or activates its tab when it is open; a message tells why when it cannot be read.
+    bool openFile(const QString& path);
+    /// False when the user did not want to.
+    bool closeDocument(ap::Document& document);
+    /// Under its own name, or one that is asked for when it has none or `askForName`. False when it was not saved.
+    bool save(ap::Document& document, bool askForName);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void buildMenus();
+    void buildCentre();
+    void buildStatusBar();
+    void connectDocuments();
+    void addDocument(ap::Document* document);
+    void removeDocument(ap::Document* document);
+    void activated(ap::Document* document);
+    void showTitles();
+    void showLayouts();
+    void showCursor(const MxGePoint3d& world);
+    void openDialog();
+    void showFailure(const QString& message);
+    int indexOf(const ap::Document* document) const;
+    ap::Document* documentAt(int index) const;
+    ap::Document* current() const;
+    /// Runs `action` when no command is under way; one that waits for an answer is cancelled.
+    void whenIdle(std::function<void()> action);
+
+    QTabBar* m_tabs = nullptr;
+    QTabBar* m_layouts = nullptr;
+    DrawingView* m_view = nullptr;
+    CommandLine* m_commandLine = nullptr;
+    QLabel* m_coordinates = nullptr;
+    QLabel* m_drawingName = nullptr;
+    QList<QAction*> m_drawingActions; ///< of use only while a drawing is open
+    QTimer m_titles;
+    bool m_unattended = false;
+};
+
+} // namespace merix::ui
