@@ -31,3 +31,10 @@ public:
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
     Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
 };
+
+/// A transient reactor on entities.
+class MxDbEntityReactor : public MxDbObjectReactor {
+public:
+    static MxRxClass* desc();
+    MxRxClass* isA() const override;
+};

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/app/phonomark_app.h"
+
+#include "host/ed/commands.h"
+#include "host/win/resources.h"
+#include "phonomark/app/module_state.h"
+#include "phonomark/commands/command_group.h"
+#include "phonomark/entity/phonomark.h"
+#include "phonomark/entity/ps_reactor.h"
+#include "phonomark/registry/dc_reactor.h"
+#include "phonomark/registry/ed_reactor.h"
+#include "phonomark/registry/en_reactor.h"
+#include "phonomark/registry/ob_reactor.h"
+#include "phonomark/registry/phonomark_manager.h"
+#include "phonomark/settings/profile.h"
+#include "phonomark/tagwindow/pm_reactor.h"
+#include "phonomark/tagwindow/show_tag_window.h"
+
+namespace {
+
+constexpr wchar_t kShowFunction[] = L"PhonomarkShow";
+constexpr int kShowFunctionCode = 1;
+constexpr wchar_t kCommandGroup[] = L"PhonomarkCM_";
+constexpr int kCommandFlags = 1;
+
+MxEdCommandStack& commandStack() {
+    MxRxObject* object = mxrxSysRegistry()->at(L"MERIX_REGISTERED_COMMANDS");
+    if (!object || !object->isA() || !object->isA()->isDerivedFrom(MxEdCommandStack::desc()))
+        __builtin_trap(); // a host without commands is none
+    return *static_cast<MxEdCommandStack*>(object);
+}
+
+template <class T> void unregisterClass() {
+    deleteMxRxClass(T::desc());
+    T::gpDesc = nullptr;
+}
+
+} // namespace
+
+CPhonomarkApp::CPhonomarkApp() {
+    m_unloadable = true;
+    m_servesSeveralDocuments = true;
+    LoadPhonomarkRes();
+}
+
+int CPhonomarkApp::On_kInitAppMsg(void* appId) {
+    const int result = MxRxMrxApp::On_kInitAppMsg(appId);
+    registerClasses();
+    g_editorrect = new PhonomarkEdReactor(true);
+    registerCommands();
+    createMxPhManager();
+    g_bPhonomarkShow = GetProfileIntW(RegSection(), L"VoiceShow", 1) != 0;
+    return result;
+}
+
+int CPhonomarkApp::On_kUnloadAppMsg(void* appId) {
+    // The command group stays registered: the host's command stack keeps the three entries.
+    const int result = MxRxMrxApp::On_kUnloadAppMsg(appId);
+    if (_hdllInstance) {
+        FreeLibrary(_hdllInstance);
+        _hdllInstance = nullptr;
+    }
+    deleteMxPhManager();
+    removeTagWindow(); // its code goes with the module
+    WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
+    delete g_editorrect;
+    g_editorrect = nullptr;
+    unregisterClasses();
+    return result;
+}
+
+int CPhonomarkApp::On_kLoadDwgMsg(void*) {
+    mxedDefun(kShowFunction, kShowFunctionCode);
+    return 0;
+}
+
+int CPhonomarkApp::On_kUnloadDwgMsg(void*) {
+    mxedUndef(kShowFunction, kShowFunctionCode);
+    return 0;
+}
+
+int CPhonomarkApp::On_kInvkSubrMsg(void*) {
+    doFun(mxedGetFunCode());
+    return 0;
+}
+
+void CPhonomarkApp::RegisterServerComponents() {}
+
+void CPhonomarkApp::PhonomarkCM_PHONOMARK() {
+    PhonomarkCmdGroup::cmdInsertPhonomark();
+}
+
+void CPhonomarkApp::PhonomarkCM_VOICEMAN() {
+    PhonomarkCmdGroup::cmdPhonomarkManager();
+}
+
+void CPhonomarkApp::PhonomarkCM_VOICESHOW() {
+    PhonomarkCmdGroup::cmdDisplayPhonomark();
+}
+
+void CPhonomarkApp::registerClasses() {
+    MxDbPhonomark::rxInit();
+    PhonomarkDcReactor::rxInit();
+    PhonomarkEdReactor::rxInit();
+    PhonomarkEnReactor::rxInit();
+    PhonomarkPmReactor::rxInit();
+    PhonomarkPsReactor::rxInit();
+    PhonomarkObReactor::rxInit();
+    mxrxBuildClassHierarchy();
+}
+
+void CPhonomarkApp::unregisterClasses() {
+    unregisterClass<PhonomarkObReactor>();
+    unregisterClass<PhonomarkPsReactor>();
+    unregisterClass<PhonomarkPmReactor>();
+    unregisterClass<PhonomarkEnReactor>();
+    unregisterClass<PhonomarkEdReactor>();
+    unregisterClass<PhonomarkDcReactor>();
+    unregisterClass<MxDbPhonomark>();
+}
+
+void CPhonomarkApp::registerCommands() {
+    struct Entry {
+        const wchar_t* name;
+        MxEdCommandFunction function;
+    };
+    for (const Entry& entry : {Entry{L"PHONOMARK", &PhonomarkCM_PHONOMARK}, Entry{L"VOICEMAN", &PhonomarkCM_VOICEMAN},
+                               Entry{L"VOICESHOW", &PhonomarkCM_VOICESHOW}})
+        commandStack().addCommand(kCommandGroup, entry.name, entry.name, kCommandFlags, entry.function);
+}
+
+void CPhonomarkApp::doFun(int code) {
+    if (code == kShowFunctionCode)
+        mxedRetInt(IsShowPhonomark() ? 1 : 0);
+}
+
+void LoadPhonomarkRes() {
+    _hdllInstance = LoadResourceDll(L"MrxPhonomarkRes.dll");
+}

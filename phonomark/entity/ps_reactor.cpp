@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/entity/ps_reactor.h"
+
+#include "phonomark/dbutil/run_time_class.h"
+
+MxRxClass* PhonomarkPsReactor::gpDesc = nullptr;
+
+namespace {
+constexpr wchar_t kClassName[] = L"PhonomarkPsReactor";
+constexpr int kDwgVersion = 33;
+constexpr int kMaintenanceVersion = 55;
+} // namespace
+
+MxRxClass* PhonomarkPsReactor::rxInit() {
+    return rxInit(nullptr);
+}
+
+MxRxClass* PhonomarkPsReactor::rxInit(MxRxAppNameChange appNameChange) {
+    if (MxRxClass* found = registeredClass(gpDesc, kClassName))
+        return found;
+    gpDesc =
+        requireClass(newMxRxClass(kClassName, MxDbObject::desc()->name(), kDwgVersion, kMaintenanceVersion, 0,
+                                  &makeOnHostHeap<PhonomarkPsReactor>, kClassName, L"PERSISTREACTOR", appNameChange));
+    return gpDesc;
+}
+
+Mx::ErrorStatus PhonomarkPsReactor::dwgInFields(MxDbDwgFiler* filer) {
+    assertWriteEnabled();
+    if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
+        return status;
+    filer->readSoftPointerId(m_noteId);
+    return filer->filerStatus();
+}
+
+Mx::ErrorStatus PhonomarkPsReactor::dwgOutFields(MxDbDwgFiler* filer) const {
+    assertReadEnabled();
+    if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
+        return status;
+    filer->writeSoftPointerId(m_noteId);
+    return filer->filerStatus();
+}
+
+Mx::ErrorStatus PhonomarkPsReactor::dxfInFields(MxDbDxfFiler* filer) {
+    assertWriteEnabled();
+    if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
+        return status;
+    if (!filer->atSubclassData(kClassName))
+        return Mx::eSubclassMissing;
+    while (filer->readItem() == Mx::eOk) {
+        if (filer->itemCode() != 330)
+            return filer->pushBackItem();
+        m_noteId = filer->itemObjectId();
+    }
+    return filer->filerStatus();
+}
+
+Mx::ErrorStatus PhonomarkPsReactor::dxfOutFields(MxDbDxfFiler* filer) const {
+    assertReadEnabled();
+    if (const auto status = MxDbObject::dxfOutFields(filer); status != Mx::eOk)
+        return status;
+    filer->writeString(100, kClassName);
+    filer->writeObjectId(330, m_noteId);
+    return filer->filerStatus();
+}

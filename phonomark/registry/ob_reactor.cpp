@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/registry/ob_reactor.h"
+
+#include "host/ap/document.h"
+#include "phonomark/dbutil/run_time_class.h"
+#include "phonomark/registry/phonomark_manager.h"
+
+MxRxClass* PhonomarkObReactor::gpDesc = nullptr;
+
+MxRxClass* PhonomarkObReactor::rxInit() {
+    return registerUnfiledClass<PhonomarkObReactor>(gpDesc, L"PhonomarkObReactor", MxDbObjectReactor::desc());
+}
+
+MxRxObject* PhonomarkObReactor::makeDefault() {
+    return makeOnHostHeap<PhonomarkObReactor>();
+}
+
+void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
+    PhonomarkManager* manager = livePhManager();
+    const MxApDocManager* documents = mxDocManagerPtr();
+    MxApDocument* document = manager && documents ? documents->document(object->database()) : nullptr;
+    if (!document)
+        return;
+    if (erasing)
+        manager->RemovePhonomark(object->objectId(), document);
+    else
+        manager->AppendPhonomark(object->objectId(), document);
+}

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Watching objects for erasure with the one shared object reactor. A note that is erased leaves its document's list but
+// stays watched, so that undoing the erasure lists it again. What is watched is therefore remembered here: no reactor
+// of the module may stay behind in a drawing when the module goes. Main thread only.
+#pragma once
+
+#include "host/db/object.h"
+
+/// The one object reactor.
+MxDbObjectReactor* phObjRectPtr();
+
+/// True when the object carries an object reactor of this module.
+bool HasPhonomarkObReactor(const MxDbObject* object);
+
+/// Watches the object, once; no effect when it cannot be opened for read.
+void watchObject(MxDbObjectId id);
+
+/// Stops watching; no effect when the object cannot be opened for read.
+void unwatchObject(MxDbObjectId id);
+
+/// Stops watching every object of the database, erased ones too.
+void unwatchDatabase(const MxDbDatabase* database);

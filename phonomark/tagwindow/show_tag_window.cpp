@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/tagwindow/show_tag_window.h"
+
+#include "host/ui/windows.h"
+#include "phonomark/app/module_resources.h"
+#include "phonomark/entity/phonomark.h"
+#include "phonomark/tagwindow/tag_window.h"
+
+CPhonomarkTagUIDlg* g_taguidlg = nullptr;
+
+namespace {
+
+constexpr unsigned kTagTemplate = 205;
+
+void place(CPoint point) {
+    const double scale = 1.0 / mxuiDevicePixelRatio();
+    const QPoint local = mxuiScreenToMainWindow(QPoint(point.x, point.y));
+    g_taguidlg->move(static_cast<int>(local.x() * scale), static_cast<int>(local.y() * scale));
+}
+
+} // namespace
+
+void ShowTagWindow(CPoint point, MxDbPhonomark* note) {
+    if (MxDbPhonomark::IsDraging())
+        return;
+    if (g_taguidlg) {
+        g_taguidlg->move(point.x, point.y);
+        g_taguidlg->SetMxDbOwner(note);
+        g_taguidlg->SetRecordStatus(note->isRecord());
+        g_taguidlg->setVisible(true);
+        place(point);
+        return;
+    }
+    const ModuleResources resources;
+    g_taguidlg = new CPhonomarkTagUIDlg(mxuiMainWindow());
+    g_taguidlg->SetMxDbOwner(note);
+    g_taguidlg->SetRecordStatus(note->isRecord());
+    g_taguidlg->Create(kTagTemplate, nullptr);
+    g_taguidlg->setWindowFlags(Qt::FramelessWindowHint);
+    g_taguidlg->ShowWindow(1);
+    place(point);
+    g_taguidlg->setCursor(Qt::ArrowCursor);
+}
+
+void DestroyTagWindow() {
+    if (g_taguidlg && !g_taguidlg->IsPlaying())
+        removeTagWindow();
+}
+
+void UpdateTagWindow() {}
+
+void AbortPlayingAndDestroyWnd() {
+    if (!g_taguidlg || !g_taguidlg->IsPlaying())
+        return;
+    g_taguidlg->markAbandoned();
+    g_taguidlg->OnPlayStop();
+    removeTagWindow();
+}
+
+void removeTagWindow() {
+    CPhonomarkTagUIDlg* window = g_taguidlg;
+    g_taguidlg = nullptr;
+    delete window;
+}

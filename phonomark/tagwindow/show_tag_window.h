@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The one tag window of the process. Main thread only.
+#pragma once
+
+#include "host/ui/dialog.h"
+
+class CPhonomarkTagUIDlg;
+class MxDbPhonomark;
+
+/// Null while there is no window.
+extern CPhonomarkTagUIDlg* g_taguidlg;
+
+/// Shows the window for `note` with its upper-left corner at `point`, screen coordinates; the window there is is moved.
+/// Nothing happens while notes are being dragged.
+void ShowTagWindow(CPoint point, MxDbPhonomark* note);
+
+/// Deletes the window, unless it plays.
+void DestroyTagWindow();
+
+/// Leaves the window where and as it is.
+void UpdateTagWindow();
+
+/// Deletes the window, if it plays.
+void AbortPlayingAndDestroyWnd();
+
+/// Deletes the window, whatever it does.
+void removeTagWindow();
