@@ -206,10 +206,12 @@ void DocManager::close(Document& document) {
     const std::unique_ptr<Document> gone = std::move(*place);
     m->documents.erase(place);
     Q_EMIT documentClosing(&document);
-    if (!m->current && !m->documents.empty())
-        activate(m->documents[std::min(index, m->documents.size() - 1)].get());
-    else if (!m->current)
+    if (before != &document || m->current)
+        return; // another is active, also when a listener has just chosen it
+    if (m->documents.empty())
         Q_EMIT documentActivated(nullptr);
+    else
+        activate(m->documents[std::min(index, m->documents.size() - 1)].get());
 }
 
 Result DocManager::save(Document& document) {

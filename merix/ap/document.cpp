@@ -66,7 +66,7 @@ void Document::noteChange() {
 }
 
 ge::ViewTransform& Document::view() {
-    return m->views[m->layout];
+    return m->view;
 }
 
 QStringList Document::layouts() const {

@@ -28,8 +28,8 @@ public:
     /// Something would be lost without a save.
     bool isChanged() const;
 
-    /// What the document's view shows of the current layout; kept here so that it outlives a switch of tab or layout.
-    /// Its width is 0 until a view has shown the layout.
+    /// What the document's view shows; kept here so that it outlives a tab switch. Its width is 0 until a view has
+    /// shown the document.
     ge::ViewTransform& view();
 
     /// "Model" and the names of the layouts, in tab order.

@@ -4,8 +4,6 @@
 #include "merix/ap/document_imp.h"
 #include "merix/db/database_imp.h"
 
-#include <map>
-
 namespace merix::ap {
 
 struct Document::Private : db::DatabaseListener {
@@ -22,7 +20,7 @@ struct Document::Private : db::DatabaseListener {
     QString path, title;
     ed::InputPoints points;
     QString layout = QStringLiteral("Model");
-    std::map<QString, ge::ViewTransform> views; ///< by layout
+    ge::ViewTransform view;
     bool wasChanged = false;
 
     QString lockName;  ///< global name of the command whose locks are held

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+#include "merix/app/hand.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QMouseEvent>
+
+// The doors that Qt's own test library feeds input through; exported, without a header of their own.
+Q_GUI_EXPORT void qt_handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global,
+                                      Qt::MouseButtons state, Qt::MouseButton button, QEvent::Type type,
+                                      Qt::KeyboardModifiers modifiers, int timestamp);
+Q_GUI_EXPORT void qt_handleKeyEvent(QWindow* window, QEvent::Type type, int key, Qt::KeyboardModifiers modifiers,
+                                    const QString& text, bool autoRepeat, ushort count);
+
+namespace merix::app {
+
+namespace {
+
+/// More than the longest pause between the two presses of a double click, milliseconds.
+constexpr int kBetweenClicks = 5000;
+
+QString textOf(int key, Qt::KeyboardModifiers modifiers) {
+    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return {};
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return QStringLiteral("\r");
+    case Qt::Key_Escape:
+        return QStringLiteral("\x1b");
+    case Qt::Key_Tab:
+        return QStringLiteral("\t");
+    case Qt::Key_Backspace:
+        return QStringLiteral("\b");
+    case Qt::Key_Delete:
+        return QStringLiteral("\x7f");
+    default:
+        break;
+    }
+    if (key < Qt::Key_Space || key > 0xFFFF)
+        return {};
+    const QChar character(static_cast<ushort>(key));
+    return modifiers & Qt::ShiftModifier ? QString(character) : QString(character.toLower());
+}
+
+} // namespace
+
+Hand::Hand(const Desktop& desktop)
+    : m_desktop(desktop) {
+    qApp->installEventFilter(this);
+}
+
+QWindow* Hand::under() const {
+    const QWidget* window = m_desktop.windowAt(m_position);
+    return window ? window->windowHandle() : nullptr;
+}
+
+/// Where nothing is shown the platform keeps a cursor of its own, which widgets ask for. Placing it makes move events
+/// by a guess of what lies on top; those are held back, the hand's own follow.
+void Hand::placeCursor(const QPoint& global) {
+    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+        return;
+    m_placing = true;
+    QCursor::setPos(global);
+    QCoreApplication::processEvents();
+    m_placing = false;
+}
+
+bool Hand::eventFilter(QObject* object, QEvent* event) {
+    if (!m_placing || !object->isWindowType())
+        return false;
+    const auto type = event->type();
+    return type == QEvent::MouseMove || type == QEvent::Enter || type == QEvent::Leave;
+}
+
+void Hand::cross(QWindow* target) {
+    if (target == m_window)
+        return;
+    if (m_window) {
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(m_window, &leave);
+    }
+    m_window = target;
+    if (!target)
+        return;
+    const QPointF local = target->mapFromGlobal(m_position);
+    QEnterEvent enter(local, local, m_position);
+    QCoreApplication::sendEvent(target, &enter);
+}
+
+void Hand::moveTo(const QPoint& global) {
+    placeCursor(global);
+    m_position = global;
+    if (!m_pressed) // a pressed button keeps the mouse with its window
+        cross(under());
+    if (m_window)
+        qt_handleMouseEvent(m_window, m_window->mapFromGlobal(global), global,
+                            m_pressed ? Qt::LeftButton : Qt::NoButton, Qt::NoButton, QEvent::MouseMove, Qt::NoModifier,
+                            ++m_time);
+}
+
+void Hand::press() {
+    settle();
+    m_time += kBetweenClicks;
+    if (m_window && m_window != QGuiApplication::focusWindow() && !(m_window->flags() & Qt::WindowDoesNotAcceptFocus) &&
+        m_window->type() != Qt::Popup)
+        m_window->requestActivate(); // the window manager gives the keyboard to the window that was clicked
+    button(true);
+}
+
+void Hand::release() {
+    ++m_time;
+    button(false);
+    settle();
+}
+
+void Hand::button(bool down) {
+    m_pressed = down;
+    if (!m_window)
+        return;
+    qt_handleMouseEvent(m_window, m_window->mapFromGlobal(m_position), m_position, down ? Qt::LeftButton : Qt::NoButton,
+                        Qt::LeftButton, down ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease, Qt::NoModifier,
+                        m_time);
+}
+
+void Hand::key(const QKeySequence& sequence) {
+    QWindow* target = QGuiApplication::focusWindow();
+    if (!target && !m_desktop.windows().empty())
+        target = m_desktop.windows().back()->windowHandle();
+    if (!target || sequence.isEmpty())
+        return;
+    const int code = sequence[0];
+    const int key = code & ~int(Qt::KeyboardModifierMask);
+    const Qt::KeyboardModifiers modifiers(code & int(Qt::KeyboardModifierMask));
+    const QString text = textOf(key, modifiers);
+    const QPointer<QWindow> guard = target;
+    qt_handleKeyEvent(target, QEvent::KeyPress, key, modifiers, text, false, 1);
+    if (guard)
+        qt_handleKeyEvent(target, QEvent::KeyRelease, key, modifiers, text, false, 1);
+}
+
+void Hand::settle() {
+    if (m_position.x() >= 0 && !m_pressed)
+        cross(under());
+}
+
+} // namespace merix::app
