@@ -4,6 +4,7 @@
 // only mark it, the next look makes it anew.
 #include "merix/gi/scene.h"
 
+#include "merix/db/access.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
 #include "merix/gi/graphics_builder.h"
@@ -119,10 +120,8 @@ struct Scene::Private {
     /// Extents as the entity tells them, widened where it may draw beyond what it tells.
     MxDbExtents toldBox(MxDbEntity& entity) const {
         MxDbExtents box;
-        ++entity.data().readers;
-        const auto status = entity.getGeomExtents(box);
-        --entity.data().readers;
-        if (status != Mx::eOk || box.isEmpty() || !isFinite(box))
+        const db::ReadAccess readable(entity);
+        if (const auto status = entity.getGeomExtents(box); status != Mx::eOk || box.isEmpty() || !isFinite(box))
             return {};
         if (isOfModule(entity)) {
             const double margin = std::max(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y);

@@ -120,4 +120,9 @@ TextOutline outlineOf(const QString& text) {
     return outline;
 }
 
+double advanceOf(const QString& text) {
+    const QFontMetricsF metrics(drawingFont());
+    return metrics.horizontalAdvance(decode(text).text) / std::max(1.0, metrics.capHeight());
+}
+
 } // namespace merix::gi

@@ -19,4 +19,7 @@ struct TextOutline {
 /// below or above the letters on and off. Needs a QGuiApplication.
 TextOutline outlineOf(const QString& text);
 
+/// The advance alone, without making the outline.
+double advanceOf(const QString& text);
+
 } // namespace merix::gi
