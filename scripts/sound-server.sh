@@ -32,8 +32,13 @@ rate=40000
 # 60 none were seen. Capture is not delayed by it.
 latency=${SOUND_LATENCY_MSEC:-200}
 
-# The start time tells a process from a later one with the same id.
-started_at() { sed 's/.*) //' "/proc/$1/stat" 2>/dev/null | cut -d' ' -f20; }
+# The start time tells a process from a later one with the same id. One that has ended has none, although it may stay
+# in the list until its parent looks at it.
+started_at() { # pid
+    local state
+    state=$(sed 's/.*) //' "/proc/$1/stat" 2>/dev/null) || return 0
+    [[ ${state:0:1} == [ZX] ]] || cut -d' ' -f20 <<<"$state"
+}
 
 remember() { # name pid
     echo "$1 $2 $(started_at "$2")" >>"$dir/pids"
@@ -41,6 +46,7 @@ remember() { # name pid
 
 pid_of() { # name: the id, if that very process still lives
     local name pid start
+    [[ -f $dir/pids ]] || return 1
     while read -r name pid start; do
         [[ $name == "$1" && -n $start && $(started_at "$pid") == "$start" ]] && echo "$pid" && return
     done <"$dir/pids"
@@ -60,7 +66,7 @@ end_all() {
     local name pid
     [[ -f $dir/pids ]] || return 0
     for name in microphone server loudspeaker watch; do
-        pid=$(pid_of "$name") || continue
+        pid=$(pid_of "$name") && [[ $pid != $$ ]] || continue
         kill "$pid" 2>/dev/null || continue
         for _ in {1..150}; do
             pid_of "$name" >/dev/null || break
@@ -145,7 +151,7 @@ start() {
 watch() { # pid
     (
         tail --pid="$1" -f /dev/null &
-        trap 'kill $!' TERM
+        trap 'kill $!; exit' TERM
         wait $!
         exec "$root/scripts/sound-server.sh" stop "$dir"
     ) </dev/null >/dev/null 2>&1 &

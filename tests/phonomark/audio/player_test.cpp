@@ -301,16 +301,3 @@ TEST_F(PlayerTest, APlaybackOutlivesItsPlayerAndKeepsItsBytes) {
     EXPECT_EQ(written[4], counted(65, 16));
     EXPECT_TRUE(watched.expired());
 }
-
-TEST_F(PlayerTest, WhatTheDeviceGrantedIsLoggedWhenALogIsNamed) {
-    setenv("PHONOMARK_AUDIO_LOG", path("log").c_str(), 1);
-    alsa.grantedRate = 48'000;
-    alsa.grantedBuffer = 192;
-    alsa.grantedPeriod = 64;
-    VkAudioPlayer player;
-    ASSERT_TRUE(player.play("", 0));
-    ASSERT_TRUE(player.play("", 0));
-    workerCensus().wait();
-    const std::string line = "playback rate=48000 period=64 buffer=192\n";
-    EXPECT_EQ(contents(path("log")), line + line);
-}

@@ -3,6 +3,7 @@
 
 #include <alsa/asoundlib.h>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 struct _snd_pcm {
@@ -219,9 +220,9 @@ int snd_pcm_drop(snd_pcm_t*) {
 }
 
 const char* snd_strerror(int status) {
-    thread_local std::string message;
-    message = "status " + std::to_string(status);
-    return message.c_str();
+    thread_local char message[32];
+    std::snprintf(message, sizeof message, "status %d", status);
+    return message;
 }
 
 } // extern "C"
