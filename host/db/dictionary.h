@@ -5,6 +5,7 @@
 #include "host/db/resbuf.h"
 
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -28,7 +29,12 @@ public:
     Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
 
 private:
+    friend class MxDbObject;
+    void erasing(bool erasing);
+    std::size_t find(const wchar_t* key) const;
+
     std::vector<std::pair<std::wstring, MxDbObjectId>> m_entries;
+    mutable std::unordered_map<std::wstring, std::size_t> m_index; // folded key to place; empty: not made
     bool m_hardOwner = false;
     std::int16_t m_cloning = 1;
 };

@@ -108,6 +108,11 @@ public:
     /// The host's own record of the object.
     merix::db::ObjectData& data() const { return *m_data; }
 
+protected:
+    /// Takes the record over; entities have a larger one.
+    explicit MxDbObject(merix::db::ObjectData* data)
+        : m_data(data) {}
+
 private:
     merix::db::ObjectData* m_data;
 };

@@ -7,7 +7,6 @@
 #include "merix/db/undo.h"
 
 #include <deque>
-#include <functional>
 #include <unordered_map>
 
 namespace merix::db {
@@ -57,6 +56,10 @@ public:
     Mx::ErrorStatus append(MxDbObject* object, MxDbObjectId owner, MxDbObjectId& id);
     /// Adds an entity that was read to the end of a block's entities.
     void adoptEntity(MxDbBlockTableRecord& block, MxDbObjectId id);
+    /// Fills in a block that was read.
+    void setBlock(MxDbBlockTableRecord& block, std::wstring name, const MxGePoint3d& origin);
+    void setBlockLayout(MxDbBlockTableRecord& block, MxDbObjectId layout);
+    MxDbObjectId blockLayout(const MxDbBlockTableRecord& block) const;
 
     // --- roots (null ids in a drawing that lacks them)
     struct Roots {
@@ -73,6 +76,24 @@ public:
     MxDbObjectId linetypeNamed(std::wstring_view name) const;
     MxDbObjectId textStyleNamed(std::wstring_view name) const;
     MxDbBlockTableRecord* block(MxDbObjectId id) const;
+    /// Names of table records were changed in place: what the lookups above remember is stale. Adding records to a
+    /// table is noticed without this.
+    void namesChanged() { ++m_namesVersion; }
+
+    /// The layer of that name; one that is in no table is made outside the tables, so that an entity keeps the name
+    /// of a layer that its drawing does not list. It has no handle.
+    MxDbObjectId layerForName(std::wstring_view name);
+    /// Gives handles to the layers made by layerForName and adds them to the layer table (which is made when there is
+    /// none): for files that refer to layers by handle.
+    void listImplicitLayers();
+
+    /// The layouts in tab order, model space first.
+    struct LayoutInfo {
+        std::wstring name;
+        MxDbObjectId space; ///< the block that the layout shows
+        MxDbObjectId layout;
+    };
+    std::vector<LayoutInfo> layouts() const;
 
     /// The resident object without opening it (drawing, saving, walking); null when there is none or it is erased.
     static MxDbObject* peek(MxDbObjectId id, bool erasedToo = false) {
@@ -107,14 +128,31 @@ public:
 
     std::unique_ptr<FileParts> fileParts;
 
+    /// Replaces the object behind an id by one of another class, which takes over its place: owner, reactors, extension
+    /// dictionary, source text. The old object is deleted.
+    void replaceObject(MxDbObject& old, std::unique_ptr<MxDbObject> fresh);
+
 private:
+    struct NameIndex {
+        std::unordered_map<std::wstring, MxDbObjectId> ids; // folded names
+        std::size_t records = 0;
+        std::uint64_t version = ~std::uint64_t{0};
+    };
+    MxDbObjectId named(MxDbObjectId table, NameIndex& index, std::wstring_view name) const;
+
     MxDbDatabase& m_self;
     std::deque<ObjectStub> m_stubs;
     std::unordered_map<std::uint64_t, ObjectStub*> m_byHandle;
     std::uint64_t m_nextHandle = 1;
     std::vector<MxDbObjectId> m_changed;
     std::vector<DatabaseListener*> m_listeners;
+    std::uint64_t m_namesVersion = 0;
+    mutable NameIndex m_blockNames, m_layerNames, m_linetypeNames, m_textStyleNames;
+    std::unordered_map<std::wstring, MxDbObjectId> m_implicitLayers; // folded names
 };
+
+/// All open databases, in order of their making.
+const std::vector<DatabaseImp*>& openDatabases();
 
 /// Sets what mxdbHostApplicationServices()->workingDatabase() answers. Readers set it to the drawing being read.
 void setWorkingDatabase(MxDbDatabase* database);

@@ -5,6 +5,7 @@
 
 #include "host/db/entity.h"
 #include "host/gi/world_draw.h"
+#include "merix/db/object_data.h"
 
 #include <string>
 #include <vector>
@@ -23,9 +24,20 @@ struct EntityTraits {
     std::int16_t lineWeight = -1;
     double linetypeScale = 1.0;
 };
+/// The store's record of an entity.
+struct EntityData : ObjectData {
+    EntityData()
+        : ObjectData(true) {}
+    EntityTraits traits;
+};
+
 /// The attributes of an entity.
-EntityTraits& traits(MxDbEntity& entity);
-const EntityTraits& traits(const MxDbEntity& entity);
+inline EntityTraits& traits(MxDbEntity& entity) {
+    return static_cast<EntityData&>(entity.data()).traits;
+}
+inline const EntityTraits& traits(const MxDbEntity& entity) {
+    return static_cast<const EntityData&>(entity.data()).traits;
+}
 
 // clang-format off
 #define MERIX_ENTITY_OPERATIONS \

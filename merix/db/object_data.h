@@ -31,6 +31,11 @@ struct SourceText {
 
 /// The store's record of one object. Rare things are null for most objects.
 struct ObjectData {
+    explicit ObjectData(bool entity = false)
+        : isEntity(entity) {}
+    ObjectData(const ObjectData&) = delete;
+    ObjectData& operator=(const ObjectData&) = delete;
+
     ObjectStub* stub = nullptr;
     MxDbObjectId owner;
     MxDbObjectId extensionDictionary;
@@ -40,6 +45,9 @@ struct ObjectData {
 
     std::uint16_t readers = 0;
     bool writer = false;
+    const bool isEntity;        ///< the record is an EntityData
+    bool restoring = false;     ///< the store itself is filling in the object: no before-image, no events
+    bool erasedAtOpen = false;  ///< state when it was opened for write
     bool isNew = false;         ///< appended and not closed yet
     bool changedInOpen = false; ///< assertWriteEnabled was called in the open under way
     bool graphicsChangedInOpen = false;

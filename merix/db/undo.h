@@ -14,7 +14,8 @@ struct UndoStep {
     enum class Kind { kAppend, kModify, kErase, kUnerase };
     Kind kind;
     MxDbObjectId id;
-    std::string image; ///< kModify: the binary filing of the state before
+    std::string image;      ///< kModify: the binary filing of the state before
+    std::wstring className; ///< kModify: the class whose filing it is
 };
 
 struct UndoUnit {
@@ -33,6 +34,8 @@ public:
     /// Drops what the open unit did and takes it back (a command that failed).
     void abandon();
     bool isOpen() const { return m_depth > 0; }
+    /// False while a drawing is being read and while steps are being taken back.
+    bool isRecording() const { return m_enabled && !m_applying; }
 
     /// Off while a drawing is being read.
     void setEnabled(bool enabled) { m_enabled = enabled; }
@@ -49,7 +52,8 @@ public:
     void clear();
 
 private:
-    void apply(UndoUnit unit, std::vector<UndoUnit>& inverse);
+    /// Takes the steps back, last first (`redoing` false), or does them again; the states replaced stay in the unit.
+    void apply(UndoUnit& unit, bool redoing);
 
     DatabaseImp& m_database;
     std::vector<UndoUnit> m_undo, m_redo;

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// What the host's own drawing interfaces know beyond the contract, and the drawing of blocks through any of them.
+#pragma once
+
+#include "host/gi/world_draw.h"
+#include "merix/db/entities.h"
+#include "merix/ge/affine.h"
+
+namespace merix::db {
+
+/// An attribute interface that takes all attributes of an entity at once: line type, true colour, line weight.
+/// An interface that is not one of these is given the colour and line weight alone.
+class EntityTraitsSink : public MxGiSubEntityTraits {
+public:
+    /// The geometry that follows belongs to an entity with these attributes. "By block" values and layer "0" of
+    /// entities inside blocks are resolved; "by layer" refers to `traits.layer`.
+    virtual void setEntityTraits(const EntityTraits& traits) = 0;
+};
+
+/// Draws the entities of `block`, placed by `toOwner`, as parts of an insert with the attributes `owner`. A block that
+/// shows itself, nesting deeper than 32 and more than a million entities in all are cut off: false.
+bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId block, const ge::Affine& toOwner, const EntityTraits& owner);
+
+/// The box of what `entity` draws; empty when it draws nothing.
+MxDbExtents drawnExtents(const MxDbEntity& entity);
+
+/// The length of a text's advance for letters 1 high and width factor 1. The host's graphics set the measure of their
+/// font; without one it is estimated.
+using TextMeasure = double (*)(const wchar_t* text);
+void setTextMeasure(TextMeasure measure);
+double textAdvance(const wchar_t* text);
+
+} // namespace merix::db

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "merix/db/undo.h"
+
+#include "merix/db/database_imp.h"
+#include "merix/db/kept_records.h"
+#include "merix/db/reactors.h"
+
+#include <utility>
+
+namespace merix::db {
+
+namespace {
+
+/// Exchanges the object's state with the one in the step.
+void swapState(MxDbObject& object, UndoStep& step) {
+    std::wstring className = object.isA()->name();
+    std::string now = dwgImage(object, MxDbFilerType::kUndo);
+    if (!restoreImage(object, step.image, step.className))
+        return;
+    step.image = std::move(now);
+    step.className = std::move(className);
+    ObjectData& data = object.data();
+    ++data.graphicsVersion;
+    DatabaseImp& database = *data.stub->database;
+    database.markChanged(object);
+    const ReadAccess readable(object);
+    database.notifyModified(object);
+    tellTransient(object, [&](MxDbObjectReactor& reactor) { reactor.modified(&object); });
+    tellPersistent(object, [&](MxDbObject& reactor) { reactor.modifyUndone(&object); });
+}
+
+void setPresent(MxDbObject& object, bool present, bool ofAppend) {
+    if (object.isErased() != present)
+        return;
+    object.data().stub->database->markChanged(object);
+    setErased(object, !present);
+    if (!ofAppend)
+        return;
+    const ReadAccess readable(object);
+    tellPersistent(object, [&](MxDbObject& reactor) {
+        if (present)
+            reactor.reappended(&object);
+        else
+            reactor.unappended(&object);
+    });
+}
+
+} // namespace
+
+void UndoRecorder::begin(std::wstring name) {
+    if (m_depth++ == 0)
+        m_open = {std::move(name), {}};
+}
+
+void UndoRecorder::end() {
+    if (m_depth == 0 || --m_depth > 0 || m_open.steps.empty())
+        return;
+    m_undo.push_back(std::exchange(m_open, {}));
+    m_redo.clear();
+}
+
+void UndoRecorder::abandon() {
+    if (m_depth == 0)
+        return;
+    m_depth = 0;
+    UndoUnit unit = std::exchange(m_open, {});
+    apply(unit, false);
+}
+
+void UndoRecorder::record(UndoStep step) {
+    if (!isRecording())
+        return;
+    if (m_depth > 0) {
+        m_open.steps.push_back(std::move(step));
+        return;
+    }
+    UndoUnit unit;
+    unit.steps.push_back(std::move(step));
+    m_undo.push_back(std::move(unit));
+    m_redo.clear();
+}
+
+bool UndoRecorder::undo() {
+    if (m_depth > 0 || m_undo.empty())
+        return false;
+    UndoUnit unit = std::move(m_undo.back());
+    m_undo.pop_back();
+    apply(unit, false);
+    m_redo.push_back(std::move(unit));
+    return true;
+}
+
+bool UndoRecorder::redo() {
+    if (m_depth > 0 || m_redo.empty())
+        return false;
+    UndoUnit unit = std::move(m_redo.back());
+    m_redo.pop_back();
+    apply(unit, true);
+    m_undo.push_back(std::move(unit));
+    return true;
+}
+
+void UndoRecorder::clear() {
+    m_undo.clear();
+    m_redo.clear();
+    m_open.steps.clear();
+}
+
+void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
+    m_applying = true;
+    const auto applyStep = [redoing](UndoStep& step) {
+        MxDbObject* object = DatabaseImp::peek(step.id, true);
+        if (!object)
+            return;
+        switch (step.kind) {
+        case UndoStep::Kind::kModify:
+            swapState(*object, step);
+            break;
+        case UndoStep::Kind::kAppend:
+            setPresent(*object, redoing, true);
+            break;
+        case UndoStep::Kind::kUnerase:
+            setPresent(*object, redoing, false);
+            break;
+        case UndoStep::Kind::kErase:
+            setPresent(*object, !redoing, false);
+            break;
+        }
+    };
+    if (redoing) {
+        for (auto& step : unit.steps)
+            applyStep(step);
+    } else {
+        for (auto step = unit.steps.rbegin(); step != unit.steps.rend(); ++step)
+            applyStep(*step);
+    }
+    m_applying = false;
+}
+
+} // namespace merix::db

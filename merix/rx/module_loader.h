@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// Loads and unloads modules (.mrx): checks that they were built for this host, tells them of drawings, and sees to it
+// that nothing of an unloaded module stays mapped. Main thread only.
+#pragma once
+
+#include "host/rx/app.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace merix::rx {
+
+enum class ModuleState { kLoaded, kFailed, kUnloaded };
+
+/// One module that was asked for in this run. Its address is the module's application id.
+struct Module {
+    std::string path; ///< absolute
+    ModuleState state = ModuleState::kFailed;
+    std::string error; ///< UTF-8, one line; empty unless loading or unloading failed
+    bool unloadable = false;
+    bool servesSeveralDocuments = false;
+    void* library = nullptr;
+    MxRxEntryPoint entryPoint = nullptr;
+};
+
+/// The outcome of loading or unloading; `error` is one line for the user, in UTF-8.
+struct ModuleResult {
+    Module* module = nullptr; ///< set when loaded
+    std::string error;
+    explicit operator bool() const { return error.empty(); }
+};
+
+class ModuleLoader {
+public:
+    static ModuleLoader& instance();
+
+    /// Opens the file, checks its host API version and sends message 1, then 3 for every open drawing.
+    ModuleResult load(const std::string& path);
+    /// Sends 4 for every open drawing, then 2, and closes the library. Refused for a module that did not declare itself
+    /// unloadable. An error that says that the module stays mapped leaves it unloaded nevertheless.
+    ModuleResult unload(Module& module);
+    /// Unloads all modules, unloadable or not, last loaded first: the host is about to end.
+    void unloadAll();
+
+    /// Messages 3 and 4 to all loaded modules, for the drawing that is current while it is called.
+    void drawingLoaded();
+    void drawingToBeUnloaded();
+
+    /// Sends one message; the answer is the module's, 0 for a module not loaded.
+    int sendMessage(Module& module, int message);
+    /// The module whose message is being handled, or null.
+    Module* currentModule() const { return m_current; }
+
+    /// Every module asked for, in order; a path asked for again appears once.
+    const std::vector<std::unique_ptr<Module>>& modules() const { return m_modules; }
+
+    /// Calls the function given once for each open drawing, with that drawing current.
+    using ForEachDrawing = std::function<void(const std::function<void()>&)>;
+    void setForEachDrawing(ForEachDrawing forEach) { m_forEachDrawing = std::move(forEach); }
+
+    /// Called after message 2, while the module's code is still there: what others hold of it (windows, functions)
+    /// goes.
+    using BeforeUnmap = std::function<void(const Module&)>;
+    void setBeforeUnmap(BeforeUnmap beforeUnmap) { m_beforeUnmap = std::move(beforeUnmap); }
+
+    MxRxDynamicLinker& dynamicLinker();
+
+private:
+    ModuleLoader();
+    ~ModuleLoader();
+    Module& entry(const std::string& path);
+    std::string open(Module& module);
+    void close(Module& module);
+    void forEachDrawing(const std::function<void()>& call);
+
+    std::vector<std::unique_ptr<Module>> m_modules;
+    ForEachDrawing m_forEachDrawing;
+    BeforeUnmap m_beforeUnmap;
+    std::unique_ptr<MxRxDynamicLinker> m_linker;
+    Module* m_current = nullptr;
+};
+
+} // namespace merix::rx
