@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// A test program with an application object, and settings of its own in a directory that goes with it.
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    const QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

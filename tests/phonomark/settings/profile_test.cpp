@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/settings/profile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class ProfileTest : public ::testing::Test {
+protected:
+    void SetUp() override { qputenv("XDG_CONFIG_HOME", m_home.path().toLocal8Bit()); }
+    void TearDown() override { qputenv("XDG_CONFIG_HOME", m_before); }
+
+    QString storeFile() const { return m_home.path() + QStringLiteral("/VORKAS/MERIX/2026/MERIX.conf"); }
+
+    QString stored() const {
+        QFile file(storeFile());
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+
+    void store(const QString& text) const {
+        QDir().mkpath(QFileInfo(storeFile()).path());
+        QFile file(storeFile());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text.toUtf8());
+    }
+
+private:
+    QTemporaryDir m_home;
+    QByteArray m_before = qgetenv("XDG_CONFIG_HOME");
+};
+
+} // namespace
+
+TEST_F(ProfileTest, WithoutAStoreNotesAreShownOfPointTypeAndWithoutSpeaker) {
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 1), 1);
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceType", 0), 0);
+    EXPECT_EQ(GetProfileStringW(RegSection(), L"Spokesman", L""), L"");
+}
+
+TEST_F(ProfileTest, TheSectionIsTheTopLevel) {
+    EXPECT_EQ(RegSection(), L"");
+}
+
+TEST_F(ProfileTest, AMissingTextIsEmptyWhateverItsDefault) {
+    EXPECT_EQ(GetProfileStringW(RegSection(), L"Spokesman", L"Anna"), L"");
+}
+
+TEST_F(ProfileTest, AMissingIntegerIsItsDefault) {
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceType", 7), 7);
+}
+
+TEST_F(ProfileTest, ATypeThatIsNoNumberReadsAsPoint) {
+    store(QStringLiteral("[General]\nVoiceType=Region\n"));
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceType", 2), 0);
+}
+
+TEST_F(ProfileTest, WhatIsWrittenIsReadByTheNextCall) {
+    WriteProfileInt(RegSection(), L"VoiceShow", 0);
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 1), 0);
+    WriteProfileInt(RegSection(), L"VoiceShow", 1);
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 0), 1);
+    const std::wstring name = L"J\u00fcrgen \u5f20 \U0001F3A4";
+    WriteProfileStringW(RegSection(), L"Spokesman", name);
+    EXPECT_EQ(GetProfileStringW(RegSection(), L"Spokesman", L""), name);
+}
+
+TEST_F(ProfileTest, ValuesLieAtTheTopOfTheMakersFileWhenACallReturns) {
+    WriteProfileStringW(RegSection(), L"Spokesman", L"Anna");
+    WriteProfileInt(RegSection(), L"VoiceType", 3);
+    EXPECT_EQ(stored(), QStringLiteral("[General]\nSpokesman=Anna\nVoiceType=3\n"));
+}
+
+TEST_F(ProfileTest, ASectionIsAGroupOfTheStore) {
+    WriteProfileInt(L"Marks", L"VoiceType", 2);
+    EXPECT_EQ(GetProfileIntW(L"Marks", L"VoiceType", 0), 2);
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceType", 0), 0);
+    EXPECT_TRUE(stored().contains(QStringLiteral("[Marks]")));
+}
+
+TEST_F(ProfileTest, AStoreThatCannotBeReadGivesTheDefaults) {
+    QDir().mkpath(storeFile()); // a folder in the place of the file
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 1), 1);
+    EXPECT_EQ(GetProfileStringW(RegSection(), L"Spokesman", L""), L"");
+}
+
+TEST_F(ProfileTest, AWriteThatFailsIsLostSilently) {
+    QDir().mkpath(storeFile());
+    WriteProfileInt(RegSection(), L"VoiceShow", 0);
+    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 1), 1);
+}
