@@ -26,7 +26,7 @@ endif()
 add_library(merix_flags INTERFACE)
 target_include_directories(merix_flags INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(merix_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
-                       -Woverloaded-virtual -Wnull-dereference -Werror -fno-math-errno)
+                       -Woverloaded-virtual -Werror -fno-math-errno)
 target_compile_definitions(merix_flags INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_FOREACH
                            MERIX_VERSION="${PROJECT_VERSION}")
 if(MERIX_SANITIZE)
