@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "merix/io/drawing_file.h"
+
+#include "merix/io/dxf_reader.h"
+#include "merix/io/dxf_writer.h"
+#include "merix/io/file_access.h"
+#include "merix/io/merix_reader.h"
+#include "merix/io/merix_writer.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace merix::io {
+namespace {
+
+enum class Kind { kDxf, kMerix, kUnknown };
+
+bool endsWith(const std::string& path, std::string_view suffix) {
+    return path.size() >= suffix.size() &&
+           std::equal(
+               suffix.begin(), suffix.end(), path.end() - static_cast<std::ptrdiff_t>(suffix.size()),
+               [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b); });
+}
+
+Kind kindOf(const std::string& path) {
+    if (endsWith(path, ".dxf"))
+        return Kind::kDxf;
+    return endsWith(path, ".merix") ? Kind::kMerix : Kind::kUnknown;
+}
+
+FileResult failed(Mx::ErrorStatus status, std::string error) {
+    return {status, std::move(error), {}};
+}
+
+FileResult unknownKind(const std::string& path) {
+    return failed(Mx::eInvalidInput, path + ": the name of a drawing ends in .dxf or .merix");
+}
+
+FileResult read(const std::string& path, MxDbDatabase& database) {
+    const Kind kind = kindOf(path);
+    if (kind == Kind::kUnknown)
+        return unknownKind(path);
+    std::string error;
+    if (kind == Kind::kMerix) {
+        if (!checkReadable(path, error))
+            return failed(error.ends_with("no such file") ? Mx::eFileNotFound : Mx::eFileUnreadable, error);
+        return readMerix(path, database);
+    }
+    auto bytes = readFile(path, error);
+    if (!bytes)
+        return failed(error.ends_with("no such file") ? Mx::eFileNotFound : Mx::eFileUnreadable, error);
+    return readDxf(std::move(bytes), path, database);
+}
+
+FileResult write(const std::string& path, MxDbDatabase& database) {
+    switch (kindOf(path)) {
+    case Kind::kDxf:
+        return writeDxf(path, database);
+    case Kind::kMerix:
+        return writeMerix(path, database);
+    case Kind::kUnknown:
+        break;
+    }
+    return unknownKind(path);
+}
+
+/// Memory is the one thing that may run out anywhere.
+template <class Operation> FileResult guarded(const std::string& path, Operation operation) {
+    try {
+        return operation();
+    } catch (const std::exception& exception) {
+        return failed(Mx::eFileUnreadable, path + ": " + exception.what());
+    }
+}
+
+} // namespace
+
+FileResult readDrawing(const std::string& path, MxDbDatabase& database) {
+    return guarded(path, [&] { return read(path, database); });
+}
+
+FileResult writeDrawing(const std::string& path, MxDbDatabase& database) {
+    return guarded(path, [&] { return write(path, database); });
+}
+
+} // namespace merix::io

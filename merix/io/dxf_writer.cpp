@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+// The skeleton is written part by part. Texts of unchanged objects are taken from where they were read; changed ones
+// are merged; what was written is what the objects are compared with from then on.
+#include "merix/io/dxf_writer.h"
+
+#include "merix/db/tables.h"
+#include "merix/io/dxf_record.h"
+#include "merix/io/dxf_value.h"
+#include "merix/io/file_access.h"
+#include "merix/io/object_placement.h"
+
+#include <map>
+#include <optional>
+#include <unordered_map>
+
+namespace merix::io {
+namespace {
+
+using db::ObjectStub;
+using Role = Part::Role;
+
+class Writer {
+public:
+    Writer(const std::string& path, MxDbDatabase& database)
+        : m_path(path)
+        , m_database(database)
+        , m_imp(database.imp()) {}
+
+    FileResult run();
+
+private:
+    using Text = std::shared_ptr<const std::string>;
+
+    /// Makes the texts of changed objects, so that everything is known before the first byte is written.
+    void makeTexts();
+    void addClasses();
+    void raiseHandSeed();
+    std::string_view textOf(const ObjectStub& stub) const;
+    bool writeParts();
+    void commit();
+
+    const std::string& m_path;
+    MxDbDatabase& m_database;
+    db::DatabaseImp& m_imp;
+    std::unique_ptr<DrawingParts> m_parts;
+    std::unordered_map<const ObjectStub*, Text> m_texts;
+    ReplacementFile m_file;
+    FileResult m_result;
+};
+
+bool isUnchanged(const ObjectStub& stub) {
+    const db::ObjectData& data = stub.object->data();
+    return !data.source.empty() && !data.sourceStale && !data.changedSinceSave;
+}
+
+void Writer::makeTexts() {
+    std::size_t lost = 0;
+    for (const Part& part : m_parts->parts) {
+        for (const ObjectStub* stub : part.run) {
+            if (stub->erased || !stub->object || isUnchanged(*stub))
+                continue;
+            auto text = std::make_shared<const std::string>(currentRecord(*stub->object, *m_parts));
+            lost += text->empty() ? 1 : 0;
+            m_texts.emplace(stub, std::move(text));
+        }
+    }
+    if (lost > 0)
+        m_result.notes.push_back(m_path + ": " + std::to_string(lost) +
+                                 " records whose module is absent have no DXF form and are left out");
+}
+
+struct ClassRecord {
+    std::string className, appName;
+    int proxyFlags = 0;
+    bool entity = false;
+    int count = 0;
+};
+
+std::optional<ClassRecord> classRecord(const MxDbObject& object) {
+    const MxRxClass* aClass = object.isA();
+    if (!isModuleClass(aClass))
+        return std::nullopt;
+    return ClassRecord{toUtf8(aClass->name()), toUtf8(aClass->appName()), aClass->proxyFlags(), object.data().isEntity,
+                       0};
+}
+
+/// Every class of a module that has objects in the drawing is named in the CLASSES section.
+void Writer::addClasses() {
+    std::map<std::string, ClassRecord> missing;
+    for (const Part& part : m_parts->parts) {
+        for (const ObjectStub* stub : part.run) {
+            if (stub->erased || !stub->object || !isModuleClass(stub->object->isA()))
+                continue;
+            const std::string name = dxfNameOf(*stub->object);
+            if (m_parts->classNames.contains(name))
+                continue;
+            if (const auto record = classRecord(*stub->object))
+                ++missing.try_emplace(name, *record).first->second.count;
+        }
+    }
+    if (missing.empty())
+        return;
+    ensureSection(*m_parts, "CLASSES");
+    const DxfEncoding encoding = m_parts->encoding();
+    std::string text;
+    for (const auto& [name, record] : missing) {
+        const auto tag = [&](int code, std::string_view value) { appendTag(text, code, value, m_parts->lineEnd); };
+        tag(0, "CLASS");
+        tag(1, name);
+        tag(2, record.className);
+        tag(3, encoding.encode(fromUtf8(record.appName)));
+        tag(90, std::to_string(record.proxyFlags));
+        if (m_parts->version >= "AC1018")
+            tag(91, std::to_string(record.count));
+        tag(280, "0");
+        tag(281, record.entity ? "1" : "0");
+        m_parts->classNames.insert(name);
+    }
+    const std::string_view kept = m_parts->keep(std::move(text));
+    for (auto part = m_parts->parts.begin(); part != m_parts->parts.end(); ++part) {
+        if (part->role == Role::kClassesEnd) {
+            m_parts->parts.insert(part, {Role::kText, kept, nullptr, {}});
+            break;
+        }
+    }
+    m_parts->changedSinceOrigin = true;
+}
+
+/// $HANDSEED is above every handle in the file.
+void Writer::raiseHandSeed() {
+    if (m_texts.empty() || m_imp.nextHandle() <= m_parts->handSeed)
+        return;
+    for (Part& part : m_parts->parts) {
+        if (part.role != Role::kHandSeed)
+            continue;
+        std::string text;
+        appendTag(text, 5, fromHandle(m_imp.nextHandle()), m_parts->lineEnd);
+        part.text = m_parts->keep(std::move(text));
+        m_parts->handSeed = m_imp.nextHandle();
+        m_parts->changedSinceOrigin = true;
+    }
+}
+
+std::string_view Writer::textOf(const ObjectStub& stub) const {
+    const auto found = m_texts.find(&stub);
+    return found != m_texts.end() ? std::string_view(*found->second) : stub.object->data().source.text;
+}
+
+bool Writer::writeParts() {
+    // Neighbours in memory go out together: an untouched file is one piece.
+    std::string_view pending;
+    const auto put = [&](std::string_view text) {
+        if (pending.data() + pending.size() == text.data()) {
+            pending = std::string_view(pending.data(), pending.size() + text.size());
+            return true;
+        }
+        return m_file.write(std::exchange(pending, text));
+    };
+    for (const Part& part : m_parts->parts) {
+        const bool ofBlock =
+            part.role == Role::kBlockBegin || part.role == Role::kBlockRun || part.role == Role::kBlockEnd;
+        if (ofBlock && part.owner && part.owner->erased)
+            continue;
+        if (!part.text.empty() && !put(part.text))
+            return false;
+        for (const ObjectStub* stub : part.run) {
+            if (!stub->erased && stub->object && !put(textOf(*stub)))
+                return false;
+        }
+    }
+    return m_file.write(pending) && m_file.commit();
+}
+
+void Writer::commit() {
+    for (auto& [stub, text] : m_texts) {
+        db::ObjectData& data = stub->object->data();
+        data.sourceStale = false;
+        if (data.source.text == *text)
+            continue; // keeps one buffer for all
+        data.source.text = *text;
+        data.source.buffer = std::move(text);
+        m_parts->changedSinceOrigin = true;
+    }
+    m_parts->origin.reset();
+    m_imp.fileParts = std::move(m_parts);
+    m_imp.clearChanged();
+}
+
+FileResult Writer::run() {
+    if (m_file.create(m_path)) {
+        m_parts = placedParts(m_imp);
+        makeTexts();
+        addClasses();
+        raiseHandSeed();
+        if (writeParts()) {
+            commit();
+            return std::move(m_result);
+        }
+    }
+    m_result.status = Mx::eFileUnwritable;
+    m_result.error = m_file.error();
+    return std::move(m_result);
+}
+
+} // namespace
+
+FileResult writeDxf(const std::string& path, MxDbDatabase& database) {
+    return Writer(path, database).run();
+}
+
+} // namespace merix::io
