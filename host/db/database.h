@@ -25,8 +25,6 @@ public:
     const std::vector<MxDbObjectId>& entityIds() const { return m_entities; }
     const std::wstring& name() const { return m_name; }
     const MxGePoint3d& origin() const { return m_origin; }
-    /// The layout whose drawing space this block is; null for block definitions.
-    MxDbObjectId layoutId() const { return m_layoutId; }
 
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;

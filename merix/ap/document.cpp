@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ap/document_private.h"
 
-#include "merix/ap/layouts.h"
 #include "merix/ed/editor.h"
 #include "merix/rx/class_registry.h"
 
@@ -71,8 +70,8 @@ ge::ViewTransform& Document::view() {
 
 QStringList Document::layouts() const {
     QStringList names;
-    for (const Layout& layout : layoutsOf(*m->database))
-        names << layout.name;
+    for (const auto& layout : m->database->imp().layouts())
+        names << QString::fromStdWString(layout.name);
     return names;
 }
 
@@ -81,15 +80,16 @@ QString Document::currentLayout() const {
 }
 
 bool Document::setCurrentLayout(const QString& name) {
-    for (const Layout& layout : layoutsOf(*m->database)) {
-        if (layout.name.compare(name, Qt::CaseInsensitive) != 0 || layout.space.isNull())
+    for (const auto& layout : m->database->imp().layouts()) {
+        const QString known = QString::fromStdWString(layout.name);
+        if (known.compare(name, Qt::CaseInsensitive) != 0 || layout.space.isNull())
             continue;
-        if (layout.name == m->layout)
+        if (known == m->layout)
             return true;
-        m->layout = layout.name;
+        m->layout = known;
         m->database->imp().currentSpace = layout.space;
         Q_EMIT layoutChanged();
-        ed::Editor::instance().notifyLayoutSwitched(layout.name.toStdWString());
+        ed::Editor::instance().notifyLayoutSwitched(layout.name);
         return true;
     }
     return false;

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ed/command_stack.h"
+
+#include "answers.h"
+#include "host/rx/registry.h"
+#include "merix/ed/editor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using namespace merix::ed;
+using merix::test::Answers;
+using Outcome = CommandStack::Outcome;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+std::vector<std::string> g_log;
+
+void note(const std::string& what) {
+    g_log.push_back(what);
+}
+
+std::string narrow(const wchar_t* text) {
+    return QString::fromWCharArray(text).toStdString();
+}
+
+class Recorder : public MxEditorReactor {
+public:
+    Recorder() { Editor::instance().addReactor(this); }
+    ~Recorder() override { Editor::instance().removeReactor(this); }
+    void commandWillStart(const wchar_t* name) override { note("start " + narrow(name)); }
+    void commandEnded(const wchar_t* name) override { note("ended " + narrow(name)); }
+    void commandCancelled(const wchar_t* name) override { note("cancelled " + narrow(name)); }
+    void commandFailed(const wchar_t* name) override { note("failed " + narrow(name)); }
+};
+
+struct Scope : CommandScope {
+    bool allow = true;
+    Scope() { CommandStack::instance().setScope(this); }
+    ~Scope() override { CommandStack::instance().setScope(nullptr); }
+    bool begin(const QString& name) override {
+        note("begin " + name.toStdString());
+        return allow;
+    }
+    void end(bool failed) override { note(failed ? "take back" : "keep"); }
+    void idle() override { note("idle"); }
+};
+
+void askTwice() {
+    MxGePoint3d point;
+    note("asked " + std::to_string(mxedGetPoint(nullptr, L"\nA: ", point)));
+    note("asked " + std::to_string(mxedGetPoint(nullptr, L"\nB: ", point)));
+}
+
+class CommandStackTest : public testing::Test {
+protected:
+    CommandStackTest() {
+        g_log.clear();
+        auto& stack = CommandStack::instance();
+        stack.addCommand(L"TEST", L"WORK", L"ARBEIT", 1, [] { note("work"); });
+        stack.addCommand(L"TEST", L"THROW", L"THROW", 1, [] { throw std::runtime_error("bad day"); });
+        stack.addCommand(L"TEST", L"ASK", L"ASK", 1, askTwice);
+        stack.addCommand(L"TEST", L"SESSION", L"SESSION", kSessionCommand, [] { note("session"); });
+        Console::instance().markRead();
+    }
+    static Outcome run(const char* line) { return CommandStack::instance().runLine(QString::fromUtf8(line)); }
+    static std::string shown() { return Console::instance().unread().toStdString(); }
+};
+
+} // namespace
+
+TEST_F(CommandStackTest, StandsInTheSystemRegistryAfterTheStart) {
+    startEditor();
+    MxRxObject* stack = mxrxSysRegistry()->at(L"MERIX_REGISTERED_COMMANDS");
+    ASSERT_TRUE(stack);
+    EXPECT_TRUE(stack->isKindOf(MxEdCommandStack::desc()));
+    EXPECT_TRUE(stack->isA()->isDerivedFrom(MxEdCommandStack::desc()));
+    MxRxObject* editor = mxrxSysRegistry()->at(L"MxEditor");
+    ASSERT_TRUE(editor);
+    EXPECT_TRUE(editor->isKindOf(MxEditor::desc()));
+}
+
+TEST_F(CommandStackTest, LocalNamesAreTypedPlainAndGlobalOnesAfterAnUnderscore) {
+    EXPECT_EQ(run("arbeit"), Outcome::kEnded);
+    EXPECT_EQ(run("_Work"), Outcome::kEnded);
+    EXPECT_EQ(run("_.WORK"), Outcome::kEnded);
+    EXPECT_EQ(run("'._work"), Outcome::kEnded);
+    EXPECT_EQ(run(".arbeit"), Outcome::kEnded);
+    EXPECT_EQ(run("work"), Outcome::kUnknown);
+    EXPECT_EQ(run("_arbeit"), Outcome::kUnknown);
+    EXPECT_EQ(g_log.size(), 5U);
+}
+
+TEST_F(CommandStackTest, AnUnknownCommandIsToldInOneLine) {
+    EXPECT_EQ(run("nosuch 1,2"), Outcome::kUnknown);
+    EXPECT_EQ(shown(), "\nCommand: nosuch 1,2\nUnknown command \"nosuch\".");
+}
+
+TEST_F(CommandStackTest, EnterRepeatsTheLastCommandWithoutItsAnswers) {
+    run("ARBEIT");
+    run("nosuch");
+    EXPECT_EQ(run(""), Outcome::kEnded);
+    EXPECT_THAT(g_log, ElementsAre("work", "work"));
+    EXPECT_THAT(shown(), HasSubstr("Command: ARBEIT"));
+}
+
+TEST_F(CommandStackTest, WordsAfterTheCommandAreItsFirstAnswers) {
+    Answers answers({QStringLiteral("2,2")});
+    EXPECT_EQ(run("ASK 1,1"), Outcome::kEnded);
+    EXPECT_EQ(answers.used(), 1U);
+    EXPECT_THAT(g_log, ElementsAre("asked 5100", "asked 5100"));
+}
+
+TEST_F(CommandStackTest, AnswersLeftOverAreNoCommands) {
+    Answers answers({});
+    run("ARBEIT 1,1");
+    EXPECT_EQ(run("ASK"), Outcome::kCancelled);
+    EXPECT_THAT(g_log, ElementsAre("work", "asked -5002", "asked -5002"));
+}
+
+TEST_F(CommandStackTest, ReactorsAreToldOfStartAndEnd) {
+    const Recorder recorder;
+    run("_WORK");
+    EXPECT_THAT(g_log, ElementsAre("start WORK", "work", "ended WORK"));
+}
+
+TEST_F(CommandStackTest, ACommandIsCancelledWhenItsLastPromptWas) {
+    const Recorder recorder;
+    {
+        Answers answers({QStringLiteral("1,1")});
+        EXPECT_EQ(run("ASK"), Outcome::kCancelled);
+    }
+    EXPECT_EQ(g_log.back(), "cancelled ASK");
+    Answers answers({});
+    answers.before = [&] {
+        if (Console::instance().prompt() == QStringLiteral("B: "))
+            Prompter::instance().submitPoint({});
+    };
+    EXPECT_EQ(run("ASK"), Outcome::kEnded) << "only the first prompt was cancelled";
+    EXPECT_EQ(g_log.back(), "ended ASK");
+}
+
+TEST_F(CommandStackTest, AnExceptionFailsTheCommandAndTakesBackWhatItDid) {
+    const Recorder recorder;
+    const Scope scope;
+    EXPECT_EQ(run("THROW"), Outcome::kFailed);
+    EXPECT_THAT(g_log, ElementsAre("begin THROW", "start THROW", "take back", "failed THROW", "idle"));
+    EXPECT_THAT(shown(), HasSubstr("THROW failed: bad day"));
+    EXPECT_FALSE(CommandStack::instance().isRunning());
+}
+
+TEST_F(CommandStackTest, ACommandRunsInsideAnUndoUnitUnlessItWorksOnTheSession) {
+    Scope scope;
+    run("_WORK");
+    EXPECT_THAT(g_log, ElementsAre("begin WORK", "work", "keep", "idle"));
+    g_log.clear();
+    run("SESSION");
+    EXPECT_THAT(g_log, ElementsAre("session", "idle"));
+    scope.allow = false;
+    EXPECT_EQ(run("_WORK"), Outcome::kRefused);
+}
+
+TEST_F(CommandStackTest, OneCommandRunsAtATime) {
+    Answers answers({QStringLiteral("1,1"), QStringLiteral("1,1")});
+    Outcome inner = Outcome::kNothing;
+    answers.before = [&] { inner = run("_WORK"); };
+    run("ASK");
+    EXPECT_EQ(inner, Outcome::kRefused);
+    EXPECT_THAT(shown(), HasSubstr("The command ASK is under way."));
+}
+
+TEST_F(CommandStackTest, RegisteringAGroupAndNameAgainReplacesTheCommand) {
+    auto& stack = CommandStack::instance();
+    const auto before = stack.commands().size();
+    MxEdCommand* created = nullptr;
+    EXPECT_EQ(stack.addCommand(
+                  L"test", L"work", L"ARBEIT", 7, [] { note("new"); }, nullptr, -1, nullptr, &created),
+              Mx::eOk);
+    EXPECT_EQ(stack.commands().size(), before);
+    run("ARBEIT");
+    EXPECT_THAT(g_log, ElementsAre("new"));
+    ASSERT_TRUE(created);
+    EXPECT_EQ(created->flags(), 7);
+    EXPECT_STREQ(created->groupName(), L"test");
+    EXPECT_TRUE(created->isKindOf(MxEdCommand::desc()));
+}
+
+TEST_F(CommandStackTest, ACommandWithoutNameOrBodyIsRefused) {
+    auto& stack = CommandStack::instance();
+    EXPECT_EQ(stack.addCommand(L"T", L"", L"X", 0, [] {}), Mx::eInvalidInput);
+    EXPECT_EQ(stack.addCommand(L"T", L"X", nullptr, 0, [] {}), Mx::eInvalidInput);
+    EXPECT_EQ(stack.addCommand(L"T", L"X", L"X", 0, nullptr), Mx::eInvalidInput);
+}

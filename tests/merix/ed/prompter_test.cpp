@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ed/prompter.h"
+
+#include "answers.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace merix::ed;
+using merix::test::Answers;
+
+namespace {
+
+constexpr int kNotEmpty = 1;
+
+QString shown() {
+    const QString text = Console::instance().unread();
+    Console::instance().markRead();
+    return text;
+}
+
+class PrompterTest : public testing::Test {
+protected:
+    PrompterTest() { Console::instance().markRead(); }
+    MxGePoint3d point;
+    wchar_t text[16] = L"untouched";
+};
+
+} // namespace
+
+TEST_F(PrompterTest, ATypedPointIsANormalAnswer) {
+    Answers answers({QStringLiteral("3,4")});
+    EXPECT_EQ(mxedGetPoint(nullptr, L"\nPoint: ", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(3, 4, 0));
+    EXPECT_EQ(shown(), QStringLiteral("\nPoint: 3,4"));
+}
+
+TEST_F(PrompterTest, RelativePointsCountFromTheBaseElseFromTheLastPoint) {
+    Answers answers({QStringLiteral("3,4"), QStringLiteral("@1,1"), QStringLiteral("@1,1")});
+    const MxGePoint3d base(100, 100, 0);
+    mxedGetPoint(nullptr, L"", point);
+    EXPECT_EQ(mxedGetPoint(&base, L"", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(101, 101, 0));
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(102, 102, 0));
+}
+
+TEST_F(PrompterTest, APickedPointAnswers) {
+    Answers answers({});
+    answers.before = [] { Prompter::instance().submitPoint({7, 8, 0}); };
+    EXPECT_EQ(mxedGetPoint(nullptr, L"\nPoint: ", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(7, 8, 0));
+}
+
+TEST_F(PrompterTest, APickedPointAnswersNoQuestionForAKeyword) {
+    Answers answers({QStringLiteral("No")});
+    answers.before = [] { Prompter::instance().submitPoint({7, 8, 0}); };
+    mxedInitGet(0, L"Yes No");
+    EXPECT_EQ(mxedGetKword(L"", text, 16), 5100);
+    EXPECT_STREQ(text, L"No");
+}
+
+TEST_F(PrompterTest, AKeywordAtAPointPromptIsToldByItsGlobalForm) {
+    Answers answers({QStringLiteral("einst")});
+    mxedInitGet(kNotEmpty, L"Einstellungen _ Settings");
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), -5005);
+    EXPECT_EQ(mxedGetInput(text, 16), 5100);
+    EXPECT_STREQ(text, L"Settings");
+}
+
+TEST_F(PrompterTest, AKeywordIsCutToTheBuffer) {
+    Answers answers({QStringLiteral("Settings")});
+    mxedInitGet(0, L"Settings");
+    EXPECT_EQ(mxedGetKword(L"", text, 4), 5100);
+    EXPECT_STREQ(text, L"Set");
+    EXPECT_STREQ(text + 4, L"uched");
+}
+
+TEST_F(PrompterTest, EnterIsNoneWhereAnEmptyAnswerIsAllowed) {
+    Answers answers({QString(), QString(), QStringLiteral("  ")});
+    mxedInitGet(0, L"Yes No");
+    EXPECT_EQ(mxedGetKword(L"", text, 16), 5000);
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5000);
+    EXPECT_EQ(mxedGetString(false, L"", text, 16), 5000);
+    EXPECT_STREQ(text, L"");
+}
+
+TEST_F(PrompterTest, EnterIsAskedAgainWhereAnEmptyAnswerIsNotAllowed) {
+    Answers answers({QString(), QStringLiteral("1,1")});
+    mxedInitGet(kNotEmpty, nullptr);
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(answers.used(), 2U);
+    EXPECT_TRUE(shown().contains(QStringLiteral("An answer is needed.")));
+}
+
+TEST_F(PrompterTest, ControlAndKeywordsHoldForOnePromptOnly) {
+    Answers answers({QStringLiteral("1,1"), QString(), QStringLiteral("Yes"), QStringLiteral("2,2")});
+    mxedInitGet(kNotEmpty, L"Yes");
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5000);
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(2, 2, 0)) << "Yes was no answer any more";
+}
+
+TEST_F(PrompterTest, BadInputIsToldInALineAndAskedAgain) {
+    Answers answers({QStringLiteral("here"), QStringLiteral("re"), QStringLiteral("reg")});
+    mxedInitGet(0, L"Region Reply");
+    EXPECT_EQ(mxedGetPoint(nullptr, L"\nP: ", point), -5005);
+    EXPECT_EQ(shown(), QStringLiteral("\nP: here\nA point or one of the options is needed."
+                                      "\nP: re\nThat can mean Region or Reply.\nP: reg"));
+}
+
+TEST_F(PrompterTest, EscCancels) {
+    Answers answers({});
+    EXPECT_EQ(mxedGetPoint(nullptr, L"\nP: ", point), -5002);
+    EXPECT_EQ(mxedGetString(true, L"", text, 16), -5002);
+    mxedInitGet(kNotEmpty, L"A");
+    EXPECT_EQ(mxedGetKword(L"", text, 16), -5002);
+    EXPECT_TRUE(shown().contains(QStringLiteral("P: *Cancel*")));
+    EXPECT_EQ(mxedGetInput(text, 16), -5001) << "no keyword answered";
+}
+
+TEST_F(PrompterTest, ABlankEndsATextAndTheRestAnswersTheNextPrompt) {
+    Answers answers({QStringLiteral("Ann 5,6")});
+    EXPECT_EQ(mxedGetString(false, L"", text, 16), 5100);
+    EXPECT_STREQ(text, L"Ann");
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(5, 6, 0));
+    EXPECT_EQ(answers.used(), 1U);
+}
+
+TEST_F(PrompterTest, WithSpacesAllowedTheWholeLineIsTheText) {
+    Answers answers({QStringLiteral("Ann Lee")});
+    EXPECT_EQ(mxedGetString(true, L"", text, 16), 5100);
+    EXPECT_STREQ(text, L"Ann Lee");
+}
+
+TEST_F(PrompterTest, APromptInsideAPromptIsAnError) {
+    Answers answers({QStringLiteral("1,1")});
+    int inner = 0;
+    MxGePoint3d other;
+    answers.before = [&] { inner = mxedGetPoint(nullptr, L"", other); };
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    EXPECT_EQ(inner, -5001);
+}
+
+TEST_F(PrompterTest, WithoutAScriptThePromptWaitsInAnEventLoop) {
+    int count = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(count, arguments);
+    QTimer::singleShot(0, [] { Prompter::instance().submitPoint({1, 2, 0}); });
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), 5100);
+    QTimer::singleShot(0, [] { QCoreApplication::quit(); });
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), -5002) << "the end of the program cancels";
+}
+
+TEST_F(PrompterTest, TheConsoleShowsPromptAndKeywordsWhileItWaits) {
+    Answers answers({QStringLiteral("N")});
+    QString prompt;
+    std::size_t options = 0;
+    answers.before = [&] {
+        prompt = Console::instance().prompt();
+        options = Console::instance().keywords().size();
+    };
+    mxedInitGet(0, L"Yes No");
+    mxedGetKword(L"\nSure? ", text, 16);
+    EXPECT_EQ(prompt, QStringLiteral("Sure? "));
+    EXPECT_EQ(options, 2U);
+    EXPECT_EQ(Console::instance().prompt(), QString());
+    EXPECT_TRUE(Console::instance().keywords().empty());
+}
