@@ -15,7 +15,8 @@ usage: sound-server.sh start DIR SPEECH.wav [--owner PID]   with --owner it stop
        sound-server.sh speak DIR         say SPEECH now, from its first sample
        sound-server.sh heard DIR OUT.wav what the loudspeaker has been given since `start`
        sound-server.sh stop DIR
-SOUNDCHECK names the soundcheck program (default: the one of build/release).
+SOUNDCHECK names the soundcheck program (default: the one of build/release), SOUND_SERVER the kind of server,
+pulseaudio (default) or pipewire.
 TEXT
 }
 
@@ -26,6 +27,7 @@ die() {
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 soundcheck=${SOUNDCHECK:-$root/build/release/bin/soundcheck}
+kind=${SOUND_SERVER:-pulseaudio}
 rate=40000
 # How much sound is under way between a program and the server, in milliseconds. The ring that ALSA's server plugin
 # grants is five milliseconds long, which a busy machine cannot keep filled: with 20 ms there are gaps under load, with
@@ -65,7 +67,7 @@ wait_for() { # what command...: up to 20 s
 end_all() {
     local name pid
     [[ -f $dir/pids ]] || return 0
-    for name in microphone server loudspeaker watch; do
+    for name in microphone door manager server bus loudspeaker watch; do
         pid=$(pid_of "$name") && [[ $pid != $$ ]] || continue
         kill "$pid" 2>/dev/null || continue
         for _ in {1..150}; do
@@ -74,10 +76,42 @@ end_all() {
         done
         ! pid_of "$name" >/dev/null || kill -KILL "$pid" 2>/dev/null || true
     done
-    rm -f "$dir"/{pids,native,microphone.fifo,loudspeaker.fifo}
+    rm -f "$dir"/{pids,native,bus,microphone.fifo,loudspeaker.fifo}
 }
 
 write_configuration() {
+    cat >"$dir/asound.conf" <<TEXT
+pcm.!default { type pulse server "unix:$socket" }
+ctl.!default { type pulse server "unix:$socket" }
+TEXT
+    echo "00-00: virtual : virtual : playback 1 : capture 1" >"$dir/pcm"
+    cat >"$dir/env" <<TEXT
+export ALSA_CONFIG_PATH='$dir/asound.conf'
+export PULSE_SERVER='unix:$socket'
+export PULSE_CLIENTCONFIG=/dev/null
+export PULSE_RUNTIME_PATH='$dir/runtime'
+export PULSE_LATENCY_MSEC=$latency
+export PHONOMARK_PCM_LIST='$dir/pcm'
+TEXT
+}
+
+# Programs of the server see nothing of the person's own session.
+alone=(env -i "PATH=$PATH" LC_ALL=C)
+
+default_devices_stand() {
+    local info
+    info=$("${alone[@]}" PULSE_CLIENTCONFIG=/dev/null PULSE_SERVER="unix:$socket" pactl info)
+    [[ $info == *"Default Sink: loudspeaker"* && $info == *"Default Source: microphone"* ]]
+}
+
+launch() { # name log command...
+    local name=$1 log=$2
+    shift 2
+    "${alone[@]}" "$@" </dev/null >"$dir/$log" 2>&1 &
+    remember "$name" $!
+}
+
+start_pulseaudio() {
     cat >"$dir/daemon.conf" <<TEXT
 daemonize = no
 use-pid-file = no
@@ -92,58 +126,72 @@ default-sample-channels = 1
 TEXT
     cat >"$dir/default.pa" <<TEXT
 .fail
-load-module module-native-protocol-unix auth-anonymous=1 socket=$dir/native
+load-module module-native-protocol-unix auth-anonymous=1 socket=$socket
 load-module module-pipe-source source_name=microphone file=$dir/microphone.fifo format=s16le rate=$rate channels=1
 load-module module-pipe-sink sink_name=loudspeaker file=$dir/loudspeaker.fifo format=s16le rate=$rate channels=1 use_system_clock_for_timing=yes
 set-default-source microphone
 set-default-sink loudspeaker
 TEXT
-    cat >"$dir/asound.conf" <<TEXT
-pcm.!default { type pulse server "unix:$dir/native" }
-ctl.!default { type pulse server "unix:$dir/native" }
-TEXT
-    echo "00-00: virtual : virtual : playback 1 : capture 1" >"$dir/pcm"
-    cat >"$dir/env" <<TEXT
-export ALSA_CONFIG_PATH='$dir/asound.conf'
-export PULSE_SERVER='unix:$dir/native'
-export PULSE_CLIENTCONFIG=/dev/null
-export PULSE_RUNTIME_PATH='$dir/runtime'
-export PULSE_LATENCY_MSEC=$latency
-export PHONOMARK_PCM_LIST='$dir/pcm'
-TEXT
-}
-
-default_devices_stand() {
-    local info
-    info=$(env -i PATH="$PATH" HOME="$dir/home" PULSE_RUNTIME_PATH="$dir/runtime" PULSE_CLIENTCONFIG=/dev/null \
-        PULSE_SERVER="unix:$dir/native" LC_ALL=C pactl info)
-    [[ $info == *"Default Sink: loudspeaker"* && $info == *"Default Source: microphone"* ]]
-}
-
-start_server() {
-    env -i PATH="$PATH" HOME="$dir/home" XDG_RUNTIME_DIR="$dir/runtime" PULSE_RUNTIME_PATH="$dir/runtime" \
-        PULSE_STATE_PATH="$dir/home" PULSE_CONFIG="$dir/daemon.conf" \
+    launch server server.log PULSE_CONFIG="$dir/daemon.conf" PULSE_STATE_PATH="$dir/home" \
         DBUS_SESSION_BUS_ADDRESS="unix:path=$dir/none" DBUS_SYSTEM_BUS_ADDRESS="unix:path=$dir/none" \
-        pulseaudio -n -F "$dir/default.pa" --log-target=stderr </dev/null >"$dir/server.log" 2>&1 &
-    remember server $!
-    wait_for "the sound server" default_devices_stand
+        pulseaudio -n -F "$dir/default.pa" --log-target=stderr
+}
+
+# PipeWire with its PulseAudio door: its own door to ALSA cannot be installed beside PulseAudio. The session manager
+# links streams to devices and needs a session bus.
+start_pipewire() {
+    mkdir -p "$dir/config/pipewire/pipewire.conf.d" "$dir/config/wireplumber/main.lua.d"
+    cat >"$dir/config/pipewire/pipewire.conf.d/sound.conf" <<TEXT
+context.properties = {
+    default.clock.rate = $rate
+    default.clock.allowed-rates = [ $rate ]
+    default.clock.quantum = 256
+    default.clock.min-quantum = 256
+    default.clock.max-quantum = 256
+}
+context.modules = [
+$(for end in source:microphone sink:loudspeaker; do
+    echo "    { name = libpipewire-module-pipe-tunnel"
+    echo "      args = { tunnel.mode = ${end%:*}  pipe.filename = \"$dir/${end#*:}.fifo\""
+    echo "               audio.format = S16LE  audio.rate = $rate  audio.channels = 1  audio.position = [ MONO ]"
+    echo "               stream.props = { node.name = ${end#*:} } } }"
+done)
+]
+TEXT
+    printf '%s_monitor.enabled = false\n' alsa v4l2 libcamera >"$dir/config/wireplumber/main.lua.d/51-virtual.lua"
+    local bus=unix:path=$dir/bus
+    alone+=("XDG_CONFIG_HOME=$dir/config" "XDG_STATE_HOME=$dir/home" "PIPEWIRE_RUNTIME_DIR=$dir/runtime"
+        "DBUS_SESSION_BUS_ADDRESS=$bus" "DBUS_SYSTEM_BUS_ADDRESS=$bus")
+    launch bus bus.log dbus-daemon --session --nofork --nopidfile "--address=$bus"
+    wait_for "the session bus" test -S "$dir/bus"
+    launch server server.log pipewire
+    wait_for "the sound server" test -S "$dir/runtime/pipewire-0"
+    launch manager manager.log wireplumber
+    launch door door.log pipewire-pulse
 }
 
 start() {
     local speech=$1
     [[ -x $soundcheck ]] || die "$soundcheck is missing: build the target soundcheck, or set SOUNDCHECK"
     [[ -r $speech ]] || die "$speech cannot be read"
-    ((${#dir} < 90)) || die "$dir is too long a name for a socket to be in it"
+    ((${#dir} < 80)) || die "$dir is too long a name for a socket to be in it"
     [[ $dir != *[\'\"\ ]* ]] || die "$dir has a quote or a space in its name"
     end_all
     mkdir -p "$dir/home" "$dir/runtime"
     chmod 700 "$dir/runtime"
     : >"$dir/pids"
+    alone+=("HOME=$dir/home" "XDG_RUNTIME_DIR=$dir/runtime" "PULSE_RUNTIME_PATH=$dir/runtime/pulse")
+    local pace=()
+    case $kind in
+    pulseaudio) socket=$dir/native && start_pulseaudio ;;
+    pipewire) socket=$dir/runtime/pulse/native && pace=(--pulled) && start_pipewire ;;
+    *) die "there is no sound server of the kind $kind" ;;
+    esac
+    wait_for "the sound server" default_devices_stand
     write_configuration
-    start_server
     cat "$dir/loudspeaker.fifo" </dev/null >"$dir/heard.raw" 2>"$dir/loudspeaker.log" &
     remember loudspeaker $!
-    "$soundcheck" microphone "$dir/microphone.fifo" "$speech" </dev/null >"$dir/microphone.log" 2>&1 &
+    "$soundcheck" microphone "$dir/microphone.fifo" "$speech" "${pace[@]}" </dev/null >"$dir/microphone.log" 2>&1 &
     remember microphone $!
     wait_for "the microphone" grep -q ready "$dir/microphone.log"
 }

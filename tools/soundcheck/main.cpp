@@ -20,7 +20,8 @@ constexpr const char* kUsage =
     "usage: soundcheck correlate SPOKEN.wav HEARD.wav        how like they are, as JSON\n"
     "       soundcheck extract-note RAW OUT.wav PERIOD [RATE] stored note to wav; PERIOD in frames, RATE 40000\n"
     "       soundcheck wrap IN.raw OUT.wav [RATE]             bare 16-bit samples to wav\n"
-    "       soundcheck microphone FIFO SPEECH.wav             silence in real time; speech on SIGUSR1\n";
+    "       soundcheck microphone FIFO SPEECH.wav [--pulled]  silence; speech on SIGUSR1; --pulled: at the reader's "
+    "pace\n";
 
 std::uint32_t number(const std::string& text) {
     std::uint32_t value = 0;
@@ -39,8 +40,8 @@ int run(const std::vector<std::string>& args) {
         writeWav(args[2], {count == 5 ? number(args[4]) : 40000, samplesOfNote(readBytes(args[1]), number(args[3]))});
     } else if (command == "wrap" && (count == 3 || count == 4)) {
         writeWav(args[2], readSound(args[1], count == 4 ? number(args[3]) : 40000));
-    } else if (command == "microphone" && count == 3) {
-        speakInto(args[1], readSound(args[2]));
+    } else if (command == "microphone" && (count == 3 || (count == 4 && args[3] == "--pulled"))) {
+        speakInto(args[1], readSound(args[2]), count == 3 ? Pace::Writer : Pace::Reader);
     } else {
         std::fputs(kUsage, stderr);
         return 1;

@@ -19,6 +19,8 @@ constexpr long kTickNs = 5'000'000;
 constexpr long kSecondNs = 1'000'000'000;
 /// The pipe holds no more than this (51 ms at 40000 samples a second): what lies in it is heard late.
 constexpr int kPipeBytes = 4096;
+/// For a reader that takes pieces: the kernel frees room a page of 4096 bytes at a time, so some have to be in reserve.
+constexpr int kReservePipeBytes = 4 * kPipeBytes;
 /// A reader that was away longer than this is not made to catch up: the clock begins anew.
 constexpr long kForgivenNs = 50'000'000;
 /// A voice that nobody has listened to for this long falls silent.
@@ -92,14 +94,14 @@ void sleepUntil(std::int64_t ns) {
 
 } // namespace
 
-void speakInto(const std::string& fifo, const Sound& speech) {
+void speakInto(const std::string& fifo, const Sound& speech, Pace pace) {
     listenToSignals();
     const int file = open(fifo.c_str(), O_WRONLY | O_CLOEXEC);
     if (file < 0)
         throw std::runtime_error(fifo + ": " + std::strerror(errno));
     std::puts("ready"); // from here on SIGUSR1 is heard
     std::fflush(stdout);
-    fcntl(file, F_SETPIPE_SZ, kPipeBytes);
+    fcntl(file, F_SETPIPE_SZ, pace == Pace::Writer ? kPipeBytes : kReservePipeBytes);
     Voice voice(speech.samples);
     std::vector<std::int16_t> piece(static_cast<std::size_t>(speech.rate) * kTickNs / kSecondNs);
     std::int64_t due = monotonicNs();
@@ -107,10 +109,12 @@ void speakInto(const std::string& fifo, const Sound& speech) {
         const std::int64_t late = monotonicNs() - due;
         if (late > kPatienceNs)
             voice.fallSilent();
-        if (late > kForgivenNs)
+        if (late > kForgivenNs || pace == Pace::Reader)
             due += late;
-        due += kTickNs;
-        sleepUntil(due);
+        if (pace == Pace::Writer) {
+            due += kTickNs;
+            sleepUntil(due);
+        }
         if (g_speak != 0) {
             g_speak = 0;
             voice.begin();

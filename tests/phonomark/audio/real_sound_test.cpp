@@ -108,5 +108,5 @@ TEST_P(RealSoundTest, AStopRightAfterTheStartLeavesNothing) {
     phonomark::workerCensus().wait(); // much sooner than the thirty seconds of the buffer
 }
 
-INSTANTIATE_TEST_SUITE_P(Servers, RealSoundTest, testing::Values("pulseaudio"),
+INSTANTIATE_TEST_SUITE_P(Servers, RealSoundTest, testing::Values("pulseaudio", "pipewire"),
                          [](const auto& parameter) { return parameter.param; });

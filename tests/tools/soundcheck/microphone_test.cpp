@@ -8,12 +8,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using soundcheck::Pace;
 using soundcheck::Sound;
 
 namespace {
 
 /// A microphone in a process of its own and the listening end of its pipe.
-class MicrophoneTest : public testing::Test {
+class MicrophoneTest : public testing::TestWithParam<Pace> {
 protected:
     MicrophoneTest() {
         char name[] = "/tmp/soundcheck-XXXXXX";
@@ -22,12 +23,12 @@ protected:
         EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
         int ready[2];
         EXPECT_EQ(pipe(ready), 0);
-        for (int i = 1; i <= 4000; ++i) // 0.1 s
+        for (int i = 1; i <= 20'000; ++i) // 0.5 s
             speech.samples.push_back(static_cast<std::int16_t>(i));
         child = fork();
         if (child == 0) {
             dup2(ready[1], STDOUT_FILENO);
-            soundcheck::speakInto(fifo, speech);
+            soundcheck::speakInto(fifo, speech, GetParam());
             _exit(0);
         }
         ear = open(fifo.c_str(), O_RDONLY);
@@ -60,22 +61,22 @@ protected:
 
 } // namespace
 
-TEST_F(MicrophoneTest, SilenceUntilAskedThenTheSpeechFromItsFirstSampleThenSilence) {
+TEST_P(MicrophoneTest, SilenceUntilAskedThenTheSpeechFromItsFirstSampleThenSilence) {
     for (int i = 0; i < 1000; ++i)
         ASSERT_EQ(next(), 0);
     for (int round = 0; round < 2; ++round) {
         kill(child, SIGUSR1);
         int silent = 0;
         while (next() == 0)
-            ASSERT_LT(++silent, 4096) << "it begins within what the pipe holds and two pieces";
-        for (int i = 2; i <= 4000; ++i)
+            ASSERT_LT(++silent, 10'000) << "it begins within what the pipe holds and two pieces";
+        for (int i = 2; i <= 20'000; ++i)
             ASSERT_EQ(next(), i);
         for (int i = 0; i < 1000; ++i)
             ASSERT_EQ(next(), 0);
     }
 }
 
-TEST_F(MicrophoneTest, SpeechThatIsAskedForAgainBeginsAnew) {
+TEST_P(MicrophoneTest, SpeechThatIsAskedForAgainBeginsAnew) {
     kill(child, SIGUSR1);
     while (next() != 1000) {
     }
@@ -85,3 +86,6 @@ TEST_F(MicrophoneTest, SpeechThatIsAskedForAgainBeginsAnew) {
     }
     EXPECT_EQ(sample, 1);
 }
+
+INSTANTIATE_TEST_SUITE_P(Paces, MicrophoneTest, testing::Values(Pace::Writer, Pace::Reader),
+                         [](const auto& parameter) { return parameter.param == Pace::Writer ? "Writer" : "Reader"; });
