@@ -93,10 +93,13 @@ void Hand::moveTo(const QPoint& global) {
     m_position = global;
     if (!m_pressed) // a pressed button keeps the mouse with its window
         cross(under());
-    if (m_window)
-        qt_handleMouseEvent(m_window, m_window->mapFromGlobal(global), global,
-                            m_pressed ? Qt::LeftButton : Qt::NoButton, Qt::NoButton, QEvent::MouseMove, Qt::NoModifier,
-                            ++m_time);
+    if (!m_window)
+        return;
+    // Handed to the window itself: the platform, whose cursor is there already, would drop a move to the same place.
+    QMouseEvent move(QEvent::MouseMove, m_window->mapFromGlobal(global), m_window->mapFromGlobal(global), global,
+                     Qt::NoButton, m_pressed ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+    move.setTimestamp(++m_time);
+    QCoreApplication::sendEvent(m_window, &move);
 }
 
 void Hand::press() {
