@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "merix/db/tables.h"
+
+#include "merix/db/layout.h"
+#include "tests/merix/db/drawing.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace merix::db;
+
+template <class T> std::unique_ptr<T> refiled(const T& record) {
+    const std::string image = dwgImage(record, MxDbFilerType::kFile);
+    auto copy = std::make_unique<T>();
+    EXPECT_EQ(readDwgImage(*copy, image, MxDbFilerType::kFile), Mx::eOk);
+    EXPECT_EQ(dwgImage(*copy, MxDbFilerType::kFile), image);
+    return copy;
+}
+
+TEST(Tables, ALayerFilesItsStateAndAppearance) {
+    Drawing drawing;
+    LayerRecord layer;
+    layer.name = L"Wände";
+    layer.flags = 4 | 1;
+    layer.color = 3;
+    layer.off = true;
+    layer.lineWeight = 50;
+    layer.linetype = drawing.imp.linetypeNamed(L"Continuous");
+    const auto copy = refiled(layer);
+    EXPECT_EQ(copy->name, layer.name);
+    EXPECT_TRUE(copy->isLocked());
+    EXPECT_TRUE(copy->isFrozen());
+    EXPECT_TRUE(copy->off);
+    EXPECT_EQ(copy->linetype, layer.linetype);
+}
+
+TEST(Tables, ALinetypeFilesItsDashes) {
+    Drawing drawing;
+    LinetypeRecord linetype;
+    linetype.dashes = {0.5, -0.25, 0, -0.25};
+    EXPECT_EQ(refiled(linetype)->dashes, linetype.dashes);
+}
+
+TEST(Tables, TextStylesTablesAndLayoutsFileThemselves) {
+    Drawing drawing;
+    TextStyleRecord style;
+    style.font = L"romans.shx";
+    EXPECT_EQ(refiled(style)->font, style.font);
+    SymbolTable table;
+    table.dxfType = "LAYER";
+    table.records = {drawing.imp.layerNamed(L"0")};
+    EXPECT_EQ(refiled(table)->records, table.records);
+    Layout layout;
+    layout.name = L"Blatt 1";
+    layout.block = drawing.imp.roots.paperSpace;
+    EXPECT_EQ(refiled(layout)->block, layout.block);
+}
+
+TEST(Tables, ABlockFilesItsEntitiesInTheirOrder) {
+    Drawing drawing;
+    const MxDbObjectId a = drawing.addLine(), b = drawing.addLine();
+    const auto& space = drawing.at<MxDbBlockTableRecord>(drawing.imp.roots.modelSpace);
+    const auto copy = refiled(space);
+    EXPECT_EQ(copy->entityIds(), (std::vector<MxDbObjectId>{a, b}));
+    EXPECT_EQ(copy->name(), L"*Model_Space");
+}
+
+} // namespace
