@@ -240,7 +240,6 @@ Result DocManager::saveTo(Document& document, const QString& path) {
     if (!result)
         return failure(result, path);
     printNotes(result);
-    imp.clearChanged();
     document.m->path = path;
     document.m->wasChanged = false;
     Q_EMIT document.titleChanged();

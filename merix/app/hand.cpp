@@ -56,13 +56,17 @@ QWindow* Hand::under() const {
 }
 
 /// Where nothing is shown the platform keeps a cursor of its own, which widgets ask for. Placing it makes move events
-/// by a guess of what lies on top; those are held back, the hand's own follow.
+/// by a guess of what lies on top; those are held back, the hand's own follow. As a move to where the cursor is already
+/// is dropped on its way, the last event held back is of a place beside it.
 void Hand::placeCursor(const QPoint& global) {
     if (QGuiApplication::platformName() != QLatin1String("offscreen"))
         return;
     m_placing = true;
     QCursor::setPos(global);
     QCoreApplication::processEvents();
+    if (QWindow* window = under())
+        qt_handleMouseEvent(window, {}, global + QPoint(1, 0), m_pressed ? Qt::LeftButton : Qt::NoButton, Qt::NoButton,
+                            QEvent::MouseMove, Qt::NoModifier, ++m_time);
     m_placing = false;
 }
 
@@ -89,8 +93,8 @@ void Hand::cross(QWindow* target) {
 }
 
 void Hand::moveTo(const QPoint& global) {
-    placeCursor(global);
     m_position = global;
+    placeCursor(global);
     if (!m_pressed) // a pressed button keeps the mouse with its window
         cross(under());
     if (!m_window)

@@ -122,7 +122,15 @@ bool hasScreen() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+/// Where nobody sits before a window, standard error is for what went wrong: no remarks of the toolkit on platforms.
+void onlyErrors(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "merix: %s\n", qPrintable(message));
+}
+
 int runQt(const Options& options, char* programName) {
+    if (options.headless || !options.script.isEmpty() || options.mode != Options::Mode::kWindow)
+        qInstallMessageHandler(onlyErrors);
     if (options.headless || options.mode != Options::Mode::kWindow)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     else if (!hasScreen())

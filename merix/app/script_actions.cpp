@@ -37,7 +37,7 @@ QString Script::hover(const QString& argument) {
     const QPointF place = view->toWidget({x, y, 0.0});
     if (!QRectF(view->rect()).contains(place))
         return QStringLiteral("the point %1 %2 is not in the view").arg(numbers[0], numbers[1]);
-    m_hand.moveTo(view->mapToGlobal(QPoint(int(std::floor(place.x())), int(std::floor(place.y())))));
+    m_hand.moveTo(view->mapToGlobal(place.toPoint()));
     return {};
 }
 
