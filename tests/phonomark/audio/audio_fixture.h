@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <latch>
 #include <sstream>
@@ -14,6 +15,9 @@
 #include <thread>
 #include <unistd.h>
 #include <vector>
+
+/// What the host does before it ends the process; nothing unless a test says so.
+extern std::function<void()> g_atShutdown;
 
 /// A machine with one sound device, played by the scripted libasound.
 class AudioTest : public testing::Test {

@@ -389,6 +389,22 @@ TEST_F(RecorderDeathTest, AnyOtherReadErrorEndsTheProcess) {
         testing::ExitedWithCode(1), "error from read: status -19\nthe host ends the process");
 }
 
+TEST_F(RecorderDeathTest, AWorkerThatEndsTheProcessIsNotWaitedForMeanwhile) {
+    EXPECT_EXIT(
+        {
+            static std::atomic<bool> waited = false;
+            g_atShutdown = [] { waited.wait(false); }; // saving the drawings may need the thread that waits
+            VkAudioRecorder recorder(&testClock);
+            alsa.read = [](std::int16_t*, unsigned long) { return -19L; };
+            record(recorder);
+            workerCensus().wait();
+            waited = true;
+            waited.notify_all();
+            std::this_thread::sleep_for(std::chrono::seconds(20));
+        },
+        testing::ExitedWithCode(1), "the host ends the process");
+}
+
 TEST_F(RecorderTest, AStepThatFailsIsNamedAndNothingStaysOpen) {
     expectRefusal("snd_pcm_open", -EBUSY, "snd_pcm_open: Device or resource busy\n");
     expectRefusal("snd_pcm_hw_params_malloc", -ENOMEM, "snd_pcm_hw_params_malloc: Cannot allocate memory\n");
