@@ -9,7 +9,7 @@ namespace merix::gi {
 
 namespace {
 
-constexpr double kChordTolerance = 0.2;  ///< pixels
+constexpr double kChordTolerance = 0.05; ///< pixels
 constexpr double kBorder = 8.0;          ///< pixels around the view that are drawn too, for pens and caps
 constexpr double kShortestPattern = 4.0; ///< a line type repeating within fewer pixels is drawn continuous
 constexpr double kShortestText = 2.5;    ///< capitals lower than this, in pixels, become a bar

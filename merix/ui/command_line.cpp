@@ -3,9 +3,9 @@
 
 #include "merix/ed/command_stack.h"
 #include "merix/ed/prompter.h"
+#include "merix/ui/look.h"
 
 #include <QApplication>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -47,7 +47,7 @@ CommandLine::CommandLine(QWidget* parent)
     , m_history(new QPlainTextEdit)
     , m_prompt(new QLabel)
     , m_entry(new QLineEdit) {
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QFont fixed = fixedFont();
     m_history->setReadOnly(true);
     m_history->setUndoRedoEnabled(false);
     m_history->setMaximumBlockCount(20000);
@@ -101,6 +101,7 @@ QSize CommandLine::sizeHint() const {
 void CommandLine::showPrompt() {
     const auto& console = ed::Console::instance();
     m_prompt->setText(console.prompt().isEmpty() ? tr("Command:") : promptHtml(console.prompt(), console.keywords()));
+    m_prompt->parentWidget()->layout()->activate(); // the entry makes room at once
     m_history->verticalScrollBar()->setValue(m_history->verticalScrollBar()->maximum());
 }
 

@@ -2,13 +2,59 @@
 #include "merix/ui/look.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QPainter>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 namespace merix::ui {
 
+namespace {
+
+/// Fusion with what it draws for light windows only drawn in the palette's colours.
+class Style final : public QProxyStyle {
+public:
+    Style()
+        : QProxyStyle(QStringLiteral("Fusion")) {}
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        if (element != PE_IndicatorTabClose)
+            return QProxyStyle::drawPrimitive(element, option, painter, widget);
+        const bool hot = option->state & State_MouseOver;
+        const QPointF c = QRectF(option->rect).center();
+        constexpr double kArm = 3.5;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(option->palette.color(hot ? QPalette::WindowText : QPalette::PlaceholderText), 1.4));
+        painter->drawLine(c - QPointF(kArm, kArm), c + QPointF(kArm, kArm));
+        painter->drawLine(c - QPointF(kArm, -kArm), c + QPointF(kArm, -kArm));
+        painter->restore();
+    }
+};
+
+/// Where there is no desktop to say it.
+constexpr int kFontPoints = 9;
+
+} // namespace
+
+QFont fixedFont() {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (!QFontInfo(font).fixedPitch()) {
+        font = QFont(QStringLiteral("DejaVu Sans Mono"), QApplication::font().pointSize());
+        font.setStyleHint(QFont::Monospace);
+    }
+    return font;
+}
+
 void applyDarkLook(QApplication& application) {
-    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    application.setStyle(new Style);
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        QFont font = application.font();
+        font.setPointSize(kFontPoints);
+        application.setFont(font);
+    }
     const QColor window(45, 52, 60), base(38, 44, 51), text(222, 227, 232), dim(127, 137, 147), accent(66, 134, 206);
     QPalette palette(text, window.lighter(112), window.lighter(150), window.darker(150), window.darker(120), text,
                      base);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 
 class QApplication;
 
@@ -12,6 +13,9 @@ inline const QColor kCanvas(33, 40, 48);
 inline const QColor kCanvasText(150, 163, 176);
 inline const QColor kCrossHair(214, 222, 230);
 inline const QColor kRubberBand(240, 170, 80);
+
+/// For text in columns: the command line and coordinates.
+QFont fixedFont();
 
 /// The dark look. Widgets take their colours from the palette alone, so without this call they follow the system.
 void applyDarkLook(QApplication& application);

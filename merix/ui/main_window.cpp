@@ -3,12 +3,12 @@
 
 #include "merix/ed/command_stack.h"
 #include "merix/ed/prompter.h"
+#include "merix/ui/look.h"
 
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -148,7 +148,7 @@ void MainWindow::buildMenus() {
 
 void MainWindow::buildStatusBar() {
     m_coordinates = new QLabel;
-    m_coordinates->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_coordinates->setFont(fixedFont());
     m_coordinates->setAccessibleName(tr("Cursor coordinates"));
     m_coordinates->setMinimumWidth(m_coordinates->fontMetrics().horizontalAdvance(QString(30, QLatin1Char('0'))));
     m_drawingName = new QLabel;
@@ -163,7 +163,6 @@ void MainWindow::connectDocuments() {
     connect(&manager, &ap::DocManager::documentOpened, this, &MainWindow::addDocument);
     connect(&manager, &ap::DocManager::documentClosing, this, &MainWindow::removeDocument);
     connect(&manager, &ap::DocManager::documentActivated, this, &MainWindow::activated);
-    connect(&manager, &ap::DocManager::quitRequested, this, [this] { whenIdle([this] { close(); }); });
 }
 
 // ---------------------------------------------------------------- documents

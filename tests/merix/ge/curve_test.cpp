@@ -49,7 +49,7 @@ TEST(Curve, WhatIsOutsideTheWindowStaysCoarse) {
     const auto points = flat(circle(1e9), 1e-3, &window);
     EXPECT_LT(points.size(), 400U);
     for (const MxGePoint2d& p : points) {
-        if (std::abs(p.y) < 1) {
+        if (std::abs(p.y) < 1 && p.x > 0) {
             EXPECT_NEAR(p.x, 1e9, 1e-3);
         }
     }
