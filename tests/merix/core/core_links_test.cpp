@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -14,9 +16,12 @@ namespace {
 TEST(CoreLinks, TheLowerFloorsMakeAndFileADrawingWithoutQtGuiOrWidgets) {
     MxDbDatabase database;
     database.imp().createDefaults();
-    const std::string path = testing::TempDir() + "core_links_test.dxf";
+    std::string folder = testing::TempDir() + "core_links_XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    const std::string path = folder + "/new.dxf";
     const auto result = merix::io::writeDrawing(path, database);
     EXPECT_TRUE(result) << result.error;
+    std::filesystem::remove_all(folder);
     std::ifstream maps("/proc/self/maps");
     bool core = false;
     for (std::string line; std::getline(maps, line);) {
