@@ -94,10 +94,14 @@ void ListPainter::setPen(const Pen& pen) {
 void ListPainter::flush() {
     if (m_lines.isEmpty())
         return;
-    m_painter.setPen(
-        QPen(QColor::fromRgb(m_pen.rgb), m_pen.width, Qt::SolidLine, m_pen.width > 1.5 ? Qt::RoundCap : Qt::SquareCap));
+    m_painter.setPen(pen());
     m_painter.drawLines(m_lines);
     m_lines.clear();
+}
+
+QPen ListPainter::pen() const {
+    return QPen(QColor::fromRgb(m_pen.rgb), m_pen.width, Qt::SolidLine,
+                m_pen.width > 1.5 ? Qt::RoundCap : Qt::SquareCap, Qt::RoundJoin);
 }
 
 void ListPainter::draw(const DisplayList& list) {
@@ -113,7 +117,10 @@ void ListPainter::draw(const DisplayList& list) {
             setPen(penOf(style));
             m_chords.clear();
             ge::flatten(list.curves[primitive.first], kChordTolerance * m_view.unitsPerPixel, &m_window, m_chords);
-            strokeChain(m_chords.data(), m_chords.size(), style);
+            if (style.dashes)
+                dashChain(m_chords.data(), m_chords.size(), style);
+            else
+                smoothChain(m_chords.data(), m_chords.size());
             break;
         case Primitive::Kind::kFill:
             fill(points, primitive.count, penOf(style).rgb);
@@ -163,6 +170,33 @@ void ListPainter::dashChain(const MxGePoint2d* points, std::size_t count, const 
         }
         travelled += length;
     }
+}
+
+/// Chords of a curve as runs of joined lines: ends of single short lines would show as bumps.
+void ListPainter::smoothChain(const MxGePoint2d* points, std::size_t count) {
+    flush();
+    m_painter.setPen(pen());
+    QPolygonF run;
+    const auto end = [&] {
+        if (run.size() > 1)
+            m_painter.drawPolyline(run);
+        run.clear();
+    };
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        double from = 0.0, to = 1.0;
+        if (!clip(points[i], points[i + 1], m_window, from, to)) {
+            end();
+            continue;
+        }
+        if (from > 0.0)
+            end();
+        if (run.isEmpty())
+            run.append(toPixel(between(points[i], points[i + 1], from)));
+        run.append(toPixel(between(points[i], points[i + 1], to)));
+        if (to < 1.0)
+            end();
+    }
+    end();
 }
 
 void ListPainter::line(const MxGePoint2d& worldFrom, const MxGePoint2d& worldTo) {

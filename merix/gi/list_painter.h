@@ -33,6 +33,8 @@ private:
     void flush();
     void strokeChain(const MxGePoint2d* points, std::size_t count, const Style& style);
     void dashChain(const MxGePoint2d* points, std::size_t count, const Style& style);
+    void smoothChain(const MxGePoint2d* points, std::size_t count);
+    QPen pen() const;
     void line(const MxGePoint2d& worldFrom, const MxGePoint2d& worldTo);
     void fill(const MxGePoint2d* points, std::size_t count, QRgb rgb);
     void text(const PlacedText& text, QRgb rgb);
