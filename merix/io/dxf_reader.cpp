@@ -37,6 +37,8 @@ private:
     void makeRest(bool ofModules);
     void fillBlocks();
     void make(const DxfRecord& record, RecordPlace place, MxDbObjectId owner);
+    /// True, with a note, when another object has the handle of the record.
+    bool isTaken(const DxfRecord& record);
     MxDbObjectId ownerOf(const DxfRecord& record, RecordPlace place);
     void note(const DxfRecord& record, const std::string& what) {
         m_result.notes.push_back(m_name + ": line " + std::to_string(record.line) + ": " + what);
@@ -97,6 +99,15 @@ RecordPlace Reader::placeOf(const DxfRecord& record) const {
     }
 }
 
+bool Reader::isTaken(const DxfRecord& record) {
+    const db::ObjectStub* known = record.handle != 0 ? m_imp.find(MxDbHandle(record.handle)) : nullptr;
+    if (!known || !known->object)
+        return false;
+    note(record, "the handle " + fromHandle(record.handle) + " of this " + std::string(record.name) +
+                     " is taken; nothing refers to the record");
+    return true;
+}
+
 void Reader::make(const DxfRecord& record, RecordPlace place, MxDbObjectId owner) {
     DxfObject made;
     if (record.damaged)
@@ -107,12 +118,7 @@ void Reader::make(const DxfRecord& record, RecordPlace place, MxDbObjectId owner
         note(record, std::string(record.name) + " is kept as it came: " + made.refusal);
     readObjectLinks(m_database, record.text, made.object->data());
     made.object->data().source = {m_parts.buffers.front(), record.text};
-    MxDbHandle handle(record.handle);
-    if (const db::ObjectStub* known = handle.isNull() ? nullptr : m_imp.find(handle); known && known->object) {
-        note(record, "the handle " + fromHandle(record.handle) + " of this " + std::string(record.name) +
-                         " is taken; nothing refers to the record");
-        handle = MxDbHandle();
-    }
+    const MxDbHandle handle(isTaken(record) ? 0 : record.handle);
     db::ObjectStub* stub = m_imp.adopt(made.object.release(), handle, owner);
     m_stubs[static_cast<std::size_t>(&record - m_split.records.data())] = stub;
 }
@@ -204,7 +210,7 @@ void Reader::fillBlocks() {
             continue;
         const MxDbObjectId owner =
             m_stubs[i] ? m_stubs[i]->object->data().owner : ownerOf(record, RecordPlace::kEntity);
-        if (!m_stubs[i] && (record.handle == 0 || m_imp.find(MxDbHandle(record.handle))->object))
+        if (!m_stubs[i] && (record.handle == 0 || isTaken(record)))
             record.handle = m_imp.allocateHandle().value();
         const MxDbObjectId id(m_stubs[i] ? m_stubs[i] : m_imp.reserve(MxDbHandle(record.handle)));
         if (MxDbBlockTableRecord* block = m_imp.block(owner))

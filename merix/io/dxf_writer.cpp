@@ -9,6 +9,7 @@
 #include "merix/io/file_access.h"
 #include "merix/io/object_placement.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -84,12 +85,13 @@ std::optional<ClassRecord> classRecord(const MxDbObject& object) {
                        0};
 }
 
-/// Every class of a module that has objects in the drawing is named in the CLASSES section.
+/// Every class of a module that writes a record is named in the CLASSES section.
 void Writer::addClasses() {
     std::map<std::string, ClassRecord> missing;
     for (const Part& part : m_parts->parts) {
         for (const ObjectStub* stub : part.run) {
-            if (stub->erased || !stub->object || !isModuleClass(stub->object->isA()))
+            // Only for records that are written anew: a file that lacks the name has reason to, until it is changed.
+            if (!m_texts.contains(stub) || !isModuleClass(stub->object->isA()))
                 continue;
             const std::string name = dxfNameOf(*stub->object);
             if (m_parts->classNames.contains(name))
@@ -128,14 +130,16 @@ void Writer::addClasses() {
 
 /// $HANDSEED is above every handle in the file.
 void Writer::raiseHandSeed() {
-    if (m_texts.empty() || m_imp.nextHandle() <= m_parts->handSeed)
-        return;
+    const bool needed = std::any_of(m_texts.begin(), m_texts.end(), [this](const auto& entry) {
+        return entry.first->handle.value() >= m_parts->handSeed;
+    });
     for (Part& part : m_parts->parts) {
-        if (part.role != Role::kHandSeed)
+        DxfTag tag;
+        if (!needed || part.role != Role::kHandSeed || DxfScanner(part.text).next(tag) != DxfScanner::Result::kTag)
             continue;
-        std::string text;
-        appendTag(text, 5, fromHandle(m_imp.nextHandle()), m_parts->lineEnd);
-        part.text = m_parts->keep(std::move(text));
+        const auto front = static_cast<std::size_t>(tag.value.data() - tag.text.data());
+        part.text = m_parts->keep(std::string(tag.text.substr(0, front)) + fromHandle(m_imp.nextHandle()) +
+                                  std::string(tag.text.substr(front + tag.value.size())));
         m_parts->handSeed = m_imp.nextHandle();
         m_parts->changedSinceOrigin = true;
     }

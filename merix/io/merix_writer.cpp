@@ -283,16 +283,13 @@ void Writer::listLayers() {
     if (unlisted.empty())
         return;
     m_imp.listImplicitLayers();
-    if (DrawingParts* parts = drawingParts(m_imp)) {
-        parts->implied.insert(unlisted.begin(), unlisted.end());
-        parts->origin.reset();
-    }
+    m_parts->implied.insert(unlisted.begin(), unlisted.end());
+    m_parts->origin.reset();
 }
 
 void Writer::run() {
-    listLayers();
     m_parts = placedParts(m_imp);
-    // A layer that only its name stands for is no change of the drawing's text.
+    listLayers();
     std::int64_t lastId = 0;
     for (const Part& part : m_parts->parts)
         lastId = std::max(lastId, part.id);
