@@ -22,12 +22,12 @@ bool IsSeriesOfDragcmds(const wchar_t*) {
     return true;
 }
 
-DocumentLock::DocumentLock(MxApDocument* document, const wchar_t* globalName, unsigned localNameId) {
+DocumentLock::DocumentLock(MxApDocument* document, const wchar_t* globalName, unsigned localNameId, bool prompt) {
     MxApDocManager* manager = mxDocManagerPtr();
     if (!manager || !document)
         return;
     const std::wstring localName = LocalStr(localNameId, globalName);
-    if (manager->lockDocument(document, MxApLockMode::kWrite, globalName, localName.c_str()) == Mx::eOk)
+    if (manager->lockDocument(document, MxApLockMode::kWrite, globalName, localName.c_str(), prompt) == Mx::eOk)
         m_document = document;
 }
 

@@ -18,8 +18,9 @@ bool IsSeriesOfDragcmds(const wchar_t* command);
 /// Holds a document locked for write, so that what is changed meanwhile is one undoable unit.
 class DocumentLock {
 public:
-    /// The unit's local name is resource text `localNameId`, `globalName` when there is no such text.
-    DocumentLock(MxApDocument* document, const wchar_t* globalName, unsigned localNameId);
+    /// The unit's local name is resource text `localNameId`, `globalName` when there is no such text. With `prompt` the
+    /// user is told when another command holds the document.
+    DocumentLock(MxApDocument* document, const wchar_t* globalName, unsigned localNameId, bool prompt = true);
     ~DocumentLock();
     DocumentLock(const DocumentLock&) = delete;
     DocumentLock& operator=(const DocumentLock&) = delete;

@@ -182,7 +182,7 @@ Mx::ErrorStatus MxDbPhonomark::subGetGeomExtents(MxDbExtents& extents) const {
 }
 
 void MxDbPhonomark::ShowRegion(bool show) {
-    const DocumentLock lock(currentDocument(), L"PhonomarkShowRegion", kShowRegionText);
+    const DocumentLock lock(currentDocument(), L"PhonomarkShowRegion", kShowRegionText, false);
     MxDbPhonomark* note = nullptr;
     if (!lock.isHeld() || mxdbOpenObject(note, objectId(), Mx::kForWrite) != Mx::eOk)
         return;

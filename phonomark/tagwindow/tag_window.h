@@ -49,6 +49,12 @@ public:
     void OnLButtonUp();
     void OnMouseLeave();
 
+    /// The clock of recordings that begin from now on; null: the recorder's own.
+    void useClock(VkAudioRecorder::Clock clock) { m_clock = clock; }
+    /// The ids of the timers, -1 while they do not run.
+    int recordTimer() const { return m_recordTimer; }
+    int playTimer() const { return m_playTimer; }
+
     /// The recording in hand was stopped because its document lost the focus; the window stays.
     void markDeactivated() { m_deactivated = true; }
     /// The window is being torn down.
@@ -107,6 +113,7 @@ private:
     tWAVEFORMATEX m_waveFormat;
     int m_playTimer = -1;
     int m_recordTimer = -1;
+    VkAudioRecorder::Clock m_clock = nullptr;
     std::optional<VkAudioRecorder> m_recorder;
     std::optional<VkAudioPlayer> m_player;
 };

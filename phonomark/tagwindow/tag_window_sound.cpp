@@ -53,7 +53,10 @@ void CPhonomarkTagUIDlg::OnRecStart() {
         // A window that came up over a recorded note has no buffer, one that has played holds a copy of the sound.
         if (!m_buffer || m_buffer->capacity() < VkAudioRecorder::kBufferBytes)
             m_buffer = CaptureBuffer::make(VkAudioRecorder::kBufferBytes);
-        m_recorder.emplace();
+        if (m_clock)
+            m_recorder.emplace(m_clock);
+        else
+            m_recorder.emplace();
         if (!m_buffer || !m_recorder->record(m_buffer->bytes(), m_buffer->counter(), m_buffer)) {
             mxutPrintText(m_unavailableText.c_str());
             return;

@@ -9,6 +9,8 @@ int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     const QTemporaryDir settings;
     qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // the build asks for the list of tests
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

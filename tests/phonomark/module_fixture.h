@@ -3,6 +3,7 @@
 
 #include "host/db/database.h"
 #include "merix/ap/document_imp.h"
+#include "merix/db/database_imp.h"
 #include "merix/ed/active_view.h"
 #include "merix/ed/prompter.h"
 #include "phonomark/entity/phonomark.h"
@@ -24,6 +25,7 @@ protected:
     void TearDown() override;
 
     merix::ap::Document& document() { return *m_document; }
+    void useDocument(merix::ap::Document& other) { m_document = &other; }
     MxDbDatabase& database() { return *m_document->database(); }
 
     /// A note of the kind in the current space, listed in the registry.
@@ -52,6 +54,9 @@ public:
     explicit TransformView(double unitsPerPixel);
     ~TransformView() override;
     const merix::ge::ViewTransform& transform() const override { return m_transform; }
+    void setTransform(const merix::ge::ViewTransform& transform) override { m_transform = transform; }
+    MxDbExtents extents() override { return {}; }
+    void regenerate() override {}
     void update() override {}
     void drawEntity(MxDbObjectId id, bool draw) override { drawn.emplace_back(id, draw); }
 

@@ -9,7 +9,7 @@
 #include "merix/rx/module_loader.h"
 
 #include <QFile>
-#include <QTemporaryDir>
+#include <QSettings>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,7 +54,10 @@ private:
 
 class ModuleLoadTest : public ::testing::Test {
 protected:
-    void SetUp() override { m_document = DocManager::instance().create(); }
+    void SetUp() override {
+        QSettings(QStringLiteral("VORKAS/MERIX/2026"), QStringLiteral("MERIX")).clear();
+        m_document = DocManager::instance().create();
+    }
     void TearDown() override {
         ModuleLoader::instance().unloadAll();
         while (auto* open = dynamic_cast<merix::ap::Document*>(DocManager::instance().curDocument()))
@@ -77,7 +80,7 @@ protected:
         auto& console = merix::ed::Console::instance();
         console.markRead();
         merix::ed::HostFunctions::instance().callLine(QString::fromLatin1(line));
-        return console.unread().trimmed().toStdString();
+        return console.unread().trimmed().section(QLatin1Char('\n'), -1).toStdString();
     }
     static void run(const char* line, std::deque<QString> answers = {}) {
         const Answers source(std::move(answers));

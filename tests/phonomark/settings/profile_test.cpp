@@ -3,7 +3,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -11,10 +10,10 @@ namespace {
 
 class ProfileTest : public ::testing::Test {
 protected:
-    void SetUp() override { qputenv("XDG_CONFIG_HOME", m_home.path().toLocal8Bit()); }
-    void TearDown() override { qputenv("XDG_CONFIG_HOME", m_before); }
+    void SetUp() override { clear(); }
+    void TearDown() override { clear(); }
 
-    QString storeFile() const { return m_home.path() + QStringLiteral("/VORKAS/MERIX/2026/MERIX.conf"); }
+    QString storeFile() const { return m_home + QStringLiteral("/VORKAS/MERIX/2026/MERIX.conf"); }
 
     QString stored() const {
         QFile file(storeFile());
@@ -29,8 +28,10 @@ protected:
     }
 
 private:
-    QTemporaryDir m_home;
-    QByteArray m_before = qgetenv("XDG_CONFIG_HOME");
+    void clear() const { QDir(m_home + QStringLiteral("/VORKAS")).removeRecursively(); }
+
+    // Of this test program alone; Qt looks the variable up once.
+    const QString m_home = QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME"));
 };
 
 } // namespace

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+#include "phonomark/registry/phonomark_manager.h"
+
+#include "merix/ap/document_imp.h"
+#include "merix/db/entities.h"
+#include "merix/db/tables.h"
+#include "phonomark/app/entry_point.h"
+#include "phonomark/registry/ob_reactor.h"
+#include "phonomark/registry/object_watch.h"
+#include "tests/phonomark/module_fixture.h"
+
+#include <algorithm>
+
+using merix::ap::DocManager;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+namespace {
+
+class RegistryTest : public ModuleTest {
+protected:
+    PhonomarkManager& registry() { return *livePhManager(); }
+    bool isWatched(MxDbObjectId id) { return HasPhonomarkObReactor(&note(id)); }
+    std::uint32_t graphicsVersion(MxDbObjectId id) { return note(id).data().graphicsVersion; }
+};
+
+} // namespace
+
+TEST_F(RegistryTest, AnInsertedNoteIsListedAndWatched) {
+    const MxDbObjectId first = addNote(), second = addNote();
+    EXPECT_THAT(listed(), ElementsAre(first, second));
+    EXPECT_TRUE(isWatched(first));
+}
+
+TEST_F(RegistryTest, AnIdAppendedTwiceIsListedTwiceAndRemovedOnce) {
+    const MxDbObjectId id = addNote();
+    registry().AppendPhonomark(id, &document());
+    EXPECT_THAT(listed(), ElementsAre(id, id));
+    const auto reactors = note(id).reactors();
+    EXPECT_EQ(std::count_if(reactors.begin(), reactors.end(), [](const auto& r) { return r.transient != nullptr; }), 1);
+    registry().RemovePhonomark(id, &document());
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, RemovalKeepsTheOrderOfTheOthers) {
+    const MxDbObjectId a = addNote(), b = addNote(), c = addNote();
+    registry().RemovePhonomark(a, &document());
+    EXPECT_THAT(listed(), ElementsAre(b, c));
+    EXPECT_FALSE(isWatched(a));
+}
+
+TEST_F(RegistryTest, AskingForNothingGivesNothingAndKeepsWhatTheCallerHas) {
+    std::vector<MxDbObjectId> out{addLine()};
+    registry().GetAllObjects(out, nullptr);
+    registry().GetAllObjects(out, &document());
+    EXPECT_EQ(out.size(), 1u);
+    registry().RemovePhonomark(out[0], &document());
+    registry().UpdateAll(&document());
+    registry().ShowAllObjects(true, &document());
+    const MxDbObjectId id = addNote();
+    EXPECT_THAT(listed(), ElementsAre(id)) << "the empty entry is no hindrance";
+}
+
+TEST_F(RegistryTest, AnIdThatCannotBeOpenedStaysListed) {
+    MxDbObjectId id;
+    ASSERT_EQ(database().getMxDbObjectId(id, true, MxDbHandle(0xABCDEF), 0), Mx::eOk);
+    registry().AppendPhonomark(id, &document());
+    EXPECT_THAT(listed(), ElementsAre(id));
+    registry().UpdateAll(&document());
+    registry().ShowAllObjects(true, &document());
+    registry().RemovePhonomark(&document());
+    EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(RegistryTest, DocumentsHaveTheirOwnLists) {
+    const MxDbObjectId id = addNote();
+    merix::ap::Document* second = DocManager::instance().create();
+    std::vector<MxDbObjectId> out;
+    registry().GetAllObjects(out, second);
+    EXPECT_THAT(out, IsEmpty());
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, AnErasedNoteLeavesTheListAndComesBackAtItsEnd) {
+    const MxDbObjectId a = addNote(), b = addNote();
+    EXPECT_TRUE(registry().ErasePhonomark(a, nullptr));
+    EXPECT_THAT(listed(), ElementsAre(b));
+    EXPECT_TRUE(note(a).isErased());
+    EXPECT_TRUE(note(a).isErasing());
+    ASSERT_TRUE(DocManager::instance().undo(document()));
+    EXPECT_FALSE(note(a).isErased());
+    EXPECT_THAT(listed(), ElementsAre(b, a));
+    ASSERT_TRUE(DocManager::instance().redo(document()));
+    EXPECT_THAT(listed(), ElementsAre(b));
+}
+
+TEST_F(RegistryTest, ErasingTheLastNoteCanBeUndone) {
+    const MxDbObjectId id = addNote();
+    registry().ErasePhonomark(id, &document());
+    EXPECT_THAT(listed(), IsEmpty());
+    ASSERT_TRUE(DocManager::instance().undo(document()));
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, ErasingIsOneUndoableUnitNamedForTheUser) {
+    const MxDbObjectId id = addNote();
+    const auto& units = database().imp().undo.undoUnits();
+    const std::size_t before = units.size();
+    registry().ErasePhonomark(id, &document());
+    ASSERT_EQ(units.size(), before + 1);
+    EXPECT_EQ(units.back().name, L"Delete note");
+}
+
+TEST_F(RegistryTest, ANoteOnALockedLayerIsNotErasedAndTheUserIsTold) {
+    const MxDbObjectId id = addNote();
+    auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
+    ASSERT_TRUE(layer);
+    layer->flags |= 4;
+    EXPECT_TRUE(registry().ErasePhonomark(id, nullptr));
+    EXPECT_FALSE(note(id).isErased());
+    EXPECT_THAT(printed(), HasSubstr("The note is on a locked layer and was not deleted."));
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewToo) {
+    const MxDbObjectId id = addNote();
+    auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
+    ASSERT_TRUE(layer);
+    layer->flags |= 4;
+    const auto before = graphicsVersion(id);
+    registry().UpdateAll(&document());
+    EXPECT_GT(graphicsVersion(id), before);
+}
+
+TEST_F(RegistryTest, OnlyNotesOfTheCurrentSpaceAreDrawnAnew) {
+    const MxDbObjectId inModel = addNote();
+    const QStringList layouts = document().layouts();
+    ASSERT_GE(layouts.size(), 2);
+    ASSERT_TRUE(document().setCurrentLayout(layouts[1]));
+    const MxDbObjectId onPaper = addNote();
+    const auto modelBefore = graphicsVersion(inModel), paperBefore = graphicsVersion(onPaper);
+    registry().UpdateAll(&document());
+    EXPECT_EQ(graphicsVersion(inModel), modelBefore);
+    EXPECT_GT(graphicsVersion(onPaper), paperBefore);
+}
+
+TEST_F(RegistryTest, DrawingAnewLeavesNothingToUndo) {
+    addNote();
+    const std::size_t before = database().imp().undo.undoUnits().size();
+    registry().UpdateAll(&document());
+    EXPECT_EQ(database().imp().undo.undoUnits().size(), before);
+}
+
+TEST_F(RegistryTest, AllNotesAreDrawnOrUndrawnOnTheScreen) {
+    TransformView view(1.0);
+    const MxDbObjectId a = addNote(), b = addNote();
+    view.drawn.clear();
+    registry().ShowAllObjects(false, &document());
+    registry().ShowAllObjects(true, &document());
+    using Drawn = std::pair<MxDbObjectId, bool>;
+    EXPECT_THAT(view.drawn, ElementsAre(Drawn(a, false), Drawn(b, false), Drawn(a, true), Drawn(b, true)));
+}
+
+TEST_F(RegistryTest, TheRegistryCanBeMadeAgainAfterItsEnd) {
+    const MxDbObjectId id = addNote();
+    PhonomarkManager* before = mxPhManagerPtr();
+    createMxPhManager();
+    EXPECT_EQ(mxPhManagerPtr(), before) << "there is one already";
+    deleteMxPhManager();
+    EXPECT_EQ(mxPhManagerPtr(), before);
+    EXPECT_EQ(livePhManager(), nullptr);
+    deleteMxPhManager();
+    EXPECT_FALSE(isWatched(id));
+    createMxPhManager();
+    EXPECT_TRUE(livePhManager());
+    EXPECT_THAT(listed(), ElementsAre(id)) << "the list was written into the drawing";
+}
+
+TEST_F(RegistryTest, EventsDoNotReachARegistryThatIsGone) {
+    const MxDbObjectId id = addNote();
+    deleteMxPhManager();
+    merix::ap::Document* second = DocManager::instance().create();
+    DocManager::instance().activate(&document());
+    DocManager::instance().close(*second);
+    PhonomarkObReactor().erased(&note(id), true);
+    createMxPhManager();
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, NoReactorStaysBehindOnAnErasedNote) {
+    const MxDbObjectId id = addNote();
+    registry().ErasePhonomark(id, nullptr);
+    EXPECT_TRUE(isWatched(id)) << "undo would list it again";
+    deleteMxPhManager();
+    EXPECT_FALSE(isWatched(id));
+    createMxPhManager();
+}
