@@ -180,6 +180,7 @@ void DocManager::activate(Document* document) {
         m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeActivated(document); });
     makeCurrent(document);
     Q_EMIT documentActivated(document);
+    const ed::Editor::Regeneration scope;
     if (document)
         m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentActivated(document); });
 }
@@ -232,16 +233,17 @@ Result DocManager::saveTo(Document& document, const QString& path) {
     db::DatabaseImp& imp = document.database()->imp();
     {
         const db::WorkingDatabaseScope scope(document.database());
-        imp.undo.begin(L"SAVE"); // whatever the reactors write is one unit, or none
+        imp.undo.begin(L"SAVE");
         ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
-        imp.undo.end();
+        imp.undo.endIntoLast(); // what reactors write is no step of the user's
     }
     const io::FileResult result = io::writeDrawing(path.toStdString(), *document.database());
     if (!result)
         return failure(result, path);
     printNotes(result);
     document.m->path = path;
-    document.m->wasChanged = false;
+    document.m->changed = document.m->wasChanged = false;
+    document.m->undoUnits = imp.undo.undoUnits().size();
     Q_EMIT document.titleChanged();
     return {};
 }
@@ -299,8 +301,8 @@ Mx::ErrorStatus DocManager::unlockDocument(MxApDocument* document) {
 QStringList DocManager::writeRecoveryFiles() {
     QStringList written;
     for (const auto& document : m->documents) {
-        if (!document->isChanged())
-            continue;
+        if (!document->database()->imp().isChanged())
+            continue; // not even marked for drawing anew: a module may hold changes that it told nobody of
         const QString path = recoveryPath(document->path(), document->title());
         if (!path.isEmpty() && io::writeDrawing(path.toStdString(), *document->database()))
             written << path;

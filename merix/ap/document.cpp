@@ -20,6 +20,8 @@ void Document::Private::objectErased(MxDbObject&, bool) {
     tell();
 }
 void Document::Private::tell() {
+    if (!ed::Editor::instance().isRegenerating())
+        changed = true;
     owner.noteChange();
     Q_EMIT owner.graphicsChanged();
 }
@@ -54,10 +56,15 @@ QString Document::title() const {
 }
 
 bool Document::isChanged() const {
-    return m->database->imp().isChanged();
+    return m->changed;
 }
 
 void Document::noteChange() {
+    // What is only drawn anew leaves nothing to undo.
+    const std::size_t units = m->database->imp().undo.undoUnits().size();
+    if (units != m->undoUnits)
+        m->changed = true;
+    m->undoUnits = units;
     if (isChanged() == m->wasChanged)
         return;
     m->wasChanged = !m->wasChanged;

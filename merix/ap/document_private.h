@@ -21,7 +21,9 @@ struct Document::Private : db::DatabaseListener {
     ed::InputPoints points;
     QString layout = QStringLiteral("Model");
     ge::ViewTransform view;
-    bool wasChanged = false;
+    bool changed = false;      ///< something was changed that a save would keep
+    std::size_t undoUnits = 0; ///< when `changed` was last settled
+    bool wasChanged = false;   ///< what titleChanged told last
 
     QString lockName;  ///< global name of the command whose locks are held
     int lockDepth = 0; ///< 0: not locked

@@ -71,8 +71,10 @@ QStringList Desktop::describe() const {
     QStringList lines;
     for (const QWidget* window : windows()) {
         const QRect place = window->geometry();
+        const QString title = window->windowTitle().replace(
+            QStringLiteral("[*]"), window->isWindowModified() ? QStringLiteral("*") : QString());
         lines << QStringLiteral("%1 \"%2\" %3x%4%5%6")
-                     .arg(QLatin1String(window->metaObject()->className()), window->windowTitle())
+                     .arg(QLatin1String(window->metaObject()->className()), title)
                      .arg(place.width())
                      .arg(place.height())
                      .arg(place.x() < 0 ? QString::number(place.x()) : QStringLiteral("+%1").arg(place.x()),

@@ -4,6 +4,7 @@
 #include "merix/ap/document_imp.h"
 #include "merix/app/modules.h"
 #include "merix/app/options.h"
+#include "merix/app/picture_file.h"
 #include "merix/app/script.h"
 #include "merix/ui/look.h"
 #include "merix/ui/main_window.h"
@@ -58,9 +59,7 @@ QString render(const Options& options) {
     const QImage picture = ui::renderToImage(*document->database(), {}, options.size);
     if (picture.isNull())
         return QStringLiteral("%1: the picture is too large").arg(options.output);
-    return picture.save(options.output, "PNG")
-               ? QString()
-               : QStringLiteral("%1: the picture cannot be written").arg(options.output);
+    return writePicture(picture, options.output);
 }
 
 /// The work that needs no person: drawings, then the script. Empty, or why it failed.

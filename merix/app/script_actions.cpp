@@ -3,6 +3,7 @@
 #include "merix/app/script.h"
 
 #include "merix/ap/document_imp.h"
+#include "merix/app/picture_file.h"
 #include "merix/ui/main_window.h"
 
 #include <QElapsedTimer>
@@ -91,7 +92,7 @@ QString Script::shot(const QString& argument) {
     const QImage picture = m_desktop.picture();
     if (picture.isNull())
         return QStringLiteral("there is no window");
-    return picture.save(argument, "PNG") ? QString() : QStringLiteral("cannot write %1").arg(argument);
+    return writePicture(picture, argument);
 }
 
 QString Script::open(const QString& argument) {

@@ -5,6 +5,8 @@
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace merix::db {
@@ -57,6 +59,14 @@ void UndoRecorder::end() {
         return;
     m_undo.push_back(std::exchange(m_open, {}));
     m_redo.clear();
+}
+
+void UndoRecorder::endIntoLast() {
+    if (m_depth == 0 || --m_depth > 0)
+        return;
+    UndoUnit unit = std::exchange(m_open, {});
+    if (!m_undo.empty())
+        std::move(unit.steps.begin(), unit.steps.end(), std::back_inserter(m_undo.back().steps));
 }
 
 void UndoRecorder::abandon() {

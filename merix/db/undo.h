@@ -31,6 +31,9 @@ public:
     /// Units nest; only the outermost is recorded. Its name is the one of the outermost.
     void begin(std::wstring name);
     void end();
+    /// Ends a unit that the user did not ask for (what is written along with a save): its steps become part of the unit
+    /// before, and are undone with it; without one they are not undone at all. What can be redone stays.
+    void endIntoLast();
     /// Drops what the open unit did and takes it back (a command that failed).
     void abandon();
     bool isOpen() const { return m_depth > 0; }

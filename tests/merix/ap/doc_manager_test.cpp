@@ -324,6 +324,50 @@ TEST_F(DocManagerTest, ACommandThatThrowsLeavesTheDrawingAsItWas) {
     EXPECT_FALSE(manager().undo(*g_document));
 }
 
+TEST_F(DocManagerTest, WhatIsWrittenAlongWithASaveIsNoStepToUndo) {
+    Document* document = manager().create();
+    const MxDbObjectId line = addLine(*document);
+    MxDbObjectId along;
+    Log log;
+    log.onSave = [&](MxDbDatabase*) { along = addLine(*document); };
+    ASSERT_TRUE(manager().saveAs(*document, path("a.dxf")).ok);
+    ASSERT_NE(db::DatabaseImp::peek(along), nullptr);
+    EXPECT_TRUE(manager().undo(*document));
+    EXPECT_EQ(db::DatabaseImp::peek(line), nullptr);
+    EXPECT_TRUE(document->isChanged());
+    ASSERT_TRUE(manager().save(*document).ok);
+    EXPECT_TRUE(manager().redo(*document)) << "a save takes no redo away";
+    EXPECT_NE(db::DatabaseImp::peek(line), nullptr);
+}
+
+TEST_F(DocManagerTest, DrawingAnewIsNoChangeButAChangeOnTheWayIs) {
+    const QString file = drawing("plan.dxf");
+    struct Redrawer : MxApDocManagerReactor {
+        bool change = false;
+        Redrawer() { manager().addReactor(this); }
+        ~Redrawer() override { manager().removeReactor(this); }
+        void documentActivated(MxApDocument* document) override {
+            MxDbEntity* entity = nullptr;
+            const MxDbDatabase& database = *document->database();
+            const MxDbObjectId id = database.imp().block(database.currentSpaceId())->entityIds().front();
+            if (mxdbOpenObject(entity, id, Mx::kForWrite) != Mx::eOk)
+                return;
+            if (change)
+                entity->assertWriteEnabled();
+            entity->recordGraphicsModified(true);
+            entity->close();
+        }
+    } redrawer;
+    Document* document = nullptr;
+    ASSERT_TRUE(manager().open(file, &document).ok);
+    EXPECT_FALSE(document->isChanged());
+    EXPECT_TRUE(document->database()->imp().isChanged()) << "the object was written to all the same";
+    manager().close(*document);
+    redrawer.change = true;
+    ASSERT_TRUE(manager().open(file, &document).ok);
+    EXPECT_TRUE(document->isChanged());
+}
+
 TEST_F(DocManagerTest, WithoutADrawingOnlySessionCommandsRun) {
     bool ran = false;
     registerCommand(L"NEEDSDRAWING", [&] { ran = true; });
