@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ap/recovery.h"
+
+#include "host/rx/shutdown.h"
+#include "merix/ap/document_imp.h"
+#include "merix/db/database_imp.h"
+#include "merix/db/entities.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace merix;
+
+namespace {
+
+/// Opens a drawing, changes it and ends the process from the main thread or another one.
+void endWithUnsavedWork(const QString& file, bool fromAnotherThread) {
+    int count = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(count, arguments);
+    auto& manager = ap::DocManager::instance();
+    ap::Document* document = manager.create();
+    manager.saveAs(*document, file);
+    MxDbBlockTableRecord* space = nullptr;
+    mxdbOpenObject(space, document->database()->currentSpaceId(), Mx::kForWrite);
+    MxDbObjectId id;
+    auto* line = new db::Line;
+    space->appendMxDbEntity(id, line);
+    line->close();
+    space->close();
+    if (!fromAnotherThread)
+        mxrxShutdown(1);
+    std::thread([] { mxrxShutdown(1); }).detach();
+    QCoreApplication::exec();
+}
+
+class RecoveryTest : public testing::Test {
+protected:
+    RecoveryTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(RecoveryTest, EndingTheProcessKeepsUnsavedWork) {
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), false), testing::ExitedWithCode(1),
+                "unsaved changes were kept in .*a.dxf.recovered.merix");
+}
+
+TEST_F(RecoveryTest, AWorkerThatEndsTheProcessWaitsForTheMainThreadToKeepUnsavedWork) {
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), true), testing::ExitedWithCode(1),
+                "unsaved changes were kept in .*a.dxf.recovered.merix");
+}
+
+TEST_F(RecoveryTest, TheFirstFreeNameBesideTheDrawingIsTaken) {
+    const QString file = m_folder.filePath(QStringLiteral("a.dxf"));
+    EXPECT_EQ(ap::recoveryPath(file, {}), file + QStringLiteral(".recovered.merix"));
+    QFile taken(file + QStringLiteral(".recovered.merix"));
+    ASSERT_TRUE(taken.open(QIODevice::WriteOnly));
+    EXPECT_EQ(ap::recoveryPath(file, {}), file + QStringLiteral(".recovered-2.merix"));
+}
+
+TEST_F(RecoveryTest, ADrawingNeverSavedGoesToTheDataFolder) {
+    qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path()));
+    const QString path = ap::recoveryPath({}, QStringLiteral("Drawing7"));
+    EXPECT_TRUE(path.startsWith(m_folder.path())) << path.toStdString();
+    EXPECT_TRUE(path.endsWith(QStringLiteral("/recovery/Drawing7.recovered.merix"))) << path.toStdString();
+}
