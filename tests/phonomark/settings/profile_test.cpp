@@ -88,8 +88,10 @@ TEST_F(ProfileTest, AStoreThatCannotBeReadGivesTheDefaults) {
     EXPECT_EQ(GetProfileStringW(RegSection(), L"Spokesman", L""), L"");
 }
 
-TEST_F(ProfileTest, AWriteThatFailsIsLostSilently) {
+TEST_F(ProfileTest, AWriteThatFailsIsReportedByNobody) {
     QDir().mkpath(storeFile());
+    testing::internal::CaptureStderr();
     WriteProfileInt(RegSection(), L"VoiceShow", 0);
-    EXPECT_EQ(GetProfileIntW(RegSection(), L"VoiceShow", 1), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(QFileInfo(storeFile()).isDir());
 }
