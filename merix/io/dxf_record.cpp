@@ -267,7 +267,6 @@ DxfImage dxfImage(const MxDbObject& object) {
     DxfImage image;
     image.name = dxfNameOf(object);
     image.entity = data.isEntity;
-    image.ofModule = isModuleClass(object.isA()) || !db::keptClassName(object).empty();
     image.handle = data.stub ? data.stub->handle.value() : 0;
     image.owner = data.owner.isNull() ? 0 : data.owner.handle().value();
     image.extensionDictionary =
@@ -342,8 +341,8 @@ std::string newRecord(const DxfImage& image, const DrawingParts& parts) {
     appendTag(text, 0, image.name, lineEnd);
     if (image.name == "TABLE")
         appendTag(text, 2, image.subject, lineEnd);
-    // Old versions know neither subclasses nor owners; classes of modules read nothing without them.
-    const bool plain = parts.isOldVersion() && !image.ofModule;
+    // Old versions know neither subclasses nor owners; kinds that are younger cannot be read without them.
+    const bool plain = parts.isOldVersion() && (image.name == "TABLE" || oldKind(image.name));
     if (!plain || image.entity)
         appendTag(text, 5, fromHandle(image.handle), lineEnd);
     text += linkGroups(image, true, true, lineEnd);

@@ -47,7 +47,7 @@ struct DxfImage {
     std::vector<std::uint64_t> reactors;
     std::vector<DxfOutTag> body;
     std::string subject; ///< of a symbol table: its name, which stands in front of all
-    bool entity = false, ofModule = false;
+    bool entity = false;
 };
 /// All but the body.
 DxfImage dxfImage(const MxDbObject& object);

@@ -166,6 +166,36 @@ TEST_F(DxfWriter, ANewDrawingIsWholeAndComesBack) {
     EXPECT_EQ(readBytes(directory / "second.dxf"), text);
 }
 
+TEST_F(DxfWriter, AnOldDrawingGetsSubclassesOnlyWhereTheyAreNeeded) {
+    ASSERT_TRUE(load(tags("0|SECTION|2|ENTITIES|0|LINE|8|A|10|1|20|2|11|3|21|4|0|ENDSEC|0|EOF")));
+    appendLine({0, 0, 0}, {1, 1, 0});
+    auto* polyline = new db::LwPolyline;
+    polyline->vertices.resize(2);
+    const std::uint64_t handle = append(polyline);
+    MxDbDictionary* root = nullptr;
+    ASSERT_EQ(database.getNamedObjectsDictionary(root, Mx::kForWrite), Mx::eOk);
+    MxDbObjectId id;
+    auto* record = new MxDbXrecord;
+    ASSERT_EQ(root->setAt(L"LIST", record, id), Mx::eOk);
+    resbuf* chain = mxutBuildList(102, L"2A");
+    record->setFromRbChain(*chain);
+    mxutRelRb(chain);
+    record->close();
+    root->close();
+    const std::string text = saved();
+    EXPECT_THAT(text, ::testing::ContainsRegex("\n  0\nLINE\n  5\n[0-9A-F]+\n  8\n0\n 10\n"));
+    MxDbDatabase again;
+    const FileResult result = readDrawing(directory / "out.dxf", again);
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_TRUE(result.notes.empty()) << result.notes.front();
+    const auto find = [&](std::uint64_t h) {
+        return db::DatabaseImp::peek(MxDbObjectId(again.imp().find(MxDbHandle(h))));
+    };
+    ASSERT_TRUE(find(handle)->isKindOf(db::LwPolyline::desc()));
+    EXPECT_EQ(static_cast<db::LwPolyline*>(find(handle))->vertices.size(), 2U);
+    ASSERT_TRUE(find(id.handle().value())->isKindOf(MxDbXrecord::desc()));
+}
+
 TEST_F(DxfWriter, AFileThatCannotBeWrittenChangesNothing) {
     ASSERT_TRUE(load(drawing("")));
     appendLine({0, 0, 0}, {1, 1, 0});
