@@ -105,12 +105,16 @@ std::shared_ptr<const std::string> readFile(const std::string& path, std::string
 }
 
 std::string finalPath(const std::string& path) {
-    char* resolved = ::realpath(path.c_str(), nullptr);
-    if (!resolved)
-        return path;
-    std::string result(resolved);
-    std::free(resolved);
-    return result;
+    const auto resolve = [](const std::string& name) {
+        char* resolved = ::realpath(name.c_str(), nullptr);
+        std::string result(resolved ? resolved : "");
+        std::free(resolved);
+        return result;
+    };
+    if (std::string whole = resolve(path); !whole.empty())
+        return whole;
+    const std::string folder = resolve(folderOf(path));
+    return folder.empty() ? path : folder + "/" + path.substr(path.rfind('/') + 1);
 }
 
 ReplacementFile::~ReplacementFile() {

@@ -14,7 +14,8 @@ std::shared_ptr<const std::string> readFile(const std::string& path, std::string
 /// True for a regular file that is not empty and can be read.
 bool checkReadable(const std::string& path, std::string& error);
 
-/// The file that `path` leads to when it is a symbolic link, else `path`.
+/// The absolute name of the file that `path` leads to, whether or not there is one yet; `path` itself when its folder
+/// is none.
 std::string finalPath(const std::string& path);
 
 /// A file that takes the place of `path` when it is complete.

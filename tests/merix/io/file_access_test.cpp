@@ -62,6 +62,17 @@ TEST(ReplacementFile, KeepsThePermissionsAndFollowsALink) {
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
 }
 
+TEST(FinalPath, IsTheSameBeforeAndAfterTheFileIsMade) {
+    Directory directory;
+    std::filesystem::create_directory(directory / "folder");
+    std::filesystem::create_directory_symlink(directory / "folder", directory / "way");
+    const std::string before = finalPath(directory / "way/a.merix");
+    writeBytes(before, "x");
+    EXPECT_EQ(finalPath(directory / "way/a.merix"), before);
+    EXPECT_EQ(finalPath(directory / "folder/a.merix"), before);
+    EXPECT_EQ(finalPath(directory / "none/a.merix"), directory / "none/a.merix");
+}
+
 TEST(ReplacementFile, SaysWhyItCannotBeMade) {
     Directory directory;
     ReplacementFile file;

@@ -112,11 +112,13 @@ TEST_F(MerixFile, ASaveOverItselfTouchesOnlyTheRowsThatChanged) {
     ASSERT_TRUE(load(drawing(kEntities)));
     saveAs("a.merix");
     const auto before = rows("a.merix");
+    std::filesystem::create_hard_link(directory / "a.merix", directory / "link.merix");
     modify<db::Circle>(0x33, [](db::Circle& circle) { circle.radius = 9.0; });
     const std::uint64_t added = appendLine({0, 0, 0}, {1, 1, 0});
     erase(0x31);
     saveAs("a.merix");
     auto after = rows("a.merix");
+    EXPECT_TRUE(std::filesystem::equivalent(directory / "a.merix", directory / "link.merix")) << "not a new file";
     EXPECT_TRUE(after.contains(static_cast<std::int64_t>(added)));
     EXPECT_FALSE(after.contains(0x31));
     std::vector<std::int64_t> changed;
