@@ -10,10 +10,10 @@ function(merix_floor name)
     endif()
 endfunction()
 
-# merix_test(<name> SOURCES <files> [LIBS <libs>] [ENV <VAR=value>...]): a GoogleTest program; every test in it is
+# merix_test(<name> SOURCES <files> [LIBS <libs>] [ENV <VAR=value>]): a GoogleTest program; every test in it is
 # its own ctest test. Windows go to the offscreen platform.
 function(merix_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;ENV" ${ARGN})
+    cmake_parse_arguments(ARG "" "ENV" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE merix_flags ${ARG_LIBS} GTest::gmock GTest::gtest)
     if(NOT ARG_LIBS MATCHES "merix_testmain")
@@ -22,8 +22,13 @@ function(merix_test name)
     target_compile_definitions(${name} PRIVATE MERIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
                                MERIX_BINARY_DIR="${CMAKE_BINARY_DIR}")
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
-                         PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${ARG_ENV}")
+    # Values of test properties cannot be lists here, so that the second variable goes the other way.
+    set(properties ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+    if(ARG_ENV)
+        string(REPLACE "=" "=set:" modification "${ARG_ENV}")
+        list(APPEND properties ENVIRONMENT_MODIFICATION ${modification})
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
 function(phonomark_test)
     merix_test(${ARGV})

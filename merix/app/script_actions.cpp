@@ -148,7 +148,8 @@ QString Script::redo(const QString&) {
 
 QString Script::expect(const QString& argument) {
     ed::Console& console = ed::Console::instance();
-    const bool holds = console.unread().contains(argument);
+    // A prompt that waits stands before the person's eyes, although the history gets it only with its answer.
+    const bool holds = console.unread().contains(argument) || console.prompt().contains(argument);
     console.markRead();
     return holds ? QString() : QStringLiteral("the command line does not show \"%1\"").arg(argument);
 }

@@ -37,8 +37,12 @@ void Console::print(const QString& text) {
 
 QString Console::unread() const {
     QStringList lines = m_history.mid(std::max(0, m_readLines - 1));
-    if (m_readLines > 0 && !lines.isEmpty())
+    if (lines.isEmpty())
+        return {};
+    if (m_readLines > 0)
         lines.first().remove(0, m_readLength);
+    else
+        lines.prepend(QString()); // the very first line begins with a line feed as every other does
     return lines.join(QLatin1Char('\n'));
 }
 
