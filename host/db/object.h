@@ -121,6 +121,12 @@ private:
 /// null. Statuses: eNullObjectId, eNotResident, eWasErased, eOpenForRead, eOpenForWrite, eOnLockedLayer.
 Mx::ErrorStatus mxdbOpenObject(MxDbObject*& object, MxDbObjectId id, Mx::OpenMode mode, bool openErased = false);
 
+/// For data changed through a pointer that was kept after the object was closed: marks the object for the next save and
+/// tells the drawing's listeners (its document, its views) that it changed. Works whatever the object is open for, and
+/// on a locked layer; takes no before-image, so undo does not bring the data back. Statuses: eNullObjectId,
+/// eNotResident, eWasErased.
+Mx::ErrorStatus mxdbMarkModified(MxDbObjectId id);
+
 /// The same for a class: eWrongClass when the object is of another one.
 template <class T>
 Mx::ErrorStatus mxdbOpenObject(T*& object, MxDbObjectId id, Mx::OpenMode mode, bool openErased = false) {

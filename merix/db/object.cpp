@@ -312,3 +312,18 @@ Mx::ErrorStatus mxdbOpenObject(MxDbObject*& object, MxDbObjectId id, Mx::OpenMod
     object = found;
     return Mx::eOk;
 }
+
+Mx::ErrorStatus mxdbMarkModified(MxDbObjectId id) {
+    const ObjectStub* stub = id.stub();
+    if (!stub)
+        return Mx::eNullObjectId;
+    if (!stub->object)
+        return Mx::eNotResident;
+    if (stub->erased)
+        return Mx::eWasErased;
+    stub->database->markChanged(*stub->object);
+    ++stub->object->data().graphicsVersion;
+    const ReadAccess readable(*stub->object);
+    stub->database->notifyModified(*stub->object);
+    return Mx::eOk;
+}

@@ -146,6 +146,34 @@ TEST(Object, AnyWriteOpenMarksTheObjectForSavingOnce) {
     EXPECT_TRUE(drawing.at<Line>(id).data().sourceStale);
 }
 
+TEST(Object, DataChangedThroughAKeptPointerIsMarkedWithoutOpening) {
+    class Listener final : public merix::db::DatabaseListener {
+    public:
+        void objectModified(MxDbObject& object) override { told.push_back(object.objectId()); }
+        std::vector<MxDbObjectId> told;
+    } listener;
+    Drawing drawing;
+    constexpr std::int16_t kLocked = 4;
+    const MxDbObjectId id = drawing.addLine();
+    merix::db::traits(drawing.at<MxDbEntity>(id)).layer = drawing.addLayer(L"LOCKED", 7, kLocked);
+    drawing.imp.clearChanged();
+    drawing.imp.undo.clear();
+    drawing.imp.addListener(&listener);
+    MxDbObject* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, id, Mx::kForRead), Mx::eOk);
+    EXPECT_EQ(mxdbMarkModified(id), Mx::eOk);
+    reader->close();
+    EXPECT_EQ(drawing.imp.changedSinceSave(), std::vector<MxDbObjectId>{id});
+    EXPECT_EQ(listener.told, std::vector<MxDbObjectId>{id});
+    EXPECT_FALSE(drawing.imp.undo.canUndo());
+
+    EXPECT_EQ(mxdbMarkModified({}), Mx::eNullObjectId);
+    const MxDbObjectId erased = drawing.addLine();
+    drawing.erase(erased);
+    EXPECT_EQ(mxdbMarkModified(erased), Mx::eWasErased);
+    drawing.imp.removeListener(&listener);
+}
+
 class Recorder final : public MxDbObjectReactor {
 public:
     void erased(const MxDbObject*, bool erasing) override {
