@@ -4,6 +4,7 @@
 #include "host/ed/commands.h"
 #include "host/win/resources.h"
 #include "phonomark/app/module_state.h"
+#include "phonomark/audio/worker_census.h"
 #include "phonomark/commands/command_group.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/entity/ps_reactor.h"
@@ -22,6 +23,8 @@ constexpr wchar_t kShowFunction[] = L"PhonomarkShow";
 constexpr int kShowFunctionCode = 1;
 constexpr wchar_t kCommandGroup[] = L"PhonomarkCM_";
 constexpr int kCommandFlags = 1;
+/// How long an unload waits for the sound device. Stopping takes a period of sound, some milliseconds.
+constexpr std::chrono::seconds kDevicePatience{5};
 
 MxEdCommandStack& commandStack() {
     MxRxObject* object = mxrxSysRegistry()->at(L"MERIX_REGISTERED_COMMANDS");
@@ -45,6 +48,8 @@ CPhonomarkApp::CPhonomarkApp() {
 
 int CPhonomarkApp::On_kInitAppMsg(void* appId) {
     const int result = MxRxMrxApp::On_kInitAppMsg(appId);
+    if (!_hdllInstance)
+        LoadPhonomarkRes(); // loaded again without having been unmapped
     registerClasses();
     g_editorrect = new PhonomarkEdReactor(true);
     registerCommands();
@@ -66,6 +71,7 @@ int CPhonomarkApp::On_kUnloadAppMsg(void* appId) {
     delete g_editorrect;
     g_editorrect = nullptr;
     unregisterClasses();
+    phonomark::workerCensus().stopAll(kDevicePatience);
     return result;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -12,17 +13,17 @@
 namespace phonomark {
 
 /// The audio workers that are alive. Nobody waits for a worker while the program runs; but the module is unmapped after
-/// its unload, and a worker whose code has gone would bring the host down. So the last thing the module does, in the
-/// destructor of the one census, is to tell every worker to stop and to wait until its thread has left.
+/// its unload, and a worker whose code has gone would bring the host down. So at its unload the module tells every
+/// worker to stop and waits until its thread has left. A device that never answers keeps its worker for ever: such a
+/// worker is left behind, and the module stays in memory.
 class WorkerCensus {
 public:
     using Flag = std::atomic<bool>;
 
-    WorkerCensus() = default;
+    WorkerCensus();
     WorkerCensus(const WorkerCensus&) = delete;
     WorkerCensus& operator=(const WorkerCensus&) = delete;
-    /// Clears the running flag of every worker and waits for all. A recorder ends within about a period of sound, a
-    /// player after the device has played what it holds.
+    /// Stops every worker and waits for all, however long it takes: what is not done before this cannot be left behind.
     ~WorkerCensus();
 
     /// Runs `body` on a thread of its own. `running` is the flag whose clearing ends it. It is set here, before the
@@ -31,7 +32,13 @@ public:
     /// throw. Any thread.
     bool start(const std::shared_ptr<Flag>& running, std::function<void()> body);
 
-    /// Waits until every worker has left by itself. Any thread that is no worker.
+    /// Clears the running flag of every worker and waits for all. A recorder ends within about a period of sound, a
+    /// player after the device has played what it holds. Workers that have not left after `patience` are left behind
+    /// until the end of the process; false then. The code of this library stays mapped for them. Any thread that is no
+    /// worker.
+    bool stopAll(std::chrono::milliseconds patience);
+
+    /// Waits until every worker has left by itself, but for those left behind. Any thread that is no worker.
     void wait();
 
     /// Called on a worker's own thread before it hands the process to the host for good: it will not come back into the
@@ -45,12 +52,19 @@ private:
         bool done = false;
     };
 
-    bool allDone() const;
-    void forgetFinished();
+    /// Every worker holds it: one that was left behind may come back after the census has gone.
+    struct State {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::list<Worker> workers;
+        std::list<Worker> leftBehind;
 
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::list<Worker> m_workers;
+        bool allDone() const;
+        void forgetFinished();
+        void clearFlags();
+    };
+
+    std::shared_ptr<State> m_state;
 };
 
 WorkerCensus& workerCensus();

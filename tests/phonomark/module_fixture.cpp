@@ -50,8 +50,6 @@ void ModuleTest::SetUp() {
     QSettings(QStringLiteral("VORKAS/MERIX/2026"), QStringLiteral("MERIX")).clear();
     m_document = DocManager::instance().create();
     mxrxEntryPoint(kNullMsg, this);
-    if (!_hdllInstance)
-        LoadPhonomarkRes();
     ASSERT_EQ(mxrxEntryPoint(kInitAppMsg, this), 0);
     printed();
 }

@@ -2,6 +2,7 @@
 // A module that holds the sound code and nothing else, to be unloaded while it sounds.
 #include "phonomark/audio/player.h"
 #include "phonomark/audio/recorder.h"
+#include "phonomark/audio/worker_census.h"
 
 #include <memory>
 #include <vector>
@@ -21,4 +22,9 @@ extern "C" __attribute__((visibility("default"))) bool startBoth() {
     const auto played = std::make_shared<Memory>();
     return VkAudioPlayer().play(played->buffer.data(), VkAudioRecorder::kBufferBytes, played) &&
            VkAudioRecorder().record(recorded->buffer.data(), &recorded->size, recorded);
+}
+
+/// Stops what startBoth() started; true when no worker is left.
+extern "C" __attribute__((visibility("default"))) bool stopBoth(int patienceMs) {
+    return phonomark::workerCensus().stopAll(std::chrono::milliseconds(patienceMs));
 }

@@ -82,3 +82,36 @@ TEST(WorkerCensusTest, WithoutAThreadTheFlagStaysAsItWas) {
         EXPECT_EQ(err.substr(0, 21), "no thread for sound: ");
     }
 }
+
+TEST(WorkerCensusTest, StoppingMeansThatEveryWorkerHasLeft) {
+    WorkerCensus census;
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    const auto running = std::make_shared<WorkerCensus::Flag>();
+    ASSERT_TRUE(census.start(running, [running, held] {
+        while (*running)
+            std::this_thread::yield();
+    }));
+    held.reset();
+    EXPECT_TRUE(census.stopAll(std::chrono::hours(1)));
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(WorkerCensusTest, AWorkerThatHangsIsLeftBehindAndMayOutliveTheCensus) {
+    std::latch letGo(1);
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> watched = held;
+    {
+        WorkerCensus census;
+        ASSERT_TRUE(census.start(std::make_shared<WorkerCensus::Flag>(), [&letGo, held] { letGo.wait(); }));
+        held.reset();
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(census.stopAll(std::chrono::milliseconds(1)));
+        EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+        EXPECT_TRUE(census.stopAll(std::chrono::hours(1))) << "it is not waited for again";
+        EXPECT_FALSE(watched.expired());
+    }
+    letGo.count_down();
+    while (!watched.expired())
+        std::this_thread::yield();
+}

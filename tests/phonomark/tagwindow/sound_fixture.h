@@ -25,8 +25,9 @@ protected:
         listDevices("00-00: virtual : virtual : playback 1 : capture 1\n");
     }
     void TearDown() override {
-        ModuleTest::TearDown();
+        removeTagWindow(); // what it records ends with the period under way
         release();
+        ModuleTest::TearDown();
         phonomark::workerCensus().wait();
     }
 
