@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "merix/app/picture_file.h"
 
-#include <QSaveFile>
+#include "merix/io/file_access.h"
+
+#include <QBuffer>
 
 namespace merix::app {
 
 QString writePicture(const QImage& picture, const QString& path) {
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && picture.save(&file, "PNG") && file.commit())
+    // Encoded first: the encoder would tell of a full disk in words of its own.
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG"))
+        return QStringLiteral("%1: the picture cannot be encoded").arg(path);
+    io::ReplacementFile file;
+    if (file.create(path.toStdString()) && file.write({bytes.constData(), std::size_t(bytes.size())}) && file.commit())
         return {};
-    return QStringLiteral("%1: %2").arg(path, file.errorString());
+    return QString::fromStdString(file.error());
 }
 
 } // namespace merix::app

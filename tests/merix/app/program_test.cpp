@@ -2,6 +2,7 @@
 // The real program as a process.
 #include "tests/support/process.h"
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 
@@ -111,6 +112,33 @@ TEST_F(ProgramTest, AFileThatCannotBeWrittenIsNamed) {
     expectComplaint(merix({QStringLiteral("--convert"), in, QStringLiteral("no/such/b.dxf")}), "no/such/b.dxf");
     expectComplaint(merix({QStringLiteral("--convert"), in, QStringLiteral("b.dwg")}), "b.dwg");
     expectComplaint(merix({QStringLiteral("--render"), in, QStringLiteral("no/such/b.png")}), "no/such/b.png");
+}
+
+TEST_F(ProgramTest, ADiskThatIsFullIsToldAndTheOldFilesStay) {
+    writeDrawing("in.dxf");
+    ASSERT_EQ(merix({QStringLiteral("--convert"), path("in.dxf"), path("large.merix")}).status, 0);
+    const QByteArray large = read("large.merix");
+    // No file may grow beyond one block here, which is where a full disk stops it.
+    const auto limited = [&](const QStringList& arguments) {
+        return ::merix::test::run(QStringLiteral("/bin/sh"),
+                                  QStringList{QStringLiteral("-c"),
+                                              QStringLiteral("trap '' XFSZ; ulimit -f 1; exec \"$0\" \"$@\""),
+                                              QStringLiteral(MERIX_BINARY_DIR "/bin/merix")} +
+                                      arguments,
+                                  m_folder.path());
+    };
+    write("out.dxf", "what stood here");
+    write("out.png", "what stood here");
+    expectComplaint(limited({QStringLiteral("--convert"), path("large.merix"), path("out.merix")}), "out.merix");
+    expectComplaint(limited({QStringLiteral("--render"), path("in.dxf"), path("out.png")}), "out.png");
+    expectComplaint(limited({QStringLiteral("--convert"), path("large.merix"), path("large.merix")}), "large.merix");
+    EXPECT_EQ(read("out.png"), "what stood here");
+    EXPECT_EQ(read("large.merix"), large);
+    EXPECT_EQ(read("out.merix"), "(cannot be read)");
+    QStringList left = QDir(m_folder.path()).entryList(QDir::Files);
+    left.sort();
+    EXPECT_EQ(left, (QStringList{QStringLiteral("in.dxf"), QStringLiteral("large.merix"), QStringLiteral("out.dxf"),
+                                 QStringLiteral("out.png")}));
 }
 
 TEST_F(ProgramTest, RendersTheWholeDrawingInTheSizeAskedFor) {
