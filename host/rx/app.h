@@ -32,10 +32,9 @@ using MxRxEntryPoint = int (*)(int message, void* appId);
 using MxRxGetApiVersion = unsigned (*)();
 
 /// Base of a module's application object. Handlers run on the main thread; 0 means success.
+/// Objects of it are statics of a final class; none is deleted through the base.
 class MxRxDbxApp {
 public:
-    virtual ~MxRxDbxApp() = default;
-
     virtual int On_kInitAppMsg(void* appId) {
         if (auto* linker = dynamicLinker()) {
             linker->setUnloadable(appId, m_unloadable);
@@ -61,6 +60,8 @@ public:
     virtual void RegisterServerComponents() = 0;
 
 protected:
+    ~MxRxDbxApp() = default; // not virtual: the first virtual function is the handler of message 1
+
     bool m_unloadable = false;
     bool m_servesSeveralDocuments = false;
 
@@ -73,4 +74,7 @@ private:
 };
 
 /// Base of an application object of a module with commands and windows.
-class MxRxMrxApp : public MxRxDbxApp {};
+class MxRxMrxApp : public MxRxDbxApp {
+protected:
+    ~MxRxMrxApp() = default;
+};

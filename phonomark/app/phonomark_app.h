@@ -4,7 +4,7 @@
 #include "host/rx/app.h"
 
 /// The module's application object: what is installed in the host at load and taken out at unload. Main thread only.
-class CPhonomarkApp : public MxRxMrxApp {
+class CPhonomarkApp final : public MxRxMrxApp {
 public:
     /// Asks the host to treat the module as unloadable and able to serve several documents, and loads the resources.
     CPhonomarkApp();

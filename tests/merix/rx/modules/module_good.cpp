@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/merix/rx/modules/recording_module.h"
 
-class Application : public MxRxMrxApp {
+class Application final : public MxRxMrxApp {
 public:
     Application() { m_unloadable = m_servesSeveralDocuments = true; }
     void RegisterServerComponents() override {}
