@@ -113,6 +113,16 @@ void ModuleLoader::close(Module& module) {
     module.unloadable = module.servesSeveralDocuments = false;
 }
 
+bool ModuleLoader::end(Module& module) {
+    const bool ended = deliver(module, kUnloadAppMsg).has_value();
+    if (m_beforeUnmap)
+        m_beforeUnmap(module);
+    if (!ended)
+        module.library = nullptr; // never closed
+    close(module);
+    return ended;
+}
+
 ModuleResult ModuleLoader::load(const std::string& path) {
     Module& module = entry(path);
     const auto fail = [&](const std::string& why) {
@@ -126,9 +136,11 @@ ModuleResult ModuleLoader::load(const std::string& path) {
         close(module);
         return fail(why);
     }
-    if (const int answer = sendMessage(module, kInitAppMsg); answer != 0) {
-        close(module);
-        return fail("its initialisation answered " + std::to_string(answer));
+    if (const auto answer = deliver(module, kInitAppMsg); answer != 0) {
+        // It may have registered things before it failed; ending it takes them back.
+        const std::string why = answer ? "its initialisation answered " + std::to_string(*answer)
+                                       : std::string("its initialisation failed");
+        return fail(end(module) ? why : why + "; it failed at its end too and stays mapped");
     }
     module.state = ModuleState::kLoaded;
     module.error.clear();
@@ -143,14 +155,20 @@ ModuleResult ModuleLoader::unload(Module& module) {
         return {&module, "module " + module.path + " cannot be unloaded while the host runs"};
     if (m_current == &module)
         return {&module, "module " + module.path + " is at work"};
-    forEachDrawing([&] { sendMessage(module, kUnloadDwgMsg); });
-    sendMessage(module, kUnloadAppMsg);
-    if (m_beforeUnmap)
-        m_beforeUnmap(module);
-    close(module);
+    bool closed = false;
+    const auto tellAndClose = [&] {
+        forEachDrawing([&] { sendMessage(module, kUnloadDwgMsg); });
+        closed = end(module);
+    };
+    if (m_aroundUnload)
+        m_aroundUnload(tellAndClose);
+    else
+        tellAndClose();
     module.state = ModuleState::kUnloaded;
     module.error.clear();
-    if (isMapped(module.path))
+    if (!closed)
+        module.error = "module " + module.path + " failed at its end: it was unloaded but stays mapped";
+    else if (isMapped(module.path))
         module.error = "module " + module.path + " was unloaded but stays mapped";
     return {&module, module.error};
 }
@@ -180,11 +198,13 @@ void ModuleLoader::drawingToBeUnloaded() {
 }
 
 int ModuleLoader::sendMessage(Module& module, int message) {
-    if (!module.entryPoint)
-        return 0;
+    return module.entryPoint ? deliver(module, message).value_or(-1) : 0;
+}
+
+std::optional<int> ModuleLoader::deliver(Module& module, int message) {
     Module* const before = m_current;
     m_current = &module;
-    int answer = -1;
+    std::optional<int> answer;
     // A module that throws has broken the contract; the host goes on without what the message should have done.
     try {
         answer = module.entryPoint(message, &module);

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,8 @@ class ModuleLoader {
 public:
     static ModuleLoader& instance();
 
-    /// Opens the file, checks its host API version and sends message 1, then 3 for every open drawing.
+    /// Opens the file, checks its host API version and sends message 1, then 3 for every open drawing. A module that
+    /// fails at message 1 gets message 2 and is closed.
     ModuleResult load(const std::string& path);
     /// Sends 4 for every open drawing, then 2, and closes the library. Refused for a module that did not declare itself
     /// unloadable. An error that says that the module stays mapped leaves it unloaded nevertheless.
@@ -48,7 +50,7 @@ public:
     void drawingLoaded();
     void drawingToBeUnloaded();
 
-    /// Sends one message; the answer is the module's, 0 for a module not loaded.
+    /// Sends one message; the answer is the module's, 0 for a module not loaded, -1 for one that threw.
     int sendMessage(Module& module, int message);
     /// The module whose message is being handled, or null.
     Module* currentModule() const { return m_current; }
@@ -59,6 +61,10 @@ public:
     /// Calls the function given once for each open drawing, with that drawing current.
     using ForEachDrawing = std::function<void(const std::function<void()>&)>;
     void setForEachDrawing(ForEachDrawing forEach) { m_forEachDrawing = std::move(forEach); }
+
+    /// Runs the function given, which unloads a module (messages 4 and 2).
+    using AroundUnload = std::function<void(const std::function<void()>&)>;
+    void setAroundUnload(AroundUnload around) { m_aroundUnload = std::move(around); }
 
     /// Called after message 2, while the module's code is still there: what others hold of it (windows, functions)
     /// goes.
@@ -73,10 +79,16 @@ private:
     Module& entry(const std::string& path);
     std::string open(Module& module);
     void close(Module& module);
+    /// Nothing when the module threw.
+    std::optional<int> deliver(Module& module, int message);
+    /// Sends message 2, calls the function set by setBeforeUnmap and closes the library. A module that throws may have
+    /// left anything behind that points into its code: it stays mapped, and the answer is false.
+    bool end(Module& module);
     void forEachDrawing(const std::function<void()>& call);
 
     std::vector<std::unique_ptr<Module>> m_modules;
     ForEachDrawing m_forEachDrawing;
+    AroundUnload m_aroundUnload;
     BeforeUnmap m_beforeUnmap;
     std::unique_ptr<MxRxDynamicLinker> m_linker;
     Module* m_current = nullptr;

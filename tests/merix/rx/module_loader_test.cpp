@@ -36,6 +36,8 @@ protected:
         setDrawings(0);
     }
     ~ModuleLoaderTest() override {
+        m_loader.setBeforeUnmap({});
+        m_loader.setAroundUnload({});
         for (const auto& module : m_loader.modules()) {
             module->unloadable = true;
             m_loader.unload(*module);
@@ -107,6 +109,7 @@ TEST_F(ModuleLoaderTest, AModuleForAnotherHostVersionIsRefusedWithBothVersions) 
 TEST_F(ModuleLoaderTest, AModuleWhoseInitFailsIsClosedAndItsErrorKept) {
     const auto result = m_loader.load(fileOf("refusing"));
     EXPECT_THAT(result.error, EndsWith("its initialisation answered 7"));
+    EXPECT_EQ(m_log.text, "1 2 ") << "it takes back what it did before it failed";
     EXPECT_FALSE(isMapped("module_refusing.mrx"));
     for (const auto& module : m_loader.modules()) {
         if (module->path.ends_with("module_refusing.mrx")) {
@@ -133,8 +136,53 @@ TEST_F(ModuleLoaderTest, AFileThatIsNoLibraryIsRefused) {
 TEST_F(ModuleLoaderTest, AnExceptionFromAModuleStopsAtTheHost) {
     testing::internal::CaptureStderr();
     const auto result = m_loader.load(fileOf("throwing"));
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("failed at message 1: on purpose"));
-    EXPECT_FALSE(result);
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(told, HasSubstr("failed at message 1: on purpose"));
+    EXPECT_THAT(told, HasSubstr("failed at message 2: on purpose"));
+    EXPECT_THAT(result.error, EndsWith("its initialisation failed; it failed at its end too and stays mapped"));
+    EXPECT_TRUE(isMapped("module_throwing.mrx"));
+}
+
+TEST_F(ModuleLoaderTest, AModuleThatFailsWhileLoadingIsEndedBeforeItIsUnmapped) {
+    bool mappedInHook = false;
+    m_loader.setBeforeUnmap([&](const Module&) {
+        m_log.text += "hook ";
+        mappedInHook = isMapped("module_good.mrx");
+    });
+    m_log.onMessage = [](int message) {
+        if (message == kInitAppMsg)
+            throw 1;
+    };
+    setDrawings(1);
+    EXPECT_THAT(m_loader.load(fileOf("good")).error, EndsWith("its initialisation failed"));
+    EXPECT_EQ(m_log.text, "1 2 hook ");
+    EXPECT_TRUE(mappedInHook);
+    EXPECT_FALSE(isMapped("module_good.mrx"));
+}
+
+TEST_F(ModuleLoaderTest, AModuleThatFailsAtItsEndStaysMapped) {
+    bool hook = false;
+    m_loader.setBeforeUnmap([&](const Module&) { hook = true; });
+    Module& module = *m_loader.load(fileOf("good")).module;
+    m_log.onMessage = [](int message) {
+        if (message == kUnloadAppMsg)
+            throw 1;
+    };
+    EXPECT_THAT(m_loader.unload(module).error, EndsWith("failed at its end: it was unloaded but stays mapped"));
+    EXPECT_TRUE(hook);
+    EXPECT_EQ(module.state, ModuleState::kUnloaded);
+    EXPECT_TRUE(isMapped("module_good.mrx"));
+}
+
+TEST_F(ModuleLoaderTest, MessagesOfAnUnloadAreSentInsideWhatIsSetAroundIt) {
+    m_loader.setAroundUnload([&](const std::function<void()>& unload) {
+        m_log.text += "( ";
+        unload();
+        m_log.text += ")";
+    });
+    setDrawings(1);
+    m_loader.unload(*m_loader.load(fileOf("good")).module);
+    EXPECT_EQ(m_log.text, "1 3 ( 4 2 )");
 }
 
 TEST_F(ModuleLoaderTest, AModuleThatDidNotDeclareItselfUnloadableStays) {

@@ -4,16 +4,21 @@
 
 #include "host/rx/app.h"
 
+#include <functional>
 #include <string>
 
 class TestLog : public MxRxObject {
 public:
     std::string text;
+    std::function<void(int message)> onMessage; ///< may throw
 };
 
 inline int record(int message) {
-    if (auto* log = static_cast<TestLog*>(mxrxSysRegistry()->at(L"TestLog")))
+    if (auto* log = static_cast<TestLog*>(mxrxSysRegistry()->at(L"TestLog"))) {
         log->text += std::to_string(message) + " ";
+        if (log->onMessage)
+            log->onMessage(message);
+    }
     return 0;
 }
 
