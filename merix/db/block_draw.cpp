@@ -12,7 +12,6 @@ namespace merix::db {
 namespace {
 
 constexpr int kDeepest = 32;
-constexpr int kMostEntities = 1'000'000;
 
 bool isLayerZero(MxDbObjectId id) {
     const MxDbObject* layer = DatabaseImp::peek(id);
@@ -109,9 +108,10 @@ private:
 /// One level of nesting.
 class BlockDraw final : public MxGiWorldDraw {
 public:
-    BlockDraw(MxGiWorldDraw& target, MxDbObjectId block, const ge::Affine& map)
+    BlockDraw(MxGiWorldDraw& target, MxDbObjectId block, const ge::Affine& map, DrawBudget& budget)
         : m_target(target)
         , m_parent(dynamic_cast<BlockDraw*>(&target))
+        , m_budget(m_parent ? m_parent->m_budget : budget)
         , m_block(block)
         , m_depth(m_parent ? m_parent->m_depth + 1 : 1)
         , m_traits(target.subEntityTraits())
@@ -130,28 +130,28 @@ public:
         }
         return true;
     }
-    /// Counts over the whole drawing of the outermost insert.
-    bool spend() { return m_parent ? m_parent->spend() : ++m_spent <= kMostEntities; }
+    bool spend() { return m_budget.spend(); }
     BlockTraits& traits() { return m_traits; }
 
 private:
     MxGiWorldDraw& m_target;
     BlockDraw* m_parent;
+    DrawBudget& m_budget;
     MxDbObjectId m_block;
     int m_depth;
-    int m_spent = 0;
     mutable BlockTraits m_traits;
     mutable PlacedGeometry m_geometry;
 };
 
 } // namespace
 
-bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId blockId, const ge::Affine& toOwner, const EntityTraits& owner) {
+bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId blockId, const ge::Affine& toOwner, const EntityTraits& owner,
+               DrawBudget& budget) {
     MxDbObject* object = DatabaseImp::peek(blockId);
     if (!object || !object->isKindOf(MxDbBlockTableRecord::desc()))
         return true;
-    BlockDraw level(draw, blockId, toOwner);
-    if (!level.isAllowed())
+    BlockDraw level(draw, blockId, toOwner, budget);
+    if (!level.isAllowed() || !level.spend())
         return false;
     bool all = true;
     for (const MxDbObjectId& id : static_cast<MxDbBlockTableRecord*>(object)->entityIds()) {

@@ -17,9 +17,21 @@ public:
     virtual void setEntityTraits(const EntityTraits& traits) = 0;
 };
 
+/// What the drawing of one outermost insert may cost: a million entities and placings of blocks.
+class DrawBudget {
+public:
+    /// False when all is spent.
+    bool spend() { return m_left > 0 && m_left-- > 0; }
+
+private:
+    int m_left = 1'000'000;
+};
+
 /// Draws the entities of `block`, placed by `toOwner`, as parts of an insert with the attributes `owner`. A block that
-/// shows itself, nesting deeper than 32 and more than a million entities in all are cut off: false.
-bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId block, const ge::Affine& toOwner, const EntityTraits& owner);
+/// shows itself, nesting deeper than 32 and what exceeds the budget are cut off: false. Inside another block the budget
+/// is the one of the outermost insert.
+bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId block, const ge::Affine& toOwner, const EntityTraits& owner,
+               DrawBudget& budget);
 
 /// The box of what `entity` draws; empty when it draws nothing.
 MxDbExtents drawnExtents(const MxDbEntity& entity);

@@ -23,11 +23,12 @@ bool Insert::subWorldDraw(MxGiWorldDraw* draw) {
     const ge::Affine inner =
         ge::Affine::scaling(scaleX, scaleY, scaleZ) * ge::Affine::translation({-base.x, -base.y, -base.z});
     const int across = std::max<int>(columns, 1), up = std::max<int>(rows, 1);
+    DrawBudget budget;
     for (int row = 0; row < up; ++row) {
         for (int column = 0; column < across; ++column) {
             const auto cell = ge::Affine::translation({column * columnSpacing, row * rowSpacing, 0.0});
             // Cut off once is cut off for all: what is missing then is too much to draw.
-            if (!drawBlock(*draw, block, turned * cell * inner, traits(*this)))
+            if (!drawBlock(*draw, block, turned * cell * inner, traits(*this), budget))
                 return false;
         }
     }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <numbers>
 
 namespace {
@@ -173,6 +174,19 @@ TEST_F(BlockDrawTest, ByBlockAttributesAndLayerZeroComeFromTheOutermostInsert) {
     EXPECT_TRUE(drawn[0].linetype.isNull());
     EXPECT_EQ(drawn[1].color, 4);
     EXPECT_EQ(drawn[1].layer, doors);
+}
+
+TEST_F(BlockDrawTest, TheLargestArrayEndsInTime) {
+    drawing.addLine({1, 1, 0}, {2, 1, 0}, block);
+    for (const MxDbObjectId shown : {block, drawing.addBlock(L"EMPTY")}) {
+        auto insert = insertOf(shown);
+        insert->columns = insert->rows = std::numeric_limits<std::int16_t>::max();
+        auto& array = drawing.at<Insert>(drawing.add(std::move(insert)));
+        Sink sink;
+        const ReadAccess readable(array);
+        EXPECT_FALSE(array.subWorldDraw(&sink)) << "cut off";
+        EXPECT_LE(sink.drawn.size(), 1'000'000U);
+    }
 }
 
 TEST_F(BlockDrawTest, PartsThatAreErasedInvisibleOrOnHiddenLayersAreLeftOut) {
