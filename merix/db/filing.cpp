@@ -50,7 +50,10 @@ void readApplicationGroup(ObjectData& data, MxDbDxfFiler* filer) {
         setPersistentReactors(data, ids);
 }
 
+/// Reads up to the first item that is not the base's. Behind the base's own marker everything up to the next marker is:
+/// what is not known there is passed over.
 Mx::ErrorStatus readBaseGroups(MxDbObject& object, MxDbEntity* entity, MxDbDxfFiler* filer) {
+    bool marked = false;
     for (;;) {
         if (const auto status = filer->readItem(); status != Mx::eOk)
             return status == Mx::eEndOfItems ? Mx::eOk : status;
@@ -61,9 +64,12 @@ Mx::ErrorStatus readBaseGroups(MxDbObject& object, MxDbEntity* entity, MxDbDxfFi
             readApplicationGroup(object.data(), filer);
             continue;
         }
-        if (entity && code == 100 && filer->itemString().str() == L"AcDbEntity")
+        if (entity && code == 100 && filer->itemString().str() == L"AcDbEntity") {
+            marked = true;
             continue;
-        if (!entity || !readEntityItem(*entity, filer)) {
+        }
+        const bool taken = entity && readEntityItem(*entity, filer);
+        if (!taken && (!marked || code == 100)) {
             filer->pushBackItem();
             return Mx::eOk;
         }
