@@ -62,6 +62,7 @@ public:
     void assertWriteEnabled();
 
     /// From read to write: eOpenForRead when there are other readers, eOnLockedLayer for an entity on a locked layer.
+    /// Unlike an open for write it does not mark the object for the next save; its first change does.
     Mx::ErrorStatus upgradeOpen();
     virtual Mx::ErrorStatus close();
     /// Closes and takes back what was changed since the object was opened for write.

@@ -9,30 +9,35 @@ bool DocManager::Private::begin(const QString& globalName) {
         console.print(QStringLiteral("\nNo drawing is open."));
         return false;
     }
-    if (current->m->lockDepth > 0) {
-        console.print(QStringLiteral("\n%1: the drawing is held by %2.").arg(globalName, current->m->lockName));
-        return false;
-    }
+    // Commands run one at a time: a lock that is still there was forgotten by whoever took it, and would shut out every
+    // command from now on.
+    if (current->m->commands == 0)
+        current->m->releaseLocks();
     commandTarget = current;
     ++commandTarget->m->commands;
+    commandTarget->m->changedBeforeCommand = commandTarget->m->changed;
     commandTarget->database()->imp().undo.begin(globalName.toStdWString());
     return true;
 }
 
 void DocManager::Private::end(bool failed) {
-    db::UndoRecorder& undo = commandTarget->database()->imp().undo;
-    if (failed)
-        undo.abandon();
-    else
+    Document::Private& state = *commandTarget->m;
+    db::UndoRecorder& undo = state.database->imp().undo;
+    if (failed) {
+        state.releaseLocks();
+        if (undo.abandon())
+            state.changed = state.changedBeforeCommand;
+    } else {
         undo.end();
-    --commandTarget->m->commands;
+    }
+    --state.commands;
     commandTarget->noteChange();
     commandTarget = nullptr;
 }
 
 void DocManager::Private::idle() {
     for (Document* document : owner.all())
-        if (document->m->closeLater && document->m->commands == 0)
+        if (owner.find(document) && document->m->closeLater && document->m->commands == 0)
             owner.close(*document);
 }
 

@@ -55,6 +55,16 @@ DocManager::DocManager()
     ed::CommandStack::instance().setScope(m.get());
     registerDrawingCommands(ed::CommandStack::instance());
     rx::ModuleLoader::instance().setForEachDrawing([this](const auto& call) { forEachDrawing(call); });
+    rx::ModuleLoader::instance().setAroundUnload([this](const auto& unload) {
+        // What a module writes down as it goes is no step of the user's.
+        const std::vector<Document*> open = all();
+        for (Document* document : open)
+            document->database()->imp().undo.setEnabled(false);
+        unload();
+        for (Document* document : open)
+            if (find(document))
+                document->database()->imp().undo.setEnabled(true);
+    });
     writeRecoveryFilesAtShutdown();
 }
 
@@ -119,10 +129,17 @@ void DocManager::makeCurrent(Document* document) {
 void DocManager::forEachDrawing(const std::function<void()>& call) {
     Document* const before = m->current;
     for (Document* document : all()) {
+        if (!find(document))
+            continue; // closed by the module that was called for another
         makeCurrent(document);
         call();
     }
-    makeCurrent(before);
+    if (!before || find(before)) {
+        makeCurrent(before);
+        return;
+    }
+    makeCurrent(nullptr);
+    activate(m->documents.empty() ? nullptr : m->documents.back().get());
 }
 
 Document* DocManager::create() {
@@ -180,19 +197,18 @@ void DocManager::activate(Document* document) {
         m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeActivated(document); });
     makeCurrent(document);
     Q_EMIT documentActivated(document);
-    const ed::Editor::Regeneration scope;
     if (document)
         m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentActivated(document); });
 }
 
 void DocManager::close(Document& document) {
+    if (!find(&document))
+        return;
     if (document.m->commands > 0) {
         document.m->closeLater = true;
         ed::Prompter::instance().cancel();
         return;
     }
-    if (!find(&document))
-        return;
     // Messages and functions belong to the current drawing; the one that goes is told of as if it were that.
     Document* const before = m->current;
     makeCurrent(&document);
@@ -229,37 +245,45 @@ Result DocManager::saveAs(Document& document, const QString& path) {
     return saveTo(document, absolute);
 }
 
-Result DocManager::saveTo(Document& document, const QString& path) {
-    db::DatabaseImp& imp = document.database()->imp();
+io::FileResult DocManager::write(Document& document, const QString& path) {
     {
         const db::WorkingDatabaseScope scope(document.database());
-        imp.undo.begin(L"SAVE");
+        const db::UndoRecorder::Pause pause(document.database()->imp().undo); // what reactors write is no step to undo
+        ++document.m->commands;                                               // nobody closes it meanwhile
         ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
-        imp.undo.endIntoLast(); // what reactors write is no step of the user's
+        --document.m->commands;
     }
-    const io::FileResult result = io::writeDrawing(path.toStdString(), *document.database());
+    return io::writeDrawing(path.toStdString(), *document.database());
+}
+
+Result DocManager::saveTo(Document& document, const QString& path) {
+    const io::FileResult result = write(document, path);
     if (!result)
         return failure(result, path);
     printNotes(result);
     document.m->path = path;
     document.m->changed = document.m->wasChanged = false;
-    document.m->undoUnits = imp.undo.undoUnits().size();
+    document.m->changedBeforeCommand = true; // taking back what was saved now is a change
     Q_EMIT document.titleChanged();
     return {};
 }
 
 bool DocManager::undo(Document& document) {
-    if (document.m->commands > 0 || document.m->lockDepth > 0 || !document.database()->imp().undo.undo())
+    if (document.m->commands > 0)
         return false;
-    document.noteChange();
+    document.m->releaseLocks(); // of nobody who still works
+    if (!document.database()->imp().undo.undo())
+        return false;
     Q_EMIT document.graphicsChanged();
     return true;
 }
 
 bool DocManager::redo(Document& document) {
-    if (document.m->commands > 0 || document.m->lockDepth > 0 || !document.database()->imp().undo.redo())
+    if (document.m->commands > 0)
         return false;
-    document.noteChange();
+    document.m->releaseLocks();
+    if (!document.database()->imp().undo.redo())
+        return false;
     Q_EMIT document.graphicsChanged();
     return true;
 }
@@ -294,17 +318,16 @@ Mx::ErrorStatus DocManager::unlockDocument(MxApDocument* document) {
     state.database->imp().undo.end();
     if (--state.lockDepth == 0)
         state.lockName.clear();
-    locked->noteChange();
     return Mx::eOk;
 }
 
 QStringList DocManager::writeRecoveryFiles() {
     QStringList written;
-    for (const auto& document : m->documents) {
-        if (!document->database()->imp().isChanged())
-            continue; // not even marked for drawing anew: a module may hold changes that it told nobody of
+    for (Document* document : all()) {
+        if (!find(document) || !document->database()->imp().isChanged())
+            continue; // nothing was even opened to be changed
         const QString path = recoveryPath(document->path(), document->title());
-        if (!path.isEmpty() && io::writeDrawing(path.toStdString(), *document->database()))
+        if (!path.isEmpty() && write(*document, path))
             written << path;
     }
     return written;

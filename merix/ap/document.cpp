@@ -11,19 +11,27 @@ MERIX_RX_CLASS(MxApDocument, "MxApDocument", MxRxObject, nullptr, "")
 namespace merix::ap {
 
 void Document::Private::objectAppended(MxDbObject&) {
-    tell();
+    tellChanged();
 }
 void Document::Private::objectModified(MxDbObject&) {
-    tell();
+    tellChanged();
+}
+void Document::Private::objectGraphicsModified(MxDbObject&) {
+    Q_EMIT owner.graphicsChanged();
 }
 void Document::Private::objectErased(MxDbObject&, bool) {
-    tell();
+    tellChanged();
 }
-void Document::Private::tell() {
-    if (!ed::Editor::instance().isRegenerating())
-        changed = true;
+void Document::Private::tellChanged() {
+    changed = true;
     owner.noteChange();
     Q_EMIT owner.graphicsChanged();
+}
+
+void Document::Private::releaseLocks() {
+    for (; lockDepth > 0; --lockDepth)
+        database->imp().undo.end();
+    lockName.clear();
 }
 
 Document::Document(std::unique_ptr<MxDbDatabase> database, const QString& path, const QString& title)
@@ -60,11 +68,6 @@ bool Document::isChanged() const {
 }
 
 void Document::noteChange() {
-    // What is only drawn anew leaves nothing to undo.
-    const std::size_t units = m->database->imp().undo.undoUnits().size();
-    if (units != m->undoUnits)
-        m->changed = true;
-    m->undoUnits = units;
     if (isChanged() == m->wasChanged)
         return;
     m->wasChanged = !m->wasChanged;

@@ -13,6 +13,10 @@
 
 #include <memory>
 
+namespace merix::io {
+struct FileResult;
+}
+
 namespace merix::ap {
 
 class Document : public QObject, public MxApDocument {
@@ -78,7 +82,8 @@ public:
     void close(Document& document);
     /// Cancels the prompt under way in the document that was active; null leaves none active.
     void activate(Document* document);
-    /// False when there is nothing to undo or a command holds the document.
+    /// False when there is nothing to undo or a command is under way in the document. A lock that is held without one
+    /// was forgotten and is released.
     bool undo(Document& document);
     bool redo(Document& document);
 
@@ -119,6 +124,8 @@ private:
     ~DocManager() override;
     Document* add(std::unique_ptr<Document> document);
     Result saveTo(Document& document, const QString& path);
+    /// Tells of the save, then writes.
+    io::FileResult write(Document& document, const QString& path);
     Document* find(const MxApDocument* document) const;
     void makeCurrent(Document* document);
     void forEachDrawing(const std::function<void()>& call);

@@ -12,8 +12,11 @@ struct Document::Private : db::DatabaseListener {
 
     void objectAppended(MxDbObject& object) override;
     void objectModified(MxDbObject& object) override;
+    void objectGraphicsModified(MxDbObject& object) override;
     void objectErased(MxDbObject& object, bool erasing) override;
-    void tell();
+    void tellChanged();
+    /// Ends the locks and their undo units, whoever took them.
+    void releaseLocks();
 
     Document& owner;
     std::unique_ptr<MxDbDatabase> database;
@@ -21,13 +24,13 @@ struct Document::Private : db::DatabaseListener {
     ed::InputPoints points;
     QString layout = QStringLiteral("Model");
     ge::ViewTransform view;
-    bool changed = false;      ///< something was changed that a save would keep
-    std::size_t undoUnits = 0; ///< when `changed` was last settled
-    bool wasChanged = false;   ///< what titleChanged told last
+    bool changed = false;              ///< something was changed that a save would keep
+    bool changedBeforeCommand = false; ///< `changed` when the command under way began
+    bool wasChanged = false;           ///< what titleChanged told last
 
     QString lockName;  ///< global name of the command whose locks are held
     int lockDepth = 0; ///< 0: not locked
-    int commands = 0;  ///< commands of the command stack under way in the document
+    int commands = 0;  ///< commands of the command stack and saves under way in the document
     bool closeLater = false;
 };
 

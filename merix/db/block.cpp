@@ -25,6 +25,7 @@ Mx::ErrorStatus MxDbBlockTableRecord::appendMxDbEntity(MxDbObjectId& id, MxDbEnt
         return status;
     // No before-image: taking the append back erases the entity, which leaves the list as it is.
     m_entities.push_back(id);
+    own.stub->database->markChanged(*this);
     own.changedInOpen = true;
     return Mx::eOk;
 }

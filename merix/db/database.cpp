@@ -290,6 +290,10 @@ void DatabaseImp::notifyModified(MxDbObject& object) {
     for (std::size_t i = 0; i < m_listeners.size(); ++i)
         m_listeners[i]->objectModified(object);
 }
+void DatabaseImp::notifyGraphicsModified(MxDbObject& object) {
+    for (std::size_t i = 0; i < m_listeners.size(); ++i)
+        m_listeners[i]->objectGraphicsModified(object);
+}
 void DatabaseImp::notifyErased(MxDbObject& object, bool erasing) {
     for (std::size_t i = 0; i < m_listeners.size(); ++i)
         m_listeners[i]->objectErased(object, erasing);

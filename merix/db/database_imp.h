@@ -16,8 +16,10 @@ class DatabaseListener {
 public:
     virtual ~DatabaseListener() = default;
     virtual void objectAppended(MxDbObject&) {}
-    /// Closed after a change, or its graphics were marked modified; undo and redo too.
+    /// Closed after a change; undo and redo too.
     virtual void objectModified(MxDbObject&) {}
+    /// Nothing of it that is saved changed, but it has to be drawn anew.
+    virtual void objectGraphicsModified(MxDbObject& object) { objectModified(object); }
     virtual void objectErased(MxDbObject&, bool /*erasing*/) {}
 };
 
@@ -108,9 +110,11 @@ public:
     /// Used by objects and undo.
     void notifyAppended(MxDbObject& object);
     void notifyModified(MxDbObject& object);
+    void notifyGraphicsModified(MxDbObject& object);
     void notifyErased(MxDbObject& object, bool erasing);
 
-    /// Objects opened for write since the last save, appended, erased or un-erased, in order, each once.
+    /// Objects opened for write since the last save (or changed after upgradeOpen), appended, erased or un-erased, in
+    /// order, each once.
     const std::vector<MxDbObjectId>& changedSinceSave() const { return m_changed; }
     void markChanged(MxDbObject& object);
     /// After a save or a load.

@@ -201,7 +201,7 @@ void MxDbEntity::recordGraphicsModified(bool modified) {
     if (d.writer)
         d.graphicsChangedInOpen = true;
     else
-        d.stub->database->notifyModified(*this);
+        d.stub->database->notifyGraphicsModified(*this);
 }
 
 Mx::ErrorStatus MxDbEntity::getGeomExtents(MxDbExtents& extents) const {

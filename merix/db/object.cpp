@@ -50,8 +50,10 @@ void tellClosed(MxDbObject& object, bool wasNew, bool changed, bool graphics) {
     if (wasNew) {
         if (!object.isErased())
             database.notifyAppended(object);
-    } else if (changed || graphics) {
+    } else if (changed) {
         database.notifyModified(object);
+    } else if (graphics) {
+        database.notifyGraphicsModified(object);
     }
     if (changed && !wasNew) {
         tellTransient(object, [&](MxDbObjectReactor& reactor) { reactor.modified(&object); });
@@ -143,7 +145,9 @@ void MxDbObject::assertWriteEnabled() {
     database.markChanged(*this);
     if (std::exchange(data.changedInOpen, true) || data.isNew)
         return;
-    if (!data.beforeImage && database.undo.isRecording())
+    if (!database.undo.isRecording())
+        database.undo.noteUnrecorded();
+    else if (!data.beforeImage)
         data.beforeImage = std::make_unique<std::string>(dwgImage(*this, MxDbFilerType::kUndo));
     tellPersistent(*this, [this](MxDbObject& reactor) { reactor.openedForModify(this); });
 }
@@ -161,7 +165,6 @@ Mx::ErrorStatus MxDbObject::upgradeOpen() {
     if (const auto status = subOpen(Mx::kForWrite); status != Mx::eOk)
         return status;
     beginWriting(*this);
-    data.stub->database->markChanged(*this);
     return Mx::eOk;
 }
 
@@ -195,7 +198,7 @@ Mx::ErrorStatus MxDbObject::cancel() {
     data.isNew = data.graphicsChangedInOpen = data.writer = false;
     const ReadAccess readable(*this);
     if (changed)
-        data.stub->database->notifyModified(*this);
+        data.stub->database->notifyGraphicsModified(*this);
     tellPersistent(*this, [this](MxDbObject& reactor) { reactor.cancelled(this); });
     return status;
 }
@@ -322,6 +325,7 @@ Mx::ErrorStatus mxdbMarkModified(MxDbObjectId id) {
     if (stub->erased)
         return Mx::eWasErased;
     stub->database->markChanged(*stub->object);
+    stub->database->undo.noteUnrecorded();
     ++stub->object->data().graphicsVersion;
     const ReadAccess readable(*stub->object);
     stub->database->notifyModified(*stub->object);

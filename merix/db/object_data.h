@@ -51,7 +51,7 @@ struct ObjectData {
     bool isNew = false;         ///< appended and not closed yet
     bool changedInOpen = false; ///< assertWriteEnabled was called in the open under way
     bool graphicsChangedInOpen = false;
-    bool changedSinceSave = false;     ///< opened for write since the last save
+    bool changedSinceSave = false;     ///< to be filed by the next save
     bool sourceStale = false;          ///< changed since `source` was read or written
     std::uint32_t graphicsVersion = 0; ///< counts recordGraphicsModified and changes; display lists compare it
 };

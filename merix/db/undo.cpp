@@ -5,8 +5,6 @@
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace merix::db {
@@ -50,8 +48,10 @@ void setPresent(MxDbObject& object, bool present, bool ofAppend) {
 } // namespace
 
 void UndoRecorder::begin(std::wstring name) {
-    if (m_depth++ == 0)
-        m_open = {std::move(name), {}};
+    if (m_depth++ > 0)
+        return;
+    m_open = {std::move(name), {}};
+    m_unrecorded = false;
 }
 
 void UndoRecorder::end() {
@@ -61,25 +61,20 @@ void UndoRecorder::end() {
     m_redo.clear();
 }
 
-void UndoRecorder::endIntoLast() {
-    if (m_depth == 0 || --m_depth > 0)
-        return;
-    UndoUnit unit = std::exchange(m_open, {});
-    if (!m_undo.empty())
-        std::move(unit.steps.begin(), unit.steps.end(), std::back_inserter(m_undo.back().steps));
-}
-
-void UndoRecorder::abandon() {
+bool UndoRecorder::abandon() {
     if (m_depth == 0)
-        return;
+        return false;
     m_depth = 0;
     UndoUnit unit = std::exchange(m_open, {});
     apply(unit, false);
+    return !m_unrecorded;
 }
 
 void UndoRecorder::record(UndoStep step) {
-    if (!isRecording())
+    if (!isRecording()) {
+        m_unrecorded = true;
         return;
+    }
     if (m_depth > 0) {
         m_open.steps.push_back(std::move(step));
         return;

@@ -31,14 +31,31 @@ public:
     /// Units nest; only the outermost is recorded. Its name is the one of the outermost.
     void begin(std::wstring name);
     void end();
-    /// Ends a unit that the user did not ask for (what is written along with a save): its steps become part of the unit
-    /// before, and are undone with it; without one they are not undone at all. What can be redone stays.
-    void endIntoLast();
-    /// Drops what the open unit did and takes it back (a command that failed).
-    void abandon();
+    /// Drops what the open unit did and takes it back (a command that failed). False when more was done meanwhile than
+    /// steps record: the drawing is then not as it was.
+    bool abandon();
+    /// Something was done to the drawing that undo does not take back.
+    void noteUnrecorded() { m_unrecorded = true; }
     bool isOpen() const { return m_depth > 0; }
-    /// False while a drawing is being read and while steps are being taken back.
+    /// False while a drawing is being read, in a pause and while steps are being taken back.
     bool isRecording() const { return m_enabled && !m_applying; }
+
+    /// Changes made while it lives are no steps: they neither can be undone nor end what can be redone.
+    class Pause {
+    public:
+        explicit Pause(UndoRecorder& recorder)
+            : m_recorder(recorder)
+            , m_before(recorder.m_enabled) {
+            recorder.m_enabled = false;
+        }
+        ~Pause() { m_recorder.m_enabled = m_before; }
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        UndoRecorder& m_recorder;
+        const bool m_before;
+    };
 
     /// Off while a drawing is being read.
     void setEnabled(bool enabled) { m_enabled = enabled; }
@@ -64,6 +81,7 @@ private:
     int m_depth = 0;
     bool m_enabled = true;
     bool m_applying = false;
+    bool m_unrecorded = false; ///< something was done in the open unit that it does not hold
 };
 
 } // namespace merix::db

@@ -38,12 +38,10 @@ void Editor::notifyCommandFailed(const std::wstring& globalName) {
 }
 
 void Editor::notifyLayoutSwitched(const std::wstring& name) {
-    const Regeneration scope;
     m_reactors.forEach(kReactor, [&](MxEditorReactor& reactor) { reactor.layoutSwitched(name.c_str()); });
 }
 
 void Editor::notifyViewChanged() {
-    const Regeneration scope;
     m_reactors.forEach(kReactor, [](MxEditorReactor& reactor) { reactor.viewChanged(); });
 }
 

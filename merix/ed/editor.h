@@ -25,21 +25,9 @@ public:
     /// The active view was zoomed, panned or resized.
     void notifyViewChanged();
 
-    /// True while reactors are told of something that makes them draw anew (another drawing, layout or view): objects
-    /// that they mark for it are not changed for the user.
-    bool isRegenerating() const { return m_regenerating > 0; }
-    class Regeneration {
-    public:
-        Regeneration() { ++instance().m_regenerating; }
-        ~Regeneration() { --instance().m_regenerating; }
-        Regeneration(const Regeneration&) = delete;
-        Regeneration& operator=(const Regeneration&) = delete;
-    };
-
 private:
     Editor() = default;
     ReactorList<MxEditorReactor> m_reactors;
-    int m_regenerating = 0;
 };
 
 /// Puts the command stack and the editor into the system registry and registers the commands of this floor. Once,

@@ -6,7 +6,6 @@
 #include "host/ed/commands.h"
 #include "merix/db/database_imp.h"
 #include "merix/ed/active_view.h"
-#include "merix/ed/editor.h"
 #include "merix/ed/host_functions.h"
 #include "merix/ed/printf_format.h"
 #include "merix/ed/prompter.h"
@@ -132,9 +131,8 @@ Mx::ErrorStatus mxdbEntUpd(MxDbObjectId entity) {
     if (!object->isKindOf(MxDbEntity::desc()))
         return Mx::eWrongClass;
     // Graphics are no part of what is saved or locked: nothing is opened, marked changed or kept for undo.
-    const merix::ed::Editor::Regeneration scope;
     ++object->data().graphicsVersion;
-    entity.database()->imp().notifyModified(*object);
+    entity.database()->imp().notifyGraphicsModified(*object);
     return Mx::eOk;
 }
 

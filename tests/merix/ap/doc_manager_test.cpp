@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ap/document_imp.h"
 
+#include "host/db/dictionary.h"
+#include "host/ed/input.h"
 #include "merix/db/database_imp.h"
 #include "merix/db/entities.h"
 #include "merix/ed/command_stack.h"
@@ -8,6 +10,9 @@
 #include "merix/ed/editor.h"
 #include "merix/ed/host_functions.h"
 #include "merix/ed/prompter.h"
+#include "merix/rx/module_loader.h"
+#include "merix/rx/system_registry.h"
+#include "tests/merix/rx/modules/recording_module.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -79,6 +84,38 @@ private:
         const std::string current = manager().curDocument() == document ? " (current)" : "";
         lines.push_back(what + " " + (known ? known->title().toStdString() : "?") + current);
     }
+};
+
+std::vector<MxDbObjectId> entitiesOf(const Document& document) {
+    const MxDbDatabase& database = *document.database();
+    return database.imp().block(database.currentSpaceId())->entityIds();
+}
+
+QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+/// The module of the loader's tests, unloaded at the end.
+class LoadedModule {
+public:
+    LoadedModule() {
+        rx::setSystemRegistryEntry(L"TestLog", &log);
+        m_module = rx::ModuleLoader::instance().load(MODULE_GOOD).module;
+    }
+    ~LoadedModule() {
+        unload();
+        rx::setSystemRegistryEntry(L"TestLog", nullptr);
+    }
+    void unload() {
+        if (m_module && m_module->state == rx::ModuleState::kLoaded)
+            rx::ModuleLoader::instance().unload(*m_module);
+    }
+    TestLog log;
+
+private:
+    rx::Module* m_module = nullptr;
 };
 
 class DocManagerTest : public testing::Test {
@@ -277,10 +314,58 @@ TEST_F(DocManagerTest, AnotherCommandsLockConflictsAndIsToldOnlyWithPrompt) {
     EXPECT_EQ(shown(), "");
     EXPECT_EQ(manager().lockDocument(document, MxApLockMode::kWrite, L"Second", L"Second", true), Mx::eLockConflict);
     EXPECT_EQ(shown(), "\nSecond: the drawing is held by First.");
-    EXPECT_FALSE(manager().undo(*document)) << "a held drawing is not undone";
     manager().unlockDocument(document);
     EXPECT_EQ(manager().lockDocument(document, MxApLockMode::kWrite, L"Second", L"Second"), Mx::eOk);
     manager().unlockDocument(document);
+}
+
+TEST_F(DocManagerTest, AForgottenLockStopsNoCommand) {
+    g_document = manager().create();
+    manager().lockDocument(g_document, MxApLockMode::kWrite, L"Forgotten", L"Forgotten");
+    const MxDbObjectId first = addLine(*g_document);
+    MxDbObjectId second;
+    registerCommand(L"LINE1", [&] { second = addLine(*g_document); });
+    run("LINE1");
+    ASSERT_NE(db::DatabaseImp::peek(second), nullptr);
+    EXPECT_EQ(manager().unlockDocument(g_document), Mx::eNotOpen);
+    ASSERT_TRUE(manager().undo(*g_document));
+    EXPECT_EQ(db::DatabaseImp::peek(second), nullptr);
+    EXPECT_NE(db::DatabaseImp::peek(first), nullptr) << "the lock had a unit of its own";
+}
+
+TEST_F(DocManagerTest, AForgottenLockStopsNeitherUndoNorRedo) {
+    Document* document = manager().create();
+    const MxDbObjectId line = addLine(*document);
+    manager().lockDocument(document, MxApLockMode::kWrite, L"Forgotten", L"Forgotten");
+    EXPECT_TRUE(manager().undo(*document));
+    EXPECT_EQ(db::DatabaseImp::peek(line), nullptr);
+    manager().lockDocument(document, MxApLockMode::kWrite, L"Forgotten", L"Forgotten");
+    EXPECT_TRUE(manager().redo(*document));
+    EXPECT_NE(db::DatabaseImp::peek(line), nullptr);
+}
+
+TEST_F(DocManagerTest, ACommandUnderWayKeepsItsLocksAndIsNotUndone) {
+    g_document = manager().create();
+    registerCommand(L"HOLD", [] {
+        manager().lockDocument(g_document, MxApLockMode::kWrite, L"Inner", L"Inner");
+        addLine(*g_document);
+        EXPECT_FALSE(manager().undo(*g_document));
+        EXPECT_EQ(manager().unlockDocument(g_document), Mx::eOk);
+    });
+    run("HOLD");
+    EXPECT_TRUE(manager().undo(*g_document));
+}
+
+TEST_F(DocManagerTest, ACommandThatThrowsLeavesNoLock) {
+    g_document = manager().create();
+    registerCommand(L"BREAKLOCKED", [] {
+        manager().lockDocument(g_document, MxApLockMode::kWrite, L"Inner", L"Inner");
+        addLine(*g_document);
+        throw 1;
+    });
+    run("BREAKLOCKED");
+    EXPECT_EQ(db::DatabaseImp::peek(entitiesOf(*g_document).front()), nullptr);
+    EXPECT_EQ(manager().unlockDocument(g_document), Mx::eNotOpen);
 }
 
 TEST_F(DocManagerTest, LocksOfWhatIsNoOpenDocumentAreRefused) {
@@ -322,6 +407,28 @@ TEST_F(DocManagerTest, ACommandThatThrowsLeavesTheDrawingAsItWas) {
     for (const MxDbObjectId id : block.entityIds())
         EXPECT_EQ(db::DatabaseImp::peek(id), nullptr);
     EXPECT_FALSE(manager().undo(*g_document));
+    EXPECT_FALSE(g_document->isChanged());
+}
+
+TEST_F(DocManagerTest, AThrowingCommandKeepsTheChangedMarkOfWhatCannotBeTakenBack) {
+    g_document = manager().create();
+    ASSERT_TRUE(manager().saveAs(*g_document, path("a.dxf")).ok);
+    registerCommand(L"BREAKAFTERSAVE", [this] {
+        addLine(*g_document);
+        manager().saveAs(*g_document, path("a.dxf"));
+        throw 1;
+    });
+    run("BREAKAFTERSAVE");
+    EXPECT_TRUE(g_document->isChanged()) << "the file has the line";
+    ASSERT_TRUE(manager().save(*g_document).ok);
+    const MxDbObjectId line = addLine(*g_document);
+    ASSERT_TRUE(manager().save(*g_document).ok);
+    registerCommand(L"BREAKAFTERMARK", [line] {
+        mxdbMarkModified(line);
+        throw 1;
+    });
+    run("BREAKAFTERMARK");
+    EXPECT_TRUE(g_document->isChanged());
 }
 
 TEST_F(DocManagerTest, WhatIsWrittenAlongWithASaveIsNoStepToUndo) {
@@ -338,6 +445,126 @@ TEST_F(DocManagerTest, WhatIsWrittenAlongWithASaveIsNoStepToUndo) {
     ASSERT_TRUE(manager().save(*document).ok);
     EXPECT_TRUE(manager().redo(*document)) << "a save takes no redo away";
     EXPECT_NE(db::DatabaseImp::peek(line), nullptr);
+}
+
+TEST_F(DocManagerTest, AListWrittenAlongWithASaveStaysThroughUndoAndRedo) {
+    Document* document = manager().create();
+    MxDbObjectId list;
+    const auto setList = [&](std::int64_t value) {
+        MxDbDictionary* named = nullptr;
+        ASSERT_EQ(document->database()->getNamedObjectsDictionary(named, Mx::kForWrite), Mx::eOk);
+        MxDbXrecord* record = nullptr;
+        if (named->getAt(L"LIST", list) == Mx::eOk) {
+            ASSERT_EQ(mxdbOpenObject(record, list, Mx::kForWrite), Mx::eOk);
+        } else {
+            record = new MxDbXrecord;
+            ASSERT_EQ(named->setAt(L"LIST", record, list), Mx::eOk);
+        }
+        EXPECT_EQ(record->setFromRbChain({nullptr, 90, value}), Mx::eOk);
+        record->close();
+        named->close();
+    };
+    const auto listValue = [&] {
+        MxDbXrecord* record = nullptr;
+        resbuf* chain = nullptr;
+        if (mxdbOpenObject(record, list, Mx::kForRead) != Mx::eOk)
+            return std::int64_t{-1};
+        record->rbChain(&chain);
+        const std::int64_t value = chain ? std::get<std::int64_t>(chain->resval) : -1;
+        mxutRelRb(chain);
+        record->close();
+        return value;
+    };
+    addLine(*document);
+    addLine(*document);
+    Log log;
+    std::int64_t count = 0;
+    log.onSave = [&](MxDbDatabase*) { setList(++count); };
+    ASSERT_TRUE(manager().saveAs(*document, path("a.merix")).ok);
+    ASSERT_TRUE(manager().undo(*document));
+    ASSERT_TRUE(manager().save(*document).ok);
+    ASSERT_TRUE(manager().redo(*document));
+    EXPECT_EQ(listValue(), 2);
+    ASSERT_TRUE(manager().undo(*document));
+    ASSERT_TRUE(manager().undo(*document));
+    EXPECT_EQ(listValue(), 2);
+    EXPECT_FALSE(manager().undo(*document));
+    manager().close(*document);
+
+    ASSERT_TRUE(manager().open(path("a.merix"), &document).ok);
+    MxDbDictionary* named = nullptr;
+    ASSERT_EQ(document->database()->getNamedObjectsDictionary(named, Mx::kForRead), Mx::eOk);
+    EXPECT_EQ(named->getAt(L"LIST", list), Mx::eOk);
+    named->close();
+    EXPECT_EQ(listValue(), 2);
+}
+
+TEST_F(DocManagerTest, WhatAModuleWritesAsItIsUnloadedIsNoStepToUndo) {
+    Document* document = manager().create();
+    const MxDbObjectId line = addLine(*document);
+    LoadedModule module;
+    std::vector<MxDbObjectId> written;
+    module.log.onMessage = [&](int message) {
+        if (message == kUnloadDwgMsg || message == kUnloadAppMsg)
+            written.push_back(addLine(*document));
+    };
+    module.unload();
+    ASSERT_EQ(written.size(), 2U);
+    ASSERT_TRUE(manager().undo(*document));
+    EXPECT_EQ(db::DatabaseImp::peek(line), nullptr);
+    for (const MxDbObjectId id : written)
+        EXPECT_NE(db::DatabaseImp::peek(id), nullptr);
+    addLine(*document);
+    EXPECT_TRUE(manager().undo(*document)) << "steps are recorded again";
+}
+
+TEST_F(DocManagerTest, AModuleMayCloseDrawingsWhileItIsToldOfThem) {
+    Document* first = manager().create();
+    Document* second = manager().create();
+    Document* third = manager().create();
+    LoadedModule module;
+    bool closing = false;
+    module.log.onMessage = [&](int message) {
+        if (message != kUnloadDwgMsg || std::exchange(closing, true))
+            return;
+        manager().close(*second);
+        manager().close(*third);
+    };
+    module.unload();
+    EXPECT_THAT(manager().all(), ElementsAre(first));
+    EXPECT_EQ(manager().current(), first);
+    EXPECT_EQ(mxdbHostApplicationServices()->workingDatabase(), first->database());
+}
+
+TEST_F(DocManagerTest, RedrawingChangesNothingThatIsSaved) {
+    const QString file = drawing("plan.dxf");
+    Document* document = nullptr;
+    ASSERT_TRUE(manager().open(file, &document).ok);
+    struct Redrawer : MxEditorReactor {
+        Redrawer() { ed::Editor::instance().addReactor(this); }
+        ~Redrawer() override { ed::Editor::instance().removeReactor(this); }
+        void viewChanged() override { redraw(); }
+        static void redraw() {
+            for (const MxDbObjectId id : entitiesOf(*manager().current())) {
+                MxDbEntity* entity = nullptr;
+                ASSERT_EQ(mxdbOpenObject(entity, id, Mx::kForRead), Mx::eOk);
+                ASSERT_EQ(entity->upgradeOpen(), Mx::eOk);
+                entity->recordGraphicsModified(true);
+                entity->close();
+                EXPECT_EQ(mxdbEntUpd(id), Mx::eOk);
+            }
+        }
+    } redrawer;
+    int drawn = 0;
+    QObject::connect(document, &Document::graphicsChanged, document, [&] { ++drawn; });
+    ed::Editor::instance().notifyViewChanged();
+    registerCommand(L"TOGGLE", [] { Redrawer::redraw(); });
+    run("TOGGLE");
+    EXPECT_EQ(drawn, 4);
+    EXPECT_FALSE(document->isChanged());
+    EXPECT_FALSE(document->database()->imp().isChanged());
+    ASSERT_TRUE(manager().saveAs(*document, path("copy.dxf")).ok);
+    EXPECT_EQ(bytesOf(path("copy.dxf")), bytesOf(file));
 }
 
 TEST_F(DocManagerTest, DrawingAnewIsNoChangeButAChangeOnTheWayIs) {
@@ -438,4 +665,20 @@ TEST_F(DocManagerTest, RecoveryFilesStandBesideTheDrawingAndTouchNothing) {
     manager().close(*document);
     ASSERT_TRUE(manager().open(file + QStringLiteral(".recovered.merix"), &document).ok);
     EXPECT_EQ(document->database()->imp().block(document->database()->currentSpaceId())->entityIds().size(), 2U);
+}
+
+TEST_F(DocManagerTest, WhatIsWrittenAlongWithASaveIsInTheRecoveryFileToo) {
+    const QString file = drawing("plan.dxf");
+    Document* document = nullptr;
+    ASSERT_TRUE(manager().open(file, &document).ok);
+    addLine(*document);
+    {
+        Log log;
+        log.onSave = [&](MxDbDatabase*) { addLine(*document); };
+        ASSERT_EQ(manager().writeRecoveryFiles().size(), 1);
+        EXPECT_THAT(log.take(), ElementsAre("save plan.dxf.recovered.merix plan.dxf (current)"));
+    }
+    manager().close(*document);
+    ASSERT_TRUE(manager().open(file + QStringLiteral(".recovered.merix"), &document).ok);
+    EXPECT_EQ(entitiesOf(*document).size(), 3U);
 }

@@ -146,6 +146,50 @@ TEST(Object, AnyWriteOpenMarksTheObjectForSavingOnce) {
     EXPECT_TRUE(drawing.at<Line>(id).data().sourceStale);
 }
 
+TEST(Object, UpgradingAndDrawingAnewMarkNothing) {
+    class Listener final : public merix::db::DatabaseListener {
+    public:
+        void objectModified(MxDbObject&) override { told += "modified "; }
+        void objectGraphicsModified(MxDbObject&) override { told += "graphics "; }
+        std::string told;
+    } listener;
+    Drawing drawing;
+    const MxDbObjectId id = drawing.addLine();
+    drawing.imp.clearChanged();
+    drawing.at<Line>(id).data().sourceStale = false;
+    drawing.imp.addListener(&listener);
+    Line* line = nullptr;
+    mxdbOpenObject(line, id, Mx::kForRead);
+    ASSERT_EQ(line->upgradeOpen(), Mx::eOk);
+    line->recordGraphicsModified();
+    line->close();
+    EXPECT_FALSE(drawing.imp.isChanged());
+    EXPECT_FALSE(line->data().sourceStale);
+    EXPECT_EQ(listener.told, "graphics ");
+
+    mxdbOpenObject(line, id, Mx::kForRead);
+    line->upgradeOpen();
+    line->assertWriteEnabled();
+    line->close();
+    EXPECT_EQ(drawing.imp.changedSinceSave(), std::vector<MxDbObjectId>{id});
+    EXPECT_EQ(listener.told, "graphics modified ");
+    drawing.imp.removeListener(&listener);
+}
+
+TEST(Object, ABlockUpgradedToTakeAnEntityIsMarked) {
+    Drawing drawing;
+    drawing.imp.clearChanged();
+    MxDbBlockTableRecord* space = nullptr;
+    mxdbOpenObject(space, drawing.imp.roots.modelSpace, Mx::kForRead);
+    ASSERT_EQ(space->upgradeOpen(), Mx::eOk);
+    auto* line = new Line;
+    MxDbObjectId id;
+    EXPECT_EQ(space->appendMxDbEntity(id, line), Mx::eOk);
+    line->close();
+    space->close();
+    EXPECT_EQ(drawing.imp.changedSinceSave(), (std::vector<MxDbObjectId>{id, drawing.imp.roots.modelSpace}));
+}
+
 TEST(Object, DataChangedThroughAKeptPointerIsMarkedWithoutOpening) {
     class Listener final : public merix::db::DatabaseListener {
     public:

@@ -149,6 +149,51 @@ TEST(Undo, AnAbandonedUnitLeavesTheDrawingAsItWas) {
     EXPECT_FALSE(drawing.imp.undo.canRedo());
 }
 
+TEST(Undo, WhatIsDoneInAPauseIsNoStepAndLeavesRedo) {
+    Drawing drawing;
+    const MxDbObjectId id = drawing.addLine({}, {1, 0, 0});
+    drawing.imp.undo.clear();
+    drawing.moveLine(id, {2, 0, 0});
+    drawing.imp.undo.undo();
+    MxDbObjectId added;
+    {
+        const merix::db::UndoRecorder::Pause pause(drawing.imp.undo);
+        drawing.imp.undo.begin(L"Along");
+        added = drawing.addLine();
+        drawing.moveLine(added, {5, 0, 0});
+        drawing.imp.undo.end();
+    }
+    EXPECT_FALSE(drawing.imp.undo.canUndo());
+    ASSERT_TRUE(drawing.imp.undo.redo());
+    EXPECT_EQ(drawing.at<Line>(id).end.x, 2);
+    drawing.imp.undo.undo();
+    EXPECT_FALSE(drawing.at<Line>(added).isErased());
+    EXPECT_EQ(drawing.at<Line>(added).end.x, 5);
+    drawing.moveLine(added, {6, 0, 0});
+    EXPECT_TRUE(drawing.imp.undo.canUndo()) << "the pause is over";
+}
+
+TEST(Undo, AnAbandonedUnitTellsWhetherAllWasTakenBack) {
+    Drawing drawing;
+    const MxDbObjectId id = drawing.addLine();
+    auto& undo = drawing.imp.undo;
+    EXPECT_FALSE(undo.abandon()) << "no unit is open";
+    undo.begin(L"A");
+    drawing.moveLine(id, {9, 9, 0});
+    EXPECT_TRUE(undo.abandon());
+    undo.begin(L"B");
+    mxdbMarkModified(id);
+    EXPECT_FALSE(undo.abandon());
+    undo.begin(L"C");
+    {
+        const merix::db::UndoRecorder::Pause pause(undo);
+        drawing.moveLine(id, {8, 8, 0});
+    }
+    EXPECT_FALSE(undo.abandon());
+    undo.begin(L"D");
+    EXPECT_TRUE(undo.abandon());
+}
+
 TEST(Undo, AppendingToABlockCopiesNoneOfItsEntities) {
     Drawing drawing;
     for (int i = 0; i < 100; ++i)
