@@ -37,6 +37,12 @@ void redraw(const MxDbPhonomark& note) {
     mxdbEntUpd(note.objectId());
 }
 
+/// The note was changed through the pointer that the window holds: the next save has to take it along, also when its
+/// layer or its drawing is locked.
+void markForSave(const MxDbPhonomark& note) {
+    mxdbMarkModified(note.objectId());
+}
+
 } // namespace
 
 int playDurationMs(const std::wstring& duration) {
@@ -50,8 +56,9 @@ void CPhonomarkTagUIDlg::OnRecStart() {
     if (!liveOwner())
         return;
     if (!m_recorder) {
-        // A window that came up over a recorded note has no buffer, one that has played holds a copy of the sound.
-        if (!m_buffer || m_buffer->capacity() < VkAudioRecorder::kBufferBytes)
+        // A window that came up over a recorded note has no buffer; one that has played holds a copy of the sound,
+        // which a worker may still be reading.
+        if (!m_buffer || m_player || m_buffer->capacity() < VkAudioRecorder::kBufferBytes)
             m_buffer = CaptureBuffer::make(VkAudioRecorder::kBufferBytes);
         if (m_clock)
             m_recorder.emplace(m_clock);
@@ -75,6 +82,7 @@ void CPhonomarkTagUIDlg::recordTick() {
     note->setDuration(withInchSign(m_recorder->getTime()));
     note->ShowRegion(false);
     redraw(*note);
+    markForSave(*note);
     mxuiRepairView();
 }
 
@@ -100,6 +108,7 @@ void CPhonomarkTagUIDlg::resetOwner(MxDbPhonomark& note) {
     note.setRecord(false);
     redraw(note);
     note.delAudioData();
+    markForSave(note);
 }
 
 void CPhonomarkTagUIDlg::keepRecording(MxDbPhonomark& note) {
@@ -116,8 +125,10 @@ void CPhonomarkTagUIDlg::keepRecording(MxDbPhonomark& note) {
     note.setDuration(withInchSign(m_recorder->getTime()));
     redraw(note);
     note.setRecord(true);
+    markForSave(note);
     m_stopRequested = true;
     SetRecordStatus(true);
+    showOwnerImage(); // in the place of an animation, too
 }
 
 void CPhonomarkTagUIDlg::OnPlayStart() {

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/tagwindow/tag_window.h"
 
+#include "merix/db/entities.h"
+#include "merix/db/tables.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
 #include <cstring>
+#include <latch>
 
 using merix::ap::DocManager;
 using ::testing::HasSubstr;
@@ -18,7 +21,95 @@ QImage resource(const char* name) {
     return QImage(QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name));
 }
 
+/// A recording that has to be in the file afterwards, in either kind of drawing file.
+class FiledRecordingTest : public SoundTest, public ::testing::WithParamInterface<const char*> {
+protected:
+    QString file() const { return folder.filePath(QStringLiteral("note") + QString::fromLatin1(GetParam())); }
+
+    void save() {
+        const auto result = DocManager::instance().saveAs(document(), file());
+        ASSERT_TRUE(result.ok) << qPrintable(result.message);
+    }
+    /// Closes the drawing and reads it from its file; the id of its only note.
+    MxDbObjectId reopen() {
+        DocManager::instance().close(document());
+        merix::ap::Document* opened = nullptr;
+        const auto result = DocManager::instance().open(file(), &opened);
+        EXPECT_TRUE(result.ok) << qPrintable(result.message);
+        useDocument(*opened);
+        EXPECT_EQ(listed().size(), 1u);
+        return listed().at(0);
+    }
+    /// The note of a drawing that has been saved and read again, and not been changed since.
+    MxDbObjectId addFiledNote() {
+        addNote();
+        save();
+        return reopen();
+    }
+    void lockLayerOf(MxDbObjectId id) {
+        auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
+        ASSERT_TRUE(layer);
+        layer->flags |= 4;
+    }
+    void expectRecorded(MxDbObjectId id, const wchar_t* text) {
+        EXPECT_TRUE(note(id).isRecord());
+        EXPECT_EQ(duration(id), text);
+        ASSERT_EQ(note(id).getAudioDataSize(), 64u);
+        EXPECT_EQ(note(id).getAudioData()[0], 1);
+        EXPECT_EQ(note(id).getAudioData()[30], 16);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(DrawingFiles, FiledRecordingTest, ::testing::Values(".dxf", ".merix"),
+                         [](const auto& suite) { return std::string(suite.param + 1); });
+
 } // namespace
+
+TEST_P(FiledRecordingTest, ARecordingOnALockedLayerIsSaved) {
+    const MxDbObjectId id = addFiledNote();
+    lockLayerOf(id);
+    pressFor(openWindow(id), 1500);
+    EXPECT_TRUE(document().isChanged());
+    save();
+    expectRecorded(reopen(), L"1.5\"");
+}
+
+TEST_P(FiledRecordingTest, ARecordingIntoADrawingHeldByAnotherCommandIsSaved) {
+    const MxDbObjectId id = addFiledNote();
+    {
+        const DocumentLock lock(&document(), L"Other", 298);
+        pressFor(openWindow(id), 1500);
+    }
+    EXPECT_TRUE(document().isChanged());
+    save();
+    expectRecorded(reopen(), L"1.5\"");
+}
+
+TEST_P(FiledRecordingTest, ARecordingThatWasNotKeptIsSavedAsNone) {
+    addRecorded(L"2.4\"");
+    save();
+    const MxDbObjectId id = reopen();
+    lockLayerOf(id);
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    window.SetRecordStatus(false);
+    pressFor(window, 500);
+    save();
+    const MxDbObjectId after = reopen();
+    EXPECT_FALSE(note(after).isRecord());
+    EXPECT_EQ(duration(after), L"0.0\"");
+}
+
+TEST_P(FiledRecordingTest, TheGrowingDurationIsSavedWhileARecordingGoesOn) {
+    const MxDbObjectId id = addFiledNote();
+    lockLayerOf(id);
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    hold(window, 2400);
+    tick(window, window.recordTimer());
+    EXPECT_TRUE(document().isChanged());
+    save();
+    removeTagWindow();
+    EXPECT_EQ(duration(reopen()), L"2.4\"");
+}
 
 TEST_F(TagWindowTest, APressOfUpToThreeHundredMillisecondsLeavesTheNoteEmptySilently) {
     const MxDbObjectId id = addNote();
@@ -195,6 +286,133 @@ TEST_F(TagWindowTest, ARecordedNoteIsPlayedForASecondMoreThanItsWholeSeconds) {
     EXPECT_EQ(window.playTimer(), -1);
     phonomark::workerCensus().wait();
     EXPECT_GT(alsa.count("snd_pcm_writei"), 0);
+}
+
+TEST_F(TagWindowTest, ANoteOfTwoSecondsAndABitIsHiddenByTheTenthTick) {
+    CPhonomarkTagUIDlg& window = openWindow(addRecorded(L"2.9\""));
+    press(window);
+    for (int ticks = 1; ticks <= 9; ++ticks) {
+        tick(window, window.playTimer());
+        ASSERT_TRUE(window.isVisible()) << ticks;
+    }
+    tick(window, window.playTimer());
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(TagWindowTest, NothingIsPlayedForThirtySeconds) {
+    CPhonomarkTagUIDlg& window = openWindow(addRecorded(L"60.0\""));
+    press(window);
+    for (int ticks = 1; ticks <= 99; ++ticks) {
+        tick(window, window.playTimer());
+        ASSERT_TRUE(window.isVisible()) << ticks;
+    }
+    tick(window, window.playTimer());
+    EXPECT_FALSE(window.isVisible()) << "30000 ms are more than 29999";
+    EXPECT_FALSE(window.IsPlaying());
+}
+
+TEST_F(TagWindowTest, ARecordingDoesNotWriteIntoTheSoundThatIsStillBeingPlayed) {
+    const MxDbObjectId recorded = addRecorded(L"0.9\"", VkAudioRecorder::kBufferBytes), empty = addNote();
+    std::latch writing{1}, overwritten{1};
+    std::int16_t before = 0, after = 0;
+    alsa.write = [&, writes = 0](const std::int16_t* samples, unsigned long frames) mutable {
+        if (++writes == 1) {
+            before = samples[0];
+            writing.count_down();
+            overwritten.wait();
+            after = samples[0];
+        }
+        return static_cast<long>(frames);
+    };
+    CPhonomarkTagUIDlg& window = openWindow(recorded);
+    press(window);
+    writing.wait();
+    openWindow(empty);
+    hold(window, 2000);
+    overwritten.count_down();
+    letGo(window);
+    for (int ticks = 0; ticks < 4; ++ticks)
+        tick(window, window.playTimer()); // the player stops
+    release();
+    phonomark::workerCensus().wait();
+    EXPECT_EQ(before, 0x0201);
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(note(empty).getAudioDataSize(), 64u);
+}
+
+TEST_F(TagWindowTest, ALaterReleaseKeepsTheTakeAgainAndShowsThePlayImage) {
+    const MxDbObjectId id = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    pressFor(window, 2000);
+    note(id).setDuration(L"9.9\"");
+    press(window); // plays now
+    ASSERT_TRUE(window.IsPlaying());
+    tick(window, window.playTimer());
+    letGo(window);
+    EXPECT_TRUE(window.IsRecording());
+    EXPECT_TRUE(window.IsPlaying());
+    EXPECT_EQ(duration(id), L"2.0\"") << "of the kept recorder";
+    EXPECT_EQ(note(id).getAudioDataSize(), 64u);
+    QImage shown(36, 36, QImage::Format_ARGB32_Premultiplied);
+    shown.fill(Qt::transparent);
+    window.render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
+    EXPECT_EQ(shown, resource("IDB_PNG_TAG_PLAY").convertToFormat(shown.format()));
+}
+
+TEST_F(TagWindowTest, TheWaveFormatOfAPlayedNoteIsFiledWithTheNextRecording) {
+    const MxDbObjectId recorded = addRecorded(L"0.9\""), empty = addNote();
+    tWAVEFORMATEX format;
+    format.wFormatTag = 7;
+    format.nSamplesPerSec = 8000;
+    format.wBitsPerSample = 16;
+    note(recorded).setWaveFormat(&format);
+    CPhonomarkTagUIDlg& window = openWindow(recorded);
+    press(window);
+    for (int ticks = 0; ticks < 4; ++ticks)
+        tick(window, window.playTimer());
+    openWindow(empty);
+    pressFor(window, 2000);
+    tWAVEFORMATEX filed;
+    note(empty).getWaveFormat(filed);
+    EXPECT_EQ(std::memcmp(&filed, &format, sizeof filed), 0);
+}
+
+TEST_F(TagWindowTest, AfterAFailedRecordingASecondPressRecordsNothingAndItsReleaseResetsTheNote) {
+    alsa.setStatus("snd_pcm_open", -19);
+    const MxDbObjectId id = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    press(window);
+    letGo(window);
+    EXPECT_FALSE(window.IsRecording());
+    EXPECT_THAT(printed(), HasSubstr("The sound device is not available."));
+    alsa.setStatus("snd_pcm_open", 0);
+    note(id).setDuration(L"7.7\"");
+    press(window);
+    EXPECT_TRUE(window.IsRecording());
+    EXPECT_NE(window.recordTimer(), -1);
+    letGo(window);
+    EXPECT_EQ(window.recordTimer(), -1);
+    EXPECT_EQ(alsa.count("snd_pcm_open"), 1);
+    EXPECT_EQ(duration(id), L"0.0\"");
+    EXPECT_FALSE(note(id).isRecord());
+    EXPECT_EQ(printed(), "");
+}
+
+TEST_F(TagWindowTest, PlayingANoteWithoutSoundLeavesItOpenAndTheDrawingLockedUntilTheNextCommand) {
+    const MxDbObjectId id = addNote();
+    note(id).setRecord(true);
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    press(window);
+    EXPECT_TRUE(window.IsPlaying());
+    EXPECT_EQ(window.playTimer(), -1);
+    EXPECT_EQ(alsa.count("snd_pcm_open"), 0);
+    MxDbPhonomark* opened = nullptr;
+    EXPECT_EQ(mxdbOpenObject(opened, id, Mx::kForWrite), Mx::eOpenForRead);
+    EXPECT_FALSE(DocumentLock(&document(), L"Other", 298).isHeld());
+    printed();
+    run("VOICESHOW");
+    EXPECT_THAT(printed(), HasSubstr("Voice notes are hidden."));
+    EXPECT_TRUE(DocumentLock(&document(), L"Other", 298).isHeld());
 }
 
 TEST_F(TagWindowTest, WithoutAPlaybackDeviceTheUserIsToldAndTheWindowHidesInTime) {
