@@ -282,10 +282,10 @@ Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) {
     }
     if (m_type == kRegionNote)
         m_extents.set(fields.minimum, fields.maximum);
+    if (status != Mx::eOk && status != Mx::eEndOfItems)
+        return Mx::eItemUnreadable; // the filer has said what it could not read
     if (const auto adopted = adoptDxfFields(filer, fields); adopted != Mx::eOk)
         return adopted;
-    if (status != Mx::eOk && status != Mx::eEndOfItems)
-        return Mx::eItemUnreadable;
     return filer->filerStatus();
 }
 
@@ -345,7 +345,8 @@ bool MxDbPhonomark::dxfInItem(MxDbDxfFiler* filer, DxfFields& fields) {
 }
 
 bool MxDbPhonomark::dxfInWaveFormatItem(const MxDbDxfFiler* filer) {
-    const auto word = [filer] { return static_cast<std::uint16_t>(filer->itemInt16()); };
+    // Some programs write the 16-bit groups as unsigned numbers, which itemInt16 would bring to its bound.
+    const auto word = [filer] { return static_cast<std::uint16_t>(filer->itemInt32()); };
     const auto number = [filer] { return static_cast<std::uint32_t>(filer->itemInt32()); };
     switch (filer->itemCode()) {
     case 71:

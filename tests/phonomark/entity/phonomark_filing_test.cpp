@@ -293,7 +293,7 @@ TEST_F(FilingTest, ADxfRecordOfAnotherSubclassIsLeftAlone) {
 
 TEST_F(FilingTest, ATypeOutsideTheKnownFilesNoLocation) {
     for (const int type : {4, -1, 77}) {
-        MxDbPhonomark before, after;
+        MxDbPhonomark before, after, text;
         before.setPhonomarkType(type);
         before.setPosition({1, 2, 3});
         EXPECT_EQ(items(before)[2], "Bool 0");
@@ -301,6 +301,9 @@ TEST_F(FilingTest, ATypeOutsideTheKnownFilesNoLocation) {
         EXPECT_EQ(after.getPhonomarkType(), type);
         EXPECT_EQ(after.position(), MxGePoint3d());
         EXPECT_THAT(codes(groups(before)), ::testing::ElementsAre(100, 90, 70, 290, 1, 2, 3));
+        EXPECT_EQ(readDxf(text, dxf(before)).status, Mx::eOk);
+        EXPECT_EQ(text.getPhonomarkType(), type);
+        EXPECT_EQ(text.position(), MxGePoint3d());
     }
 }
 
@@ -438,4 +441,27 @@ TEST_F(FilingTest, AnUnknownGroupEndsTheNotesOwn) {
     EXPECT_EQ(text, L"Anna");
     after.getDatatime(text);
     EXPECT_EQ(text, L"");
+}
+
+TEST_F(FilingTest, SixteenBitGroupsMayBeWrittenWithoutTheirSign) {
+    MxDbPhonomark after;
+    EXPECT_EQ(readDxf(after, note1({{71, "65534"}, {72, "65535"}, {73, "40000"}, {74, "32768"}, {75, "-2"}, {93, "0"}}))
+                  .status,
+              Mx::eOk);
+    tWAVEFORMATEX format;
+    after.getWaveFormat(format);
+    EXPECT_EQ(format.wFormatTag, 65534);
+    EXPECT_EQ(format.nChannels, 65535);
+    EXPECT_EQ(format.nBlockAlign, 40000);
+    EXPECT_EQ(format.wBitsPerSample, 32768);
+    EXPECT_EQ(format.cbSize, 65534);
+}
+
+TEST_F(FilingTest, AGroupThatTheReaderCannotReadKeepsItsOwnMessage) {
+    MxDbPhonomark after;
+    const auto result = readDxf(after, note1({{70, "1"}, {11, "4"}, {93, "9000000"}, {310, "no bytes"}, {12, "1"}}));
+    EXPECT_EQ(result.status, 51);
+    EXPECT_EQ(result.filerStatus, 51);
+    EXPECT_EQ(result.message, L"group 310 holds no hexadecimal bytes");
+    EXPECT_EQ(after.extents().minPoint(), MxGePoint3d(4, 0, 0));
 }
