@@ -3,6 +3,7 @@
 
 #include "host/ap/document.h"
 #include "phonomark/dbutil/run_time_class.h"
+#include "phonomark/registry/object_watch.h"
 #include "phonomark/registry/phonomark_manager.h"
 
 MxRxClass* PhonomarkObReactor::gpDesc = nullptr;
@@ -25,4 +26,8 @@ void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
         manager->RemovePhonomark(object->objectId(), document);
     else
         manager->AppendPhonomark(object->objectId(), document);
+}
+
+void PhonomarkObReactor::goodbye(const MxDbObject* object) {
+    forgetObject(object->objectId());
 }

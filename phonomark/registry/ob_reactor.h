@@ -14,4 +14,5 @@ public:
     MxRxClass* isA() const override { return desc(); }
 
     void erased(const MxDbObject* object, bool erasing) override;
+    void goodbye(const MxDbObject* object) override;
 };

@@ -15,10 +15,9 @@ bool removeFrom(MxDbObjectId id, bool openErased) {
     MxDbObject* object = nullptr;
     if (mxdbOpenObject(object, id, Mx::kForRead, openErased) != Mx::eOk)
         return false;
-    if (HasPhonomarkObReactor(object))
-        object->removeReactor(phObjRectPtr());
+    const bool removed = !HasPhonomarkObReactor(object) || object->removeReactor(phObjRectPtr()) == Mx::eOk;
     object->close();
-    return true;
+    return removed;
 }
 
 } // namespace
@@ -49,13 +48,15 @@ void unwatchObject(MxDbObjectId id) {
         g_watched.erase(id);
 }
 
+void forgetObject(MxDbObjectId id) {
+    g_watched.erase(id);
+}
+
 void unwatchDatabase(const MxDbDatabase* database) {
     for (auto id = g_watched.begin(); id != g_watched.end();) {
-        if (id->database() == database) {
-            removeFrom(*id, true);
+        if (id->database() == database && removeFrom(*id, true))
             id = g_watched.erase(id);
-        } else {
+        else
             ++id;
-        }
     }
 }

@@ -18,5 +18,8 @@ void watchObject(MxDbObjectId id);
 /// Stops watching; no effect when the object cannot be opened for read.
 void unwatchObject(MxDbObjectId id);
 
-/// Stops watching every object of the database, erased ones too.
+/// The object goes from memory and its reactors with it.
+void forgetObject(MxDbObjectId id);
+
+/// Stops watching every object of the database, erased ones too. One that cannot be opened now stays watched.
 void unwatchDatabase(const MxDbDatabase* database);

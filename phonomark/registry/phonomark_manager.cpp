@@ -9,6 +9,9 @@
 #include "phonomark/tagwindow/pm_reactor.h"
 #include "phonomark/tagwindow/show_tag_window.h"
 
+#include <cstdio>
+#include <exception>
+
 namespace {
 
 constexpr int kRedrawDraw = 1;
@@ -24,6 +27,15 @@ bool g_managerAlive = false;
 std::vector<MxApDocument*> openDocuments() {
     const MxApDocManager* manager = mxDocManagerPtr();
     return manager ? manager->documents() : std::vector<MxApDocument*>();
+}
+
+/// A step of the registry's end that fails leaves the others to be done.
+template <class Step> void guarded(const Step& step) {
+    try {
+        step();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "phonomark: the notes of a drawing were not put away: %s\n", error.what());
+    }
 }
 
 } // namespace
@@ -56,10 +68,12 @@ PhonomarkManager::PhonomarkManager() {
 }
 
 PhonomarkManager::~PhonomarkManager() {
-    for (MxApDocument* document : openDocuments()) {
-        SaveVoiceHandle(document->database());
-        RemovePhonomark(document);
-    }
+    guarded([this] {
+        for (MxApDocument* document : openDocuments()) {
+            guarded([&] { SaveVoiceHandle(document->database()); });
+            guarded([&] { RemovePhonomark(document); });
+        }
+    });
     AbortPlayingAndDestroyWnd();
     m_documents.clear();
 }

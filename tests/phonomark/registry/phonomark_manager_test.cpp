@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/phonomark_manager.h"
 
+#include "host/db/dictionary.h"
 #include "merix/ap/document_imp.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
 #include "phonomark/app/entry_point.h"
+#include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/ob_reactor.h"
 #include "phonomark/registry/object_watch.h"
+#include "phonomark/tagwindow/show_tag_window.h"
 #include "tests/phonomark/module_fixture.h"
 
 #include <algorithm>
+#include <new>
 
 using merix::ap::DocManager;
 using ::testing::ElementsAre;
@@ -23,6 +27,30 @@ protected:
     PhonomarkManager& registry() { return *livePhManager(); }
     bool isWatched(MxDbObjectId id) { return HasPhonomarkObReactor(&note(id)); }
     std::uint32_t graphicsVersion(MxDbObjectId id) { return note(id).data().graphicsVersion; }
+    void lockLayerOf(MxDbObjectId id) {
+        auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
+        ASSERT_TRUE(layer);
+        layer->flags |= 4;
+    }
+    MxDbObjectId listId(MxDbDatabase& of) {
+        MxDbDictionary *named = nullptr, *notes = nullptr;
+        MxDbObjectId id;
+        if (of.getNamedObjectsDictionary(named, Mx::kForRead) == Mx::eOk) {
+            named->getAt(L"PHONO_MARK", id);
+            named->close();
+        }
+        if (mxdbOpenObject(notes, id, Mx::kForRead) == Mx::eOk) {
+            notes->getAt(L"VOICE_LIST", id);
+            notes->close();
+        }
+        return id;
+    }
+
+    /// Fails whoever changes what it watches.
+    class Failing : public MxDbObjectReactor {
+    public:
+        void modified(const MxDbObject*) override { throw std::bad_alloc(); }
+    };
 };
 
 } // namespace
@@ -114,9 +142,7 @@ TEST_F(RegistryTest, ErasingIsOneUndoableUnitNamedForTheUser) {
 
 TEST_F(RegistryTest, ANoteOnALockedLayerIsNotErasedAndTheUserIsTold) {
     const MxDbObjectId id = addNote();
-    auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
-    ASSERT_TRUE(layer);
-    layer->flags |= 4;
+    lockLayerOf(id);
     EXPECT_TRUE(registry().ErasePhonomark(id, nullptr));
     EXPECT_FALSE(note(id).isErased());
     EXPECT_THAT(printed(), HasSubstr("The note is on a locked layer and was not deleted."));
@@ -125,9 +151,7 @@ TEST_F(RegistryTest, ANoteOnALockedLayerIsNotErasedAndTheUserIsTold) {
 
 TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewToo) {
     const MxDbObjectId id = addNote();
-    auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
-    ASSERT_TRUE(layer);
-    layer->flags |= 4;
+    lockLayerOf(id);
     const auto before = graphicsVersion(id);
     registry().UpdateAll(&document());
     EXPECT_GT(graphicsVersion(id), before);
@@ -195,4 +219,82 @@ TEST_F(RegistryTest, NoReactorStaysBehindOnAnErasedNote) {
     deleteMxPhManager();
     EXPECT_FALSE(isWatched(id));
     createMxPhManager();
+}
+
+TEST_F(RegistryTest, DrawingAnewStopsAtARefusedLock) {
+    const MxDbObjectId a = addNote(), b = addNote();
+    lockLayerOf(a);
+    const auto beforeA = graphicsVersion(a), beforeB = graphicsVersion(b);
+    const DocumentLock held(&document(), L"Other", 298);
+    registry().UpdateAll(&document());
+    EXPECT_EQ(graphicsVersion(a), beforeA) << "locked layers are not looked after either";
+    EXPECT_EQ(graphicsVersion(b), beforeB);
+    EXPECT_THAT(printed(), HasSubstr("is held by Other"));
+}
+
+TEST_F(RegistryTest, TheRemovalOfTheLastNoteEndsTheHoverMonitor) {
+    MxEdInputPoint emptySpace;
+    emptySpace.pointComputed = true;
+    const MxDbObjectId a = addNote(), b = addNote();
+    const auto isMonitored = [&] {
+        ShowTagWindow(CPoint{100, 100}, &note(a));
+        document().inputPointManager()->notify(emptySpace); // takes the window away
+        return g_taguidlg == nullptr;
+    };
+    EXPECT_TRUE(isMonitored());
+    registry().RemovePhonomark(a, &document());
+    EXPECT_TRUE(isMonitored());
+    registry().RemovePhonomark(b, &document());
+    EXPECT_FALSE(isMonitored());
+    registry().AppendPhonomark(b, &document());
+    EXPECT_TRUE(isMonitored());
+}
+
+TEST_F(RegistryTest, AFailureAtItsEndCostsOneDrawingItsListAndNoMore) {
+    const MxDbObjectId id = addNote();
+    ASSERT_TRUE(registry().SaveVoiceHandle(&database()));
+    const MxDbObjectId late = addNote();
+    Failing failing;
+    MxDbXrecord* list = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, listId(database()), Mx::kForRead), Mx::eOk);
+    ASSERT_EQ(list->addReactor(&failing), Mx::eOk);
+    list->close();
+    merix::ap::Document &first = document(), *second = DocManager::instance().create();
+    useDocument(*second);
+    const MxDbObjectId other = addNote();
+    testing::internal::CaptureStderr();
+    deleteMxPhManager();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("phonomark: "));
+    for (const MxDbObjectId& each : {id, late, other})
+        EXPECT_FALSE(isWatched(each));
+    ASSERT_EQ(mxdbOpenObject(list, listId(*second->database()), Mx::kForRead), Mx::eOk) << "the others were written";
+    list->close();
+    createMxPhManager();
+    EXPECT_THAT(listed(), ElementsAre(other));
+    DocManager::instance().close(first);
+}
+
+TEST_F(RegistryTest, ANoteThatCouldNotBeOpenedIsStillWatchedAndLetGoLater) {
+    const MxDbObjectId id = addNote();
+    MxDbPhonomark* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, id, Mx::kForWrite), Mx::eOk);
+    registry().RemovePhonomark(&document());
+    EXPECT_TRUE(HasPhonomarkObReactor(writer));
+    writer->close();
+    deleteMxPhManager();
+    EXPECT_FALSE(isWatched(id));
+    createMxPhManager();
+}
+
+TEST_F(RegistryTest, AWatchedNoteThatGoesFromMemoryIsForgotten) {
+    const MxDbObjectId id = addNote();
+    MxDbPhonomark* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, id, Mx::kForWrite), Mx::eOk);
+    merix::ap::Document* second = DocManager::instance().create();
+    DocManager::instance().close(document()); // the note cannot be opened when its document goes
+    useDocument(*second);
+    addNote();
+    deleteMxPhManager(); // would ask the note that has gone
+    createMxPhManager();
+    EXPECT_EQ(listed().size(), 1u);
 }
