@@ -38,24 +38,27 @@ bool CPhonomarkManDlg::OnInitDialog() {
     CDialog::OnInitDialog();
     m_list = item<QTableWidget>("IDC_LIST_PHOBJECT");
     m_play = item<QPushButton>("IDC_BUTTON_PLAY");
-    if (!m_list || !m_play)
-        return true; // the resource module is missing: an empty window
-    bindSingals();
+    bindSingals(); // without the resource module the window is empty
     makeColumns();
-    m_play->setEnabled(false);
     UpdateVoiceData();
+    UpdateButtonShow();
     return true;
 }
 
 void CPhonomarkManDlg::bindSingals() {
-    connect(m_list, &QTableWidget::itemClicked, this, [this] { UpdateButtonShow(); });
-    connect(m_list, &QTableWidget::itemSelectionChanged, this, [this] { UpdateButtonShow(); });
-    connect(m_play, &QPushButton::clicked, this, [this] { OnBnClickedButtonPlay(); });
+    if (m_list) {
+        connect(m_list, &QTableWidget::itemClicked, this, [this] { UpdateButtonShow(); });
+        connect(m_list, &QTableWidget::itemSelectionChanged, this, [this] { UpdateButtonShow(); });
+    }
+    if (m_play)
+        connect(m_play, &QPushButton::clicked, this, [this] { OnBnClickedButtonPlay(); });
     if (auto* cancel = item<QPushButton>("IDCANCEL"))
         connect(cancel, &QPushButton::clicked, this, [this] { OnCancel(); });
 }
 
 void CPhonomarkManDlg::makeColumns() {
+    if (!m_list)
+        return;
     m_list->setShowGrid(true);
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_list->setColumnCount(static_cast<int>(std::size(kColumns)));

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/dialogs/manager_dialog.h"
 
+#include "host/win/resources.h"
 #include "phonomark/app/module_resources.h"
+#include "phonomark/app/module_state.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
@@ -22,6 +24,15 @@ protected:
             dialog.OnCancel();
         });
         dialog.DoModal();
+    }
+    static void expectEmpty(CPhonomarkManDlg& dialog) {
+        QTimer::singleShot(0, &dialog, [&] {
+            EXPECT_TRUE(dialog.findChildren<QWidget*>().isEmpty());
+            dialog.UpdateVoiceData();
+            dialog.UpdateButtonShow();
+            dialog.OnCancel();
+        });
+        EXPECT_EQ(dialog.DoModal(), 2);
     }
     static QStringList row(const QTableWidget& list, int at) {
         QStringList texts;
@@ -59,6 +70,7 @@ TEST_F(ManagerDialogTest, ANoteThatCannotBeOpenedLeavesAGapInTheNumbers) {
     addNote();
     inDialog([&](const CPhonomarkManDlg& dialog) {
         const auto* list = dialog.findChild<QTableWidget*>(QStringLiteral("IDC_LIST_PHOBJECT"));
+        ASSERT_TRUE(list);
         ASSERT_EQ(list->rowCount(), 2);
         EXPECT_EQ(list->item(1, 0)->text(), QStringLiteral("2"));
     });
@@ -69,6 +81,7 @@ TEST_F(ManagerDialogTest, PlayNeedsASelectedRowAndPlaysItsNote) {
     inDialog([&](const CPhonomarkManDlg& dialog) {
         auto* list = dialog.findChild<QTableWidget*>(QStringLiteral("IDC_LIST_PHOBJECT"));
         auto* play = dialog.findChild<QPushButton*>(QStringLiteral("IDC_BUTTON_PLAY"));
+        ASSERT_TRUE(list);
         ASSERT_TRUE(play);
         EXPECT_FALSE(play->isEnabled());
         list->selectRow(0);
@@ -84,14 +97,49 @@ TEST_F(ManagerDialogTest, PlayNeedsASelectedRowAndPlaysItsNote) {
 TEST_F(ManagerDialogTest, ANoteWithoutSoundIsNotPlayed) {
     addNote();
     inDialog([&](const CPhonomarkManDlg& dialog) {
-        dialog.findChild<QTableWidget*>(QStringLiteral("IDC_LIST_PHOBJECT"))->selectRow(0);
-        dialog.findChild<QPushButton*>(QStringLiteral("IDC_BUTTON_PLAY"))->click();
+        auto* list = dialog.findChild<QTableWidget*>(QStringLiteral("IDC_LIST_PHOBJECT"));
+        auto* play = dialog.findChild<QPushButton*>(QStringLiteral("IDC_BUTTON_PLAY"));
+        ASSERT_TRUE(list);
+        ASSERT_TRUE(play);
+        list->selectRow(0);
+        play->click();
     });
     EXPECT_EQ(alsa.count("snd_pcm_open"), 0);
 }
 
 TEST_F(ManagerDialogTest, WithoutItsTemplateTheDialogIsAnEmptyWindow) {
+    addNote();
     CPhonomarkManDlg dialog(nullptr);
-    QTimer::singleShot(0, &dialog, [&] { dialog.OnCancel(); });
-    EXPECT_EQ(dialog.DoModal(), 2);
+    expectEmpty(dialog);
+}
+
+TEST_F(ManagerDialogTest, WithoutTheResourceModuleTheDialogIsAnEmptyWindow) {
+    addNote();
+    FreeLibrary(_hdllInstance);
+    _hdllInstance = nullptr;
+    const ModuleResources resources;
+    CPhonomarkManDlg dialog(nullptr);
+    expectEmpty(dialog);
+}
+
+TEST_F(ManagerDialogTest, AWidgetThatTheTemplateLacksIsDoneWithout) {
+    addRecorded(L"2.4\"");
+    for (const bool withList : {true, false}) {
+        CPhonomarkManDlg dialog(nullptr);
+        QTableWidget list;
+        QPushButton play;
+        list.setObjectName(QStringLiteral("IDC_LIST_PHOBJECT"));
+        play.setObjectName(QStringLiteral("IDC_BUTTON_PLAY"));
+        (withList ? static_cast<QWidget&>(list) : play).setParent(&dialog);
+        QTimer::singleShot(0, &dialog, [&] {
+            if (withList) {
+                EXPECT_EQ(list.rowCount(), 1);
+                list.selectRow(0);
+            } else {
+                EXPECT_FALSE(play.isEnabled());
+            }
+            dialog.OnCancel();
+        });
+        EXPECT_EQ(dialog.DoModal(), 2);
+    }
 }
