@@ -77,9 +77,10 @@ TEST_F(InsertTest, ATypedSpeakerIsCutAtItsBuffer) {
 }
 
 TEST_F(InsertTest, EnterAtTheSettingsQuestionMakesItAPoint) {
-    WriteProfileInt(L"", L"VoiceType", 0);
+    WriteProfileStringW(L"", L"VoiceType", L"Region"); // no number: asks for a point
     run("PHONOMARK", {"Settings", "", "3,4"});
     EXPECT_EQ(only().getPhonomarkType(), 0);
+    EXPECT_EQ(GetProfileStringW(L"", L"VoiceType", L""), L"0");
     EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
 }
 
@@ -97,4 +98,22 @@ TEST_F(InsertTest, HiddenNotesAreShownBeforeAnythingIsAsked) {
     EXPECT_TRUE(IsShowPhonomark()) << "although the command was cancelled";
     EXPECT_THAT(printed(), HasSubstr("Voice notes are shown."));
     EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(InsertTest, TheSettingsQuestionOffersWhatCanBePlaced) {
+    run("PHONOMARK", {"Settings", "Reply", "Point", "3,4"});
+    EXPECT_THAT(printed(), HasSubstr("[Point/Spokesman]"));
+    EXPECT_EQ(only().getPhonomarkType(), 0) << "Reply is no answer and is asked again";
+    EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+}
+
+TEST_F(InsertTest, ANoteThatCannotBeAddedIsListedAsNothingAndTheSettingsAreWritten) {
+    MxDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(mxdbOpenObject(space, database().currentSpaceId(), Mx::kForRead), Mx::eOk);
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna", "10,20"});
+    space->close();
+    EXPECT_THAT(listed(), ::testing::ElementsAre(MxDbObjectId()));
+    EXPECT_EQ(storedSpeaker(), L"Anna");
+    EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 0);
+    EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
 }
