@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/settings/profile.h"
 
+#include "host/rx/configuration.h"
 #include "phonomark/dbutil/text_conversion.h"
 
 #include <QSettings>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace {
+
+/// The value that stands for a key itself.
+constexpr wchar_t kDefaultValue[] = L"Default";
+constexpr std::size_t kLongestProfileName = 1024;
 
 /// One opening of the store: on Linux VORKAS/MERIX/2026/MERIX.conf under the user's configuration directory.
 class Store {
@@ -47,6 +54,19 @@ int GetProfileIntW(const std::wstring& section, const std::wstring& key, int def
 
 std::wstring GetProfileStringW(const std::wstring& section, const std::wstring& key, const std::wstring&) {
     return toWide(Store(section).value(key, QVariant()).toString());
+}
+
+std::wstring GetProfileName() {
+    const MxRxConfiguration* configuration = mxrxConfiguration();
+    if (!configuration)
+        return {};
+    std::wstring key = configuration->profileKey();
+    std::replace(key.begin(), key.end(), L'\\', L'/');
+    const QVariant name = Store(key).value(kDefaultValue, QVariant());
+    if (name.type() != QVariant::String)
+        return {};
+    const std::wstring text = toWide(name.toString());
+    return text.size() <= kLongestProfileName ? text : std::wstring();
 }
 
 void WriteProfileInt(const std::wstring& section, const std::wstring& key, int value) {

@@ -17,5 +17,9 @@ int GetProfileIntW(const std::wstring& section, const std::wstring& key, int def
 std::wstring GetProfileStringW(const std::wstring& section, const std::wstring& key,
                                const std::wstring& ignoredDefault);
 
+/// The name of the host's present profile: the default value of the host's profile key in the store, a text of at most
+/// 1024 characters. Empty when there is none, or when the host has no configuration object.
+std::wstring GetProfileName();
+
 void WriteProfileInt(const std::wstring& section, const std::wstring& key, int value);
 void WriteProfileStringW(const std::wstring& section, const std::wstring& key, const std::wstring& value);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/settings/profile.h"
 
+#include "merix/rx/configuration.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -26,6 +28,20 @@ protected:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text.toUtf8());
     }
+
+    /// A host whose profile key is this.
+    class Configuration : public MxRxConfiguration {
+    public:
+        explicit Configuration(const wchar_t* key)
+            : m_key(key) {
+            merix::rx::setConfiguration(this);
+        }
+        ~Configuration() override { merix::rx::setConfiguration(nullptr); }
+        CStdStr<wchar_t> profileKey() const override { return m_key; }
+
+    private:
+        CStdStr<wchar_t> m_key;
+    };
 
 private:
     void clear() const { QDir(m_home + QStringLiteral("/VORKAS")).removeRecursively(); }
@@ -94,4 +110,29 @@ TEST_F(ProfileTest, AWriteThatFailsIsReportedByNobody) {
     WriteProfileInt(RegSection(), L"VoiceShow", 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_TRUE(QFileInfo(storeFile()).isDir());
+}
+
+TEST_F(ProfileTest, WithoutAConfigurationOfTheHostThereIsNoProfileName) {
+    store(QStringLiteral("[Profiles]\nDefault=Surveying\n"));
+    EXPECT_EQ(GetProfileName(), L"");
+}
+
+TEST_F(ProfileTest, TheProfileNameIsTheDefaultValueUnderTheHostsKey) {
+    store(QStringLiteral("[Host]\nProfiles\\Default=Surveying\nProfiles\\Other=No\n"));
+    for (const wchar_t* key : {L"Host/Profiles", L"Host\\Profiles"}) {
+        const Configuration configuration(key);
+        EXPECT_EQ(GetProfileName(), L"Surveying");
+    }
+    const Configuration elsewhere(L"Nothing");
+    EXPECT_EQ(GetProfileName(), L"");
+}
+
+TEST_F(ProfileTest, AProfileNameIsATextOfAtMostOneThousandAndTwentyFourCharacters) {
+    const Configuration configuration(L"Profiles");
+    store(QStringLiteral("[Profiles]\nDefault=%1\n").arg(QString(1024, QLatin1Char('x'))));
+    EXPECT_EQ(GetProfileName(), std::wstring(1024, L'x'));
+    store(QStringLiteral("[Profiles]\nDefault=%1\n").arg(QString(1025, QLatin1Char('x'))));
+    EXPECT_EQ(GetProfileName(), L"");
+    store(QStringLiteral("[Profiles]\nDefault=a, b\n")); // a list
+    EXPECT_EQ(GetProfileName(), L"");
 }
