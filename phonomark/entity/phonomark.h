@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // MxDbPhonomark, the drawing entity that carries one spoken note. Record in phonomark.cpp, filing in
-// phonomark_filing.cpp, drawing in phonomark_drawing.cpp and phonomark_icons.cpp. Main thread only, but for the playing
-// mark and the shared audio bytes.
+// phonomark_filing.cpp, drawing in phonomark_drawing.cpp with the signs of icons.cpp. Main thread only, but for the
+// playing mark and the shared audio bytes.
 #pragma once
 
 #include "host/db/entity.h"
