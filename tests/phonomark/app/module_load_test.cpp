@@ -2,6 +2,7 @@
 // The module as it is shipped, loaded and unloaded by the host's loader.
 #include "host/db/database.h"
 #include "merix/ap/document_imp.h"
+#include "merix/db/database_imp.h"
 #include "merix/ed/command_stack.h"
 #include "merix/ed/console.h"
 #include "merix/ed/host_functions.h"
@@ -86,6 +87,20 @@ protected:
         const Answers source(std::move(answers));
         merix::ed::CommandStack::instance().runLine(QString::fromLatin1(line));
     }
+    static std::string printedBy(const char* line) {
+        auto& console = merix::ed::Console::instance();
+        console.markRead();
+        run(line);
+        return console.unread().toStdString();
+    }
+    std::vector<MxDbObjectId> entities() {
+        MxDbBlockTableRecord* space = nullptr;
+        if (mxdbOpenObject(space, document().database()->currentSpaceId(), Mx::kForRead) != Mx::eOk)
+            return {};
+        const std::vector<MxDbObjectId> ids = space->entityIds();
+        space->close();
+        return ids;
+    }
     static int commandsOfTheModule() {
         int count = 0;
         for (const QString& command : merix::ed::CommandStack::instance().commands())
@@ -140,12 +155,22 @@ TEST_F(ModuleLoadTest, TheApiVersionIsTheOneOfTheContract) {
 
 TEST_F(ModuleLoadTest, AMessageAboveFifteenChangesNothing) {
     Module& module = load();
-    for (const int message : {16, 17, 1000, 0x7fffffff}) {
+    run("PHONOMARK", {QStringLiteral("10,20")});
+    const auto documents = DocManager::instance().all();
+    const auto notes = entities();
+    ASSERT_EQ(notes.size(), 1u);
+    const auto changes = document().database()->imp().undo.undoUnits().size();
+    for (const int message : {16, 17, 1000, 0x7fffffff, -1}) {
         EXPECT_EQ(ModuleLoader::instance().sendMessage(module, message), 0);
         EXPECT_EQ(classesRegistered(), int(kClasses.size()));
         EXPECT_EQ(commandsOfTheModule(), 3);
         EXPECT_EQ(call("(PhonomarkShow)"), "1");
+        EXPECT_EQ(DocManager::instance().all(), documents);
+        EXPECT_EQ(entities(), notes);
+        EXPECT_EQ(document().database()->imp().undo.undoUnits().size(), changes);
     }
+    run("VOICESHOW"); // the notes are still listed and the command still works
+    EXPECT_EQ(call("(PhonomarkShow)"), "0");
 }
 
 TEST_F(ModuleLoadTest, MessagesWithoutAHandlerAreAnsweredWithSuccess) {
@@ -208,27 +233,30 @@ TEST_F(ModuleLoadTest, TheCommandGroupOutlivesTheModuleAndItsClassesComeBack) {
 TEST_F(ModuleLoadTest, ACommandWithoutItsModuleDoesNothing) {
     Module& module = load();
     unload(module);
-    run("VOICESHOW");
+    EXPECT_THAT(printedBy("VOICESHOW"), HasSubstr("The module of the command VOICESHOW is not loaded."));
     EXPECT_FALSE(isMapped());
 }
 
 TEST_F(ModuleLoadTest, WithoutTheResourceModuleLoadingCompletes) {
+    Module& module = load();
+    EXPECT_THAT(printedBy("VOICESHOW"), HasSubstr("Voice notes are hidden."));
+    EXPECT_THAT(printedBy("VOICESHOW"), HasSubstr("Voice notes are shown."));
+    unload(module);
+    const QByteArray path = qgetenv("MERIX_RESOURCE_PATH");
     qunsetenv("MERIX_RESOURCE_PATH");
     load();
+    qputenv("MERIX_RESOURCE_PATH", path);
     EXPECT_EQ(classesRegistered(), int(kClasses.size()));
     EXPECT_EQ(call("(PhonomarkShow)"), "1");
-    run("VOICESHOW");
+    EXPECT_EQ(printedBy("VOICESHOW"), "\nCommand: VOICESHOW") << "the host's line alone";
     EXPECT_EQ(call("(PhonomarkShow)"), "0");
 }
 
 TEST_F(ModuleLoadTest, NotesOutliveAnUnloadWithTheirDrawingOpen) {
     Module& module = load();
     run("PHONOMARK", {QStringLiteral("10,20")});
-    MxDbBlockTableRecord* space = nullptr;
-    ASSERT_EQ(mxdbOpenObject(space, document().database()->currentSpaceId(), Mx::kForRead), Mx::eOk);
-    ASSERT_EQ(space->entityIds().size(), 1u);
-    const MxDbObjectId id = space->entityIds().front();
-    space->close();
+    ASSERT_EQ(entities().size(), 1u);
+    const MxDbObjectId id = entities().front();
     for (int turn = 0; turn < 2; ++turn) {
         MxDbObject* note = nullptr;
         ASSERT_EQ(mxdbOpenObject(note, id, Mx::kForRead), Mx::eOk);
