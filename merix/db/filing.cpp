@@ -50,9 +50,11 @@ void readApplicationGroup(ObjectData& data, MxDbDxfFiler* filer) {
         setPersistentReactors(data, ids);
 }
 
-/// Reads up to the first item that is not the base's. Behind the base's own marker everything up to the next marker is:
-/// what is not known there is passed over.
+/// Reads up to the first item that is not the base's. For a class of a module everything behind the base's own marker
+/// and before the next one is: what is not known there is passed over. The built-in kinds pass unknown items over
+/// themselves, so that they also read records whose own marker was left out.
 Mx::ErrorStatus readBaseGroups(MxDbObject& object, MxDbEntity* entity, MxDbDxfFiler* filer) {
+    const bool ownsMarker = entity && *entity->isA()->appName() != L'\0';
     bool marked = false;
     for (;;) {
         if (const auto status = filer->readItem(); status != Mx::eOk)
@@ -65,7 +67,7 @@ Mx::ErrorStatus readBaseGroups(MxDbObject& object, MxDbEntity* entity, MxDbDxfFi
             continue;
         }
         if (entity && code == 100 && filer->itemString().str() == L"AcDbEntity") {
-            marked = true;
+            marked = ownsMarker;
             continue;
         }
         const bool taken = entity && readEntityItem(*entity, filer);

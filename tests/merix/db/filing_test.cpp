@@ -13,6 +13,12 @@ using merix::io::DxfTag;
 /// An entity of a module: nothing of it is read unless its own marker follows the base's groups.
 class Note final : public MxDbEntity {
 public:
+    MxRxClass* isA() const override {
+        static MxRxClass* const noteClass = newMxRxClass(
+            L"TestNote", L"MxDbEntity", 1, 0, 0, [] { return static_cast<MxRxObject*>(new Note); }, L"TESTNOTE",
+            L"Test");
+        return noteClass;
+    }
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override {
         assertWriteEnabled();
         if (const auto status = MxDbEntity::dxfInFields(filer); status != Mx::eOk)
@@ -72,6 +78,15 @@ TEST_F(FilingTest, GroupsOfTheBaseThatAreNotKnownArePassedOver) {
 TEST_F(FilingTest, WithoutMarkersTheFirstUnknownGroupIsTheEntitysOwn) {
     merix::db::Line line;
     read(line, {{5, "2A"}, {8, "0"}, {10, "1.0"}, {20, "2.0"}, {11, "3.0"}, {21, "4.0"}});
+    EXPECT_EQ(line.start, MxGePoint3d(1, 2, 0));
+    EXPECT_EQ(line.end, MxGePoint3d(3, 4, 0));
+}
+
+TEST_F(FilingTest, ABuiltInKindIsReadThoughItsOwnMarkerWasLeftOut) {
+    merix::db::Line line;
+    read(
+        line,
+        {{5, "2A"}, {100, "AcDbEntity"}, {8, "0"}, {410, "Model"}, {10, "1.0"}, {20, "2.0"}, {11, "3.0"}, {21, "4.0"}});
     EXPECT_EQ(line.start, MxGePoint3d(1, 2, 0));
     EXPECT_EQ(line.end, MxGePoint3d(3, 4, 0));
 }
