@@ -10,10 +10,11 @@ function(merix_floor name)
     endif()
 endfunction()
 
-# merix_test(<name> SOURCES <files> [LIBS <libs>] [ENV <VAR=value>]): a GoogleTest program; every test in it is
-# its own ctest test. Windows go to the offscreen platform.
+# merix_test(<name> SOURCES <files> [LIBS <libs>] [ENV <VAR=value>] [SERIAL]): a GoogleTest program; every test in it is
+# its own ctest test. Windows go to the offscreen platform. SERIAL tests run with no other beside them: sound is made
+# in real time.
 function(merix_test name)
-    cmake_parse_arguments(ARG "" "ENV" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(ARG "SERIAL" "ENV" "SOURCES;LIBS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE merix_flags ${ARG_LIBS} GTest::gmock GTest::gtest)
     if(NOT ARG_LIBS MATCHES "merix_testmain")
@@ -27,6 +28,9 @@ function(merix_test name)
     if(ARG_ENV)
         string(REPLACE "=" "=set:" modification "${ARG_ENV}")
         list(APPEND properties ENVIRONMENT_MODIFICATION ${modification})
+    endif()
+    if(ARG_SERIAL)
+        list(APPEND properties RUN_SERIAL TRUE)
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
