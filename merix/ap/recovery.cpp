@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <QThread>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <semaphore>
@@ -42,8 +43,8 @@ void writeAndTell() {
 /// Tells a worker that the main thread has written. One is enough: the process ends once.
 std::binary_semaphore g_written{0};
 
-/// Lives in the main thread and writes there when a worker asks for it. The event carries nothing: what the threads
-/// share is the semaphore alone.
+/// Lives in the main thread and writes there when a worker asks for it. The worker posts an event that the main thread
+/// has made: what the threads share otherwise is the semaphore alone.
 class Keeper : public QObject {
 public:
     bool event(QEvent* event) override {
@@ -57,13 +58,15 @@ public:
 };
 
 Keeper* g_keeper = nullptr; // never destroyed: a worker may end the process at any time
+std::atomic<QEvent*> g_request = nullptr;
 
 void atShutdown() {
     if (QThread::currentThread() == g_keeper->thread()) {
         writeAndTell();
         return;
     }
-    QCoreApplication::postEvent(g_keeper, new QEvent(QEvent::User));
+    if (QEvent* request = g_request.exchange(nullptr))
+        QCoreApplication::postEvent(g_keeper, request);
     if (!g_written.try_acquire_for(kPatience))
         std::fputs("merix: the program hangs, unsaved changes could not be kept\n", stderr);
 }
@@ -81,8 +84,10 @@ QString recoveryPath(const QString& path, const QString& title) {
 }
 
 void writeRecoveryFilesAtShutdown() {
-    if (!g_keeper)
+    if (!g_keeper) {
         g_keeper = new Keeper;
+        g_request = new QEvent(QEvent::User);
+    }
     rx::setShutdownHook(&atShutdown);
 }
 
