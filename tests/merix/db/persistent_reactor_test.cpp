@@ -92,6 +92,16 @@ TEST_F(PersistentReactor, AddingAndRemovingFollowUndo) {
     EXPECT_EQ(drawing.at<Line>(line).reactors()[0].persistent, reactor);
 }
 
+TEST_F(PersistentReactor, IsToldOfChangesThatAreTakenBackAndDoneAgain) {
+    add(line, reactor);
+    drawing.moveLine(line, {2, 0, 0});
+    watcher->told = 0;
+    ASSERT_TRUE(drawing.imp.undo.undo());
+    EXPECT_EQ(watcher->told, 1);
+    ASSERT_TRUE(drawing.imp.undo.redo());
+    EXPECT_EQ(watcher->told, 2);
+}
+
 TEST_F(PersistentReactor, WhatChangesNothingLeavesNothingToUndo) {
     add(line, reactor);
     drawing.imp.undo.clear();
