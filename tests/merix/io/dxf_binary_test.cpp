@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/io/dxf_binary.h"
 
+#include "merix/io/drawing_parts.h"
 #include "merix/io/dxf_encoding.h"
 #include "merix/io/dxf_tag.h"
 #include "tests/merix/io/drawing_fixture.h"
@@ -362,6 +363,29 @@ TEST_P(BinaryDxfSound, ComesThroughEveryFormBitForBit) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, BinaryDxfSound, ::testing::Values(0, 1, 99, 100, 127, 128, 254, 255, 480000));
 
+TEST_F(BinaryDxf, DictionariesAndReactorsOfObjectsSurviveEveryForm) {
+    const std::string text = drawing("0|LINE|5|30|102|{ACAD_XDICTIONARY|360|40|102|}|102|{ACAD_REACTORS|330|33|330|41|"
+                                     "102|}|330|1F|100|AcDbEntity|8|0|100|AcDbLine|10|0.0|20|0.0|11|1.0|21|1.0|" +
+                                         kCircle,
+                                     "3|KEY|350|41|0|DICTIONARY|5|40|330|30|100|AcDbDictionary|281|1|3|Y|360|41|"
+                                     "0|XRECORD|5|41|330|40|100|AcDbXrecord|280|1|90|-7|310|00FF|1040|0.1");
+    ASSERT_TRUE(load(text));
+    savedAs(DxfForm::kBinary, "1.dxf");
+    MxDbDatabase binary, native;
+    ASSERT_TRUE(readDrawing(directory / "1.dxf", binary));
+    ASSERT_TRUE(writeDrawing(directory / "2.merix", binary));
+    ASSERT_TRUE(readDrawing(directory / "2.merix", native));
+    for (MxDbDatabase* read : {&binary, &native}) {
+        const db::ObjectData& data = read->imp().find(MxDbHandle(0x30))->object->data();
+        EXPECT_EQ(data.extensionDictionary.handle().value(), 0x40U);
+        ASSERT_EQ(data.reactors.size(), 2U);
+        EXPECT_EQ(data.reactors[0].persistent.handle().value(), 0x33U);
+        EXPECT_EQ(data.reactors[1].persistent.handle().value(), 0x41U);
+    }
+    ASSERT_TRUE(writeDrawing(directory / "3.dxf", native, DxfForm::kText));
+    EXPECT_EQ(tagsOf(readBytes(directory / "3.dxf")), tagsOf(text));
+}
+
 /// With python3-ezdxf, another program that knows the format.
 class BinaryDxfPeer : public BinaryDxf {
 protected:
@@ -441,6 +465,66 @@ TEST_F(BinaryDxfPeer, ItsFilesAreSavedByteForByte) {
         ASSERT_TRUE(readDrawing(directory / "out.merix", native));
         ASSERT_TRUE(writeDrawing(directory / "native.dxf", native));
         ASSERT_EQ(readBytes(directory / "native.dxf"), bytes) << path;
+    }
+}
+
+const char* const kOldDrawing = R"(
+import sys, ezdxf
+doc = ezdxf.new(sys.argv[1])
+doc.appids.new("MERIX")
+line = doc.modelspace().add_line((0.1, 0.2), (3, 4))
+line.set_xdata("MERIX", [(1000, "text"), (1040, 0.3), (1070, -5), (1071, 70000), (1010, (1, 2, 3))])
+doc.modelspace().add_text("old")
+doc.saveas(sys.argv[2], fmt="bin")
+doc.saveas(sys.argv[2] + ".txt.dxf")
+)";
+
+TEST_F(BinaryDxfPeer, ItsFilesOfEveryVersionAreSavedByteForByte) {
+    for (const char* version : {"R12", "R2000", "R2007", "R2018"}) {
+        ASSERT_NO_FATAL_FAILURE(python(kOldDrawing, version, directory / "peer.dxf"));
+        MxDbDatabase drawing;
+        const FileResult read = readDrawing(directory / "peer.dxf", drawing);
+        ASSERT_TRUE(read) << read.error;
+        EXPECT_EQ(drawingParts(drawing.imp())->form,
+                  std::string_view(version) == "R12" ? DxfForm::kShortBinary : DxfForm::kBinary);
+        ASSERT_TRUE(writeDrawing(directory / "out.dxf", drawing));
+        EXPECT_TRUE(readBytes(directory / "out.dxf") == readBytes(directory / "peer.dxf")) << version;
+        MxDbDatabase text;
+        ASSERT_TRUE(readDrawing(directory / "peer.dxf.txt.dxf", text));
+        ASSERT_TRUE(writeDrawing(directory / "binary.dxf", text, DxfForm::kBinary));
+        ASSERT_NO_FATAL_FAILURE(python(kSameTags, directory / "peer.dxf.txt.dxf", directory / "binary.dxf"));
+    }
+}
+
+const char* const kLoadAndSave = R"(
+import sys, ezdxf
+ezdxf.readfile(sys.argv[1]).saveas(sys.argv[2], fmt="bin")
+)";
+
+TEST_F(BinaryDxfPeer, ItLoadsAndSavesLongSoundsUnchanged) {
+    constexpr std::size_t kNotes = 20, kSize = 480000;
+    const WithSampleClass sample;
+    ASSERT_TRUE(readDrawing(MERIX_SOURCE_DIR "/samples/plan.dxf", database));
+    std::vector<std::uint64_t> handles;
+    for (std::size_t i = 0; i < kNotes; ++i) {
+        auto* note = new SampleNote;
+        note->text = L"words";
+        for (std::size_t k = 0; k < kSize; ++k)
+            note->bytes.push_back(static_cast<std::uint8_t>(k * 7 + k / 256 + i));
+        handles.push_back(append(note));
+    }
+    savedAs(DxfForm::kBinary);
+    ASSERT_NO_FATAL_FAILURE(python(kLoadAndSave, directory / "form.dxf", directory / "peer.dxf"));
+    MxDbDatabase back;
+    const FileResult read = readDrawing(directory / "peer.dxf", back);
+    ASSERT_TRUE(read) << read.error;
+    for (const std::uint64_t handle : handles) {
+        const db::ObjectStub* before = database.imp().find(MxDbHandle(handle));
+        const db::ObjectStub* after = back.imp().find(MxDbHandle(handle));
+        ASSERT_TRUE(after && after->object && after->object->isKindOf(SampleNote::desc()));
+        EXPECT_TRUE(static_cast<const SampleNote*>(after->object)->bytes ==
+                    static_cast<const SampleNote*>(before->object)->bytes);
+        EXPECT_TRUE(after->object->data().source.text == before->object->data().source.text);
     }
 }
 
