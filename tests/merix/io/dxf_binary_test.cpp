@@ -113,6 +113,42 @@ TEST_F(BinaryDxf, EveryTypeIsReadByItsGroupCode) {
     EXPECT_EQ(again(bytes), bytes);
 }
 
+TEST_F(BinaryDxf, NumbersHaveTheSizeOfTheirGroupCode) {
+    struct Range {
+        int low, high;
+        std::size_t size;
+    };
+    for (const Range& range : {Range{10, 59, 8},
+                               {60, 79, 2},
+                               {90, 99, 4},
+                               {110, 149, 8},
+                               {160, 169, 8},
+                               Range{170, 179, 2},
+                               {210, 239, 8},
+                               {270, 289, 2},
+                               {290, 299, 1},
+                               {370, 389, 2},
+                               Range{400, 409, 2},
+                               {420, 429, 4},
+                               {440, 459, 4},
+                               {460, 469, 8},
+                               {1010, 1059, 8},
+                               Range{1060, 1070, 2},
+                               {1071, 1071, 4}}) {
+        for (int group = range.low; group <= range.high; ++group) {
+            const std::string bytes = kBegin + code(group) + std::string(range.size, '\0') + kEnd;
+            ASSERT_TRUE(textOf(bytes).ends_with("\n0\n  0\nENDSEC\n  0\nEOF\n") ||
+                        textOf(bytes).ends_with("\n0.0\n  0\nENDSEC\n  0\nEOF\n"))
+                << group;
+        }
+    }
+}
+
+TEST_F(BinaryDxf, AZeroByteInATextIsNamed) {
+    EXPECT_THAT(refused("0|TEXT|5|30|330|1F|8|0|1|a" + std::string(1, '\0') + "b").error,
+                HasSubstr("TEXT 30: group 1 \"a?b\" holds a zero byte"));
+}
+
 TEST_F(BinaryDxf, DoublesComeBackBitForBit) {
     for (const std::uint64_t bits :
          {std::uint64_t{0}, std::uint64_t{1} << 63, std::uint64_t{1}, std::uint64_t{0x000FFFFFFFFFFFFF},
