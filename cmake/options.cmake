@@ -20,7 +20,9 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 find_program(CCACHE ccache)
 if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    # Paths below the tree count as relative, so that another checkout of it finds what this one compiled.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1
+                                    ${CCACHE})
 endif()
 
 add_library(merix_flags INTERFACE)

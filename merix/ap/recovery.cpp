@@ -7,12 +7,12 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QSemaphore>
 #include <QStandardPaths>
 #include <QThread>
 
+#include <chrono>
 #include <cstdio>
-#include <memory>
+#include <semaphore>
 
 #include <unistd.h>
 
@@ -20,9 +20,9 @@ namespace merix::ap {
 
 namespace {
 
-/// How long another thread that ends the process waits for the main thread to come to its event loop, milliseconds.
+/// How long another thread that ends the process waits for the main thread to come to its event loop.
 /// Past it the main thread is taken to hang; drawings that are being changed cannot be written.
-constexpr int kPatience = 10000;
+constexpr std::chrono::seconds kPatience(10);
 
 QString freeName(const QString& stem) {
     for (int n = 1; n < 1000; ++n) {
@@ -39,24 +39,32 @@ void writeAndTell() {
         std::fprintf(stderr, "merix: unsaved changes were kept in %s\n", qPrintable(path));
 }
 
+/// Tells a worker that the main thread has written. One is enough: the process ends once.
+std::binary_semaphore g_written{0};
+
+/// Lives in the main thread and writes there when a worker asks for it. The event carries nothing: what the threads
+/// share is the semaphore alone.
+class Keeper : public QObject {
+public:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        writeAndTell();
+        g_written.release();
+        for (;;)
+            pause(); // the other thread ends the process; nothing may change until then
+    }
+};
+
+Keeper* g_keeper = nullptr; // never destroyed: a worker may end the process at any time
+
 void atShutdown() {
-    DocManager& manager = DocManager::instance();
-    if (QThread::currentThread() == manager.thread()) {
+    if (QThread::currentThread() == g_keeper->thread()) {
         writeAndTell();
         return;
     }
-    // Shared with the main thread: whoever comes last finds it alive.
-    const auto written = std::make_shared<QSemaphore>();
-    QMetaObject::invokeMethod(
-        &manager,
-        [written] {
-            writeAndTell();
-            written->release();
-            for (;;)
-                pause(); // the other thread ends the process; nothing may change until then
-        },
-        Qt::QueuedConnection);
-    if (!written->tryAcquire(1, kPatience))
+    QCoreApplication::postEvent(g_keeper, new QEvent(QEvent::User));
+    if (!g_written.try_acquire_for(kPatience))
         std::fputs("merix: the program hangs, unsaved changes could not be kept\n", stderr);
 }
 
@@ -73,6 +81,8 @@ QString recoveryPath(const QString& path, const QString& title) {
 }
 
 void writeRecoveryFilesAtShutdown() {
+    if (!g_keeper)
+        g_keeper = new Keeper;
     rx::setShutdownHook(&atShutdown);
 }
 

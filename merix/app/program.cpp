@@ -139,6 +139,8 @@ int runQt(const Options& options, char* programName) {
     QCoreApplication::setApplicationVersion(QStringLiteral(MERIX_VERSION));
     int count = 1; // Qt's own options are no part of the program's
     char* values[] = {programName, nullptr};
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        qputenv("QT_XCB_GL_INTEGRATION", "none"); // nothing is drawn with OpenGL: its driver need not be loaded
     QApplication application(count, values);
     std::setlocale(LC_NUMERIC, "C"); // numbers in files and on the command line have a decimal point
     ui::applyDarkLook(application);

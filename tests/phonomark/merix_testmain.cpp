@@ -11,6 +11,6 @@ int main(int argc, char** argv) {
     qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen"); // the build asks for the list of tests
-    const QApplication application(argc, argv);
+    new QApplication(argc, argv);                // lives as long as the process: the platform does not free its screen
     return RUN_ALL_TESTS();
 }

@@ -79,7 +79,8 @@ TEST_F(ScriptTest, EachKindOfFailureIsTold) {
     expectFailure("NEW\n@layout none\n", "stdin:2: @layout: there is no layout none");
     expectFailure("NEW\n@undo\n", "stdin:2: @undo: nothing to undo");
     expectFailure("NEW\n@redo\n", "stdin:2: @redo: nothing to redo");
-    expectFailure("@shot no/such/a.png\n", "stdin:1: @shot: no/such/a.png: No such file or directory");
+    expectFailure("@shot no/such/a.png\n",
+                  "stdin:1: @shot: no/such/a.png: cannot be written: No such file or directory");
 }
 
 TEST_F(ScriptTest, AFileNamesItsLines) {
