@@ -2,11 +2,14 @@
 #include "fuzz/decoders.h"
 
 #include "merix/db/database_imp.h"
+#include "merix/io/dxf_binary.h"
 #include "merix/io/dxf_encoding.h"
 #include "merix/io/dxf_reader.h"
 #include "merix/io/dxf_record.h"
+#include "merix/io/dxf_tag.h"
 #include "merix/io/merix_schema.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace merix::fuzz {
@@ -28,6 +31,32 @@ void dxf(const std::uint8_t* bytes, std::size_t size) {
         for (const db::ObjectStub* stub : part.run)
             io::currentRecord(*stub->object, parts);
     }
+}
+
+void binaryDxf(const std::uint8_t* bytes, std::size_t size) {
+    std::string whole(text(bytes, size));
+    if (!io::isBinaryDxf(whole))
+        whole.insert(0, std::string_view("AutoCAD Binary DXF\r\n\x1a\0", 22));
+    const io::BinaryDxfText read = io::binaryDxfToText(whole);
+    if (!read.error.empty())
+        return;
+    std::string again;
+    io::BinaryDxfWriter writer(read.form, false, [&again](std::string_view piece) {
+        again += piece;
+        return true;
+    });
+    io::DxfScanner scanner(read.text);
+    io::DxfTag tag;
+    while (scanner.next(tag) == io::DxfScanner::Result::kTag) {
+        if (tag.code != 0 || io::trimmed(tag.value) != "EOF")
+            continue;
+        const std::string_view tags(read.text);
+        const std::size_t end = scanner.position() - tag.text.size();
+        if (!writer.write(tags.substr(0, end)) || !writer.finish(tags.substr(end)) || again != whole)
+            std::abort();
+        break;
+    }
+    dxf(reinterpret_cast<const std::uint8_t*>(whole.data()), whole.size());
 }
 
 void packed(const std::uint8_t* bytes, std::size_t size) {

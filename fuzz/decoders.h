@@ -12,6 +12,8 @@ using Decoder = void (*)(const std::uint8_t* bytes, std::size_t size);
 
 /// A text DXF: read and written again.
 void dxf(const std::uint8_t* bytes, std::size_t size);
+/// A binary DXF, with or without its sentinel: made text and binary again, which must give the same bytes.
+void binaryDxf(const std::uint8_t* bytes, std::size_t size);
 /// Packed bytes of a native drawing, the first four giving the size claimed.
 void packed(const std::uint8_t* bytes, std::size_t size);
 /// Texts in every code page.
@@ -21,6 +23,7 @@ struct NamedDecoder {
     const char* name;
     Decoder run;
 };
-inline constexpr NamedDecoder kDecoders[] = {{"dxf", dxf}, {"packed", packed}, {"encoding", encoding}};
+inline constexpr NamedDecoder kDecoders[] = {
+    {"dxf", dxf}, {"binary_dxf", binaryDxf}, {"packed", packed}, {"encoding", encoding}};
 
 } // namespace merix::fuzz

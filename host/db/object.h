@@ -73,12 +73,20 @@ public:
     /// The id of the extension dictionary, null when there is none.
     MxDbObjectId extensionDictionary() const;
     Mx::ErrorStatus createExtensionDictionary();
+    /// Drops the extension dictionary when nothing is left in it; undo brings it back. The object must be open for
+    /// write. eNotOpen, eNotEmpty; eKeyNotFound when there is none.
+    Mx::ErrorStatus releaseExtensionDictionary();
 
     /// Reactor lists may be changed from inside a notification.
     std::vector<MxDbReactorEntry> reactors() const;
     /// Transient reactors can be added to and removed from an object open for read.
     Mx::ErrorStatus addReactor(MxDbObjectReactor* reactor) const;
     Mx::ErrorStatus removeReactor(MxDbObjectReactor* reactor) const;
+    /// Persistent reactors are objects of the same drawing that are told of this object's changes for as long as they
+    /// are listed; the list is filed with the object and follows undo. The object must be open for write. Adding one
+    /// twice has no effect. eNotOpen, eNullObjectId, eWrongDatabase; eKeyNotFound when it is not listed.
+    Mx::ErrorStatus addPersistentReactor(MxDbObjectId reactor);
+    Mx::ErrorStatus removePersistentReactor(MxDbObjectId reactor);
 
     /// Filing: an override files its base first and stops at a status that is not eOk.
     virtual Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer);

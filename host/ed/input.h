@@ -24,6 +24,14 @@ int mxedInitGet(int control, const wchar_t* keywords);
 /// Asks for a point in user coordinates. `base` may be null; else a rubber band is drawn from it.
 int mxedGetPoint(const MxGePoint3d* base, const wchar_t* prompt, MxGePoint3d& point);
 
+/// Asks for the corner opposite to `base`, both in user coordinates; a rubber rectangle is drawn from `base`.
+int mxedGetCorner(const MxGePoint3d& base, const wchar_t* prompt, MxGePoint3d& corner);
+
+/// Asks for an entity, which is picked by a point (clicked or typed, user coordinates): the topmost one of the current
+/// space whose graphics come within the pick box there. Nothing there, or no view to pick in: kInputError. `entity` is
+/// null whenever the result is not kInputNormal.
+int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point);
+
 /// Asks for one of the keywords; the global form is put into `keyword` of `capacity` wide characters, cut to fit.
 int mxedGetKword(const wchar_t* prompt, wchar_t* keyword, std::size_t capacity);
 

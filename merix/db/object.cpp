@@ -237,6 +237,24 @@ Mx::ErrorStatus MxDbObject::createExtensionDictionary() {
     return dictionary.release()->close();
 }
 
+Mx::ErrorStatus MxDbObject::releaseExtensionDictionary() {
+    if (!m_data->stub || !m_data->writer)
+        return Mx::eNotOpen;
+    if (extensionDictionary().isNull())
+        return Mx::eKeyNotFound;
+    MxDbDictionary* dictionary = nullptr;
+    if (const auto status = mxdbOpenObject(dictionary, m_data->extensionDictionary, Mx::kForRead); status != Mx::eOk)
+        return status;
+    auto status = dictionary->entries().empty() ? dictionary->upgradeOpen() : Mx::eNotEmpty;
+    if (status == Mx::eOk) {
+        assertWriteEnabled();
+        status = dictionary->erase();
+        m_data->extensionDictionary = MxDbObjectId();
+    }
+    dictionary->close();
+    return status;
+}
+
 std::vector<MxDbReactorEntry> MxDbObject::reactors() const {
     return m_data->reactors;
 }
@@ -254,6 +272,35 @@ Mx::ErrorStatus MxDbObject::addReactor(MxDbObjectReactor* reactor) const {
 Mx::ErrorStatus MxDbObject::removeReactor(MxDbObjectReactor* reactor) const {
     assertReadEnabled();
     return std::erase(m_data->reactors, MxDbReactorEntry{reactor, {}}) ? Mx::eOk : Mx::eKeyNotFound;
+}
+
+Mx::ErrorStatus MxDbObject::addPersistentReactor(MxDbObjectId reactor) {
+    if (reactor.isNull())
+        return Mx::eNullObjectId;
+    if (!m_data->stub || !m_data->writer)
+        return Mx::eNotOpen;
+    if (reactor.stub()->database != m_data->stub->database)
+        return Mx::eWrongDatabase;
+    auto& list = m_data->reactors;
+    if (const MxDbReactorEntry entry{nullptr, reactor}; std::find(list.begin(), list.end(), entry) == list.end()) {
+        assertWriteEnabled();
+        list.push_back(entry);
+    }
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus MxDbObject::removePersistentReactor(MxDbObjectId reactor) {
+    if (reactor.isNull())
+        return Mx::eNullObjectId;
+    if (!m_data->stub || !m_data->writer)
+        return Mx::eNotOpen;
+    const auto& list = m_data->reactors;
+    const MxDbReactorEntry entry{nullptr, reactor};
+    if (std::find(list.begin(), list.end(), entry) == list.end())
+        return Mx::eKeyNotFound;
+    assertWriteEnabled(); // those who are told of the change may change the list
+    std::erase(m_data->reactors, entry);
+    return Mx::eOk;
 }
 
 Mx::ErrorStatus MxDbObject::subOpen(Mx::OpenMode) {

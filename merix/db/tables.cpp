@@ -9,11 +9,13 @@
 #include <cmath>
 #include <cstdlib>
 
+MERIX_RX_CLASS(MxDbSymbolTableRecord, "MxDbSymbolTableRecord", MxDbObject, nullptr, "")
+MERIX_RX_CLASS(MxDbLayerTableRecord, "MxDbLayerTableRecord", MxDbSymbolTableRecord,
+               merix::rx::makeObject<MxDbLayerTableRecord>, "LAYER")
+
 namespace merix::db {
 
 MERIX_RX_CLASS(SymbolTable, "MxDbSymbolTable", MxDbObject, rx::makeObject<SymbolTable>, "TABLE")
-MERIX_RX_CLASS(SymbolRecord, "MxDbSymbolTableRecord", MxDbObject, nullptr, "")
-MERIX_RX_CLASS(LayerRecord, "MxDbLayerTableRecord", SymbolRecord, rx::makeObject<LayerRecord>, "LAYER")
 MERIX_RX_CLASS(LinetypeRecord, "MxDbLinetypeTableRecord", SymbolRecord, rx::makeObject<LinetypeRecord>, "LTYPE")
 MERIX_RX_CLASS(TextStyleRecord, "MxDbTextStyleTableRecord", SymbolRecord, rx::makeObject<TextStyleRecord>, "STYLE")
 
@@ -94,71 +96,6 @@ Mx::ErrorStatus SymbolTable::dxfOutFields(MxDbDxfFiler* filer) const {
     if (dxfType == "DIMSTYLE")
         filer->writeString(100, L"AcDbDimStyleTable");
     return filer->filerStatus();
-}
-
-Mx::ErrorStatus LayerRecord::dwgInFields(MxDbDwgFiler* filer) {
-    if (const auto status = readHead(filer, *this); status != Mx::eOk)
-        return status;
-    filer->readInt16(color);
-    filer->readBool(hasTrueColor);
-    filer->readUInt32(trueColor);
-    filer->readBool(off);
-    filer->readHardPointerId(linetype);
-    filer->readInt16(lineWeight);
-    return filer->readBool(plottable);
-}
-
-Mx::ErrorStatus LayerRecord::dwgOutFields(MxDbDwgFiler* filer) const {
-    if (const auto status = writeHead(filer, *this); status != Mx::eOk)
-        return status;
-    filer->writeInt16(color);
-    filer->writeBool(hasTrueColor);
-    filer->writeUInt32(trueColor);
-    filer->writeBool(off);
-    filer->writeHardPointerId(linetype);
-    filer->writeInt16(lineWeight);
-    return filer->writeBool(plottable);
-}
-
-Mx::ErrorStatus LayerRecord::dxfInFields(MxDbDxfFiler* filer) {
-    return readRecord(filer, *this, [&](int code) {
-        switch (code) {
-        case 6:
-            if (filer->database())
-                linetype = filer->database()->imp().linetypeNamed(filer->itemString().str());
-            break;
-        case 62:
-            // A layer that is off has its colour negated.
-            off = filer->itemInt16() < 0;
-            color = static_cast<std::int16_t>(std::abs(filer->itemInt16()));
-            break;
-        case 290:
-            plottable = filer->itemBool();
-            break;
-        case 370:
-            lineWeight = filer->itemInt16();
-            break;
-        case 420:
-            trueColor = filer->itemUInt32() & 0xFFFFFFU;
-            hasTrueColor = true;
-            break;
-        default:
-            break;
-        }
-    });
-}
-
-Mx::ErrorStatus LayerRecord::dxfOutFields(MxDbDxfFiler* filer) const {
-    if (const auto status = writeHead(filer, *this, L"AcDbLayerTableRecord"); status != Mx::eOk)
-        return status;
-    filer->writeInt16(62, static_cast<std::int16_t>(off ? -color : color));
-    if (hasTrueColor)
-        filer->writeUInt32(420, trueColor);
-    const std::wstring line = recordName(linetype);
-    filer->writeString(6, line.empty() ? L"Continuous" : line.c_str());
-    if (!plottable)
-        filer->writeBool(290, false);
-    return filer->writeInt16(370, lineWeight);
 }
 
 Mx::ErrorStatus LinetypeRecord::dwgInFields(MxDbDwgFiler* filer) {
@@ -256,3 +193,75 @@ Mx::ErrorStatus TextStyleRecord::dxfOutFields(MxDbDxfFiler* filer) const {
 }
 
 } // namespace merix::db
+
+using namespace merix::db;
+
+void MxDbLayerTableRecord::setIsLocked(bool locked) {
+    assertWriteEnabled();
+    flags = static_cast<std::int16_t>(locked ? flags | 4 : flags & ~4);
+}
+
+Mx::ErrorStatus MxDbLayerTableRecord::dwgInFields(MxDbDwgFiler* filer) {
+    if (const auto status = readHead(filer, *this); status != Mx::eOk)
+        return status;
+    filer->readInt16(color);
+    filer->readBool(hasTrueColor);
+    filer->readUInt32(trueColor);
+    filer->readBool(off);
+    filer->readHardPointerId(linetype);
+    filer->readInt16(lineWeight);
+    return filer->readBool(plottable);
+}
+
+Mx::ErrorStatus MxDbLayerTableRecord::dwgOutFields(MxDbDwgFiler* filer) const {
+    if (const auto status = writeHead(filer, *this); status != Mx::eOk)
+        return status;
+    filer->writeInt16(color);
+    filer->writeBool(hasTrueColor);
+    filer->writeUInt32(trueColor);
+    filer->writeBool(off);
+    filer->writeHardPointerId(linetype);
+    filer->writeInt16(lineWeight);
+    return filer->writeBool(plottable);
+}
+
+Mx::ErrorStatus MxDbLayerTableRecord::dxfInFields(MxDbDxfFiler* filer) {
+    return readRecord(filer, *this, [&](int code) {
+        switch (code) {
+        case 6:
+            if (filer->database())
+                linetype = filer->database()->imp().linetypeNamed(filer->itemString().str());
+            break;
+        case 62:
+            // A layer that is off has its colour negated.
+            off = filer->itemInt16() < 0;
+            color = static_cast<std::int16_t>(std::abs(filer->itemInt16()));
+            break;
+        case 290:
+            plottable = filer->itemBool();
+            break;
+        case 370:
+            lineWeight = filer->itemInt16();
+            break;
+        case 420:
+            trueColor = filer->itemUInt32() & 0xFFFFFFU;
+            hasTrueColor = true;
+            break;
+        default:
+            break;
+        }
+    });
+}
+
+Mx::ErrorStatus MxDbLayerTableRecord::dxfOutFields(MxDbDxfFiler* filer) const {
+    if (const auto status = writeHead(filer, *this, L"AcDbLayerTableRecord"); status != Mx::eOk)
+        return status;
+    filer->writeInt16(62, static_cast<std::int16_t>(off ? -color : color));
+    if (hasTrueColor)
+        filer->writeUInt32(420, trueColor);
+    const std::wstring line = recordName(linetype);
+    filer->writeString(6, line.empty() ? L"Continuous" : line.c_str());
+    if (!plottable)
+        filer->writeBool(290, false);
+    return filer->writeInt16(370, lineWeight);
+}

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/db/database.h"
+#include "host/db/layer.h"
 
 #include <string>
 #include <vector>
@@ -22,33 +23,8 @@ public:
     Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
 };
 
-/// Common part of table records: name and standard flags.
-class SymbolRecord : public MxDbObject {
-public:
-    static MxRxClass* desc();
-    MxRxClass* isA() const override;
-    std::wstring name;
-    std::int16_t flags = 0;
-};
-
-class LayerRecord : public SymbolRecord {
-public:
-    static MxRxClass* desc();
-    MxRxClass* isA() const override;
-    std::int16_t color = 7; ///< 1 to 255; visible in `off`
-    std::uint32_t trueColor = 0;
-    bool hasTrueColor = false;
-    bool off = false;
-    MxDbObjectId linetype;
-    std::int16_t lineWeight = -3;
-    bool plottable = true;
-    bool isLocked() const { return flags & 4; }
-    bool isFrozen() const { return flags & 1; }
-    Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
-    Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
-    Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
-    Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
-};
+using SymbolRecord = ::MxDbSymbolTableRecord;
+using LayerRecord = ::MxDbLayerTableRecord;
 
 class LinetypeRecord : public SymbolRecord {
 public:

@@ -26,7 +26,10 @@ void swapState(MxDbObject& object, UndoStep& step) {
     const ReadAccess readable(object);
     database.notifyModified(object);
     tellTransient(object, [&](MxDbObjectReactor& reactor) { reactor.modified(&object); });
-    tellPersistent(object, [&](MxDbObject& reactor) { reactor.modifyUndone(&object); });
+    tellPersistent(object, [&](MxDbObject& reactor) {
+        reactor.modifyUndone(&object);
+        reactor.modified(&object); // what follows the object may have been taken back before it
+    });
 }
 
 void setPresent(MxDbObject& object, bool present, bool ofAppend) {
@@ -66,8 +69,9 @@ bool UndoRecorder::abandon() {
         return false;
     m_depth = 0;
     UndoUnit unit = std::exchange(m_open, {});
+    const bool whole = !m_unrecorded; // what reactors do on the way back is no loss
     apply(unit, false);
-    return !m_unrecorded;
+    return whole;
 }
 
 void UndoRecorder::record(UndoStep step) {

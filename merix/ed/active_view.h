@@ -16,6 +16,8 @@ public:
     virtual void setTransform(const ge::ViewTransform& transform) = 0;
     /// The box of all that is visible in the current layout; empty when there is nothing.
     virtual MxDbExtents extents() = 0;
+    /// The topmost entity of the current layout in the pick box at `world`; null when there is none.
+    virtual MxDbObjectId pick(const MxGePoint3d& world) = 0;
     /// Makes all graphics of the drawing anew (REGEN).
     virtual void regenerate() = 0;
     /// Paints soon.

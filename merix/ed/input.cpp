@@ -57,6 +57,20 @@ int mxedGetPoint(const MxGePoint3d* base, const wchar_t* prompt, MxGePoint3d& po
     return Prompter::instance().getPoint(base, fromWide(prompt), point);
 }
 
+int mxedGetCorner(const MxGePoint3d& base, const wchar_t* prompt, MxGePoint3d& corner) {
+    return Prompter::instance().getCorner(base, fromWide(prompt), corner);
+}
+
+int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point) {
+    entity = MxDbObjectId();
+    const int result = Prompter::instance().getPick(fromWide(prompt), point);
+    if (result != kInputNormal)
+        return result;
+    if (auto* view = merix::ed::activeView())
+        entity = view->pick(point);
+    return entity.isNull() ? kInputError : kInputNormal;
+}
+
 int mxedGetKword(const wchar_t* prompt, wchar_t* keyword, std::size_t capacity) {
     QString answer;
     const int result = Prompter::instance().getKeyword(fromWide(prompt), answer);

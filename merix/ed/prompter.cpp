@@ -29,8 +29,27 @@ int Prompter::getPoint(const MxGePoint3d* base, const QString& prompt, MxGePoint
     if (isWaiting())
         return kInputError;
     m_base = base ? std::optional(*base) : std::nullopt;
-    const int result = wait(Wants::kPoint, prompt);
+    return waitForPoint(Wants::kPoint, prompt, point);
+}
+
+int Prompter::getCorner(const MxGePoint3d& base, const QString& prompt, MxGePoint3d& corner) {
+    if (isWaiting())
+        return kInputError;
+    m_base = base;
+    m_corner = true;
+    return waitForPoint(Wants::kPoint, prompt, corner);
+}
+
+int Prompter::getPick(const QString& prompt, MxGePoint3d& point) {
+    if (isWaiting())
+        return kInputError;
+    return waitForPoint(Wants::kPick, prompt, point);
+}
+
+int Prompter::waitForPoint(Wants wants, const QString& prompt, MxGePoint3d& point) {
+    const int result = wait(wants, prompt);
     m_base.reset();
+    m_corner = false;
     if (result == kInputNormal)
         point = m_point;
     return result;
@@ -103,7 +122,7 @@ void Prompter::submitLine(const QString& line) {
 }
 
 void Prompter::submitPoint(const MxGePoint3d& world) {
-    if (m_wants != Wants::kPoint || m_answered)
+    if ((m_wants != Wants::kPoint && m_wants != Wants::kPick) || m_answered)
         return;
     Console::instance().print(QLatin1Char('\n') + Console::instance().prompt() + formatPoint(world));
     m_point = m_lastPoint = world;
@@ -132,7 +151,7 @@ void Prompter::take(const QString& line) {
             askAgain(QStringLiteral("An answer is needed."));
         else
             finish(kInputNone);
-    } else if (m_wants == Wants::kPoint) {
+    } else if (m_wants == Wants::kPoint || m_wants == Wants::kPick) {
         takePoint(answer);
     } else if (m_wants == Wants::kKeyword) {
         takeKeyword(answer);

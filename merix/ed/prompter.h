@@ -22,18 +22,20 @@ public:
 class Prompter : public QObject {
     Q_OBJECT
 public:
-    enum class Wants { kNothing, kPoint, kKeyword, kString };
+    enum class Wants { kNothing, kPoint, kPick, kKeyword, kString };
     static Prompter& instance();
 
     Wants wants() const { return m_wants; }
     bool isWaiting() const { return m_wants != Wants::kNothing; }
     /// The start of the rubber band of the point prompt in force.
     const std::optional<MxGePoint3d>& base() const { return m_base; }
+    /// The rubber band is a rectangle.
+    bool isCornerWanted() const { return m_corner; }
 
     /// Answers, from the window or a script. A line typed while nothing waits is a command (CommandStack::runLine). As
     /// a blank ends an answer, what follows it answers the next prompt.
     void submitLine(const QString& line);
-    /// World coordinates; ignored unless a point is wanted.
+    /// World coordinates; ignored unless a point, or something to be picked by one, is wanted.
     void submitPoint(const MxGePoint3d& world);
     void cancel(); ///< Esc
 
@@ -43,6 +45,9 @@ public:
     // Used by the mxed… operations.
     void init(int control, const QString& keywords);
     int getPoint(const MxGePoint3d* base, const QString& prompt, MxGePoint3d& point);
+    int getCorner(const MxGePoint3d& base, const QString& prompt, MxGePoint3d& corner);
+    /// The point that something is picked by.
+    int getPick(const QString& prompt, MxGePoint3d& point);
     /// The global form of the keyword.
     int getKeyword(const QString& prompt, QString& keyword);
     int getString(bool spaces, const QString& prompt, QString& text);
@@ -61,6 +66,7 @@ Q_SIGNALS:
 
 private:
     Prompter() = default;
+    int waitForPoint(Wants wants, const QString& prompt, MxGePoint3d& point);
     int wait(Wants wants, const QString& prompt);
     void finish(int result);
     void take(const QString& line);
@@ -71,7 +77,7 @@ private:
 
     Wants m_wants = Wants::kNothing;
     int m_control = 0;
-    bool m_spaces = false;
+    bool m_spaces = false, m_corner = false;
     std::vector<Keyword> m_keywords;
     std::optional<MxGePoint3d> m_base;
     QString m_lastKeyword, m_text, m_typeAhead;

@@ -52,10 +52,10 @@ FileResult read(const std::string& path, MxDbDatabase& database) {
     return readDxf(std::move(bytes), path, database);
 }
 
-FileResult write(const std::string& path, MxDbDatabase& database) {
+FileResult write(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form) {
     switch (kindOf(path)) {
     case Kind::kDxf:
-        return writeDxf(path, database);
+        return writeDxf(path, database, form);
     case Kind::kMerix:
         return writeMerix(path, database);
     case Kind::kUnknown:
@@ -79,8 +79,8 @@ FileResult readDrawing(const std::string& path, MxDbDatabase& database) {
     return guarded(path, [&] { return read(path, database); });
 }
 
-FileResult writeDrawing(const std::string& path, MxDbDatabase& database) {
-    return guarded(path, [&] { return write(path, database); });
+FileResult writeDrawing(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form) {
+    return guarded(path, [&] { return write(path, database, form); });
 }
 
 } // namespace merix::io

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Reading and writing drawing files. Kinds by suffix: .dxf (text DXF), .merix (the native drawing). Every file is
-// untrusted. No function throws.
+// Reading and writing drawing files. Kinds by suffix: .dxf (text or binary DXF), .merix (the native drawing). Every
+// file is untrusted. No function throws.
 #pragma once
 
 #include "host/db/database.h"
+#include "merix/io/dxf_form.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,9 @@ FileResult readDrawing(const std::string& path, MxDbDatabase& database);
 
 /// Writes the drawing under `path`: the old file or the new one, never a mixture. Saving a .merix drawing over the
 /// file it came from writes what changed; everything else writes a new file and renames it into place.
-FileResult writeDrawing(const std::string& path, MxDbDatabase& database);
+/// `form` is that of a .dxf file: without it the one that the drawing was read or last written with, text for a new
+/// drawing. kBinary means the form of group codes that the drawing's version has. What cannot be binary (a number that
+/// does not fit, a damaged record) makes it fail with a line that names it.
+FileResult writeDrawing(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form = {});
 
 } // namespace merix::io

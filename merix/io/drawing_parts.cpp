@@ -15,6 +15,8 @@ std::unique_ptr<DrawingParts> DrawingParts::clone() const {
     copy->version = version;
     copy->codePage = codePage;
     copy->lineEnd = lineEnd;
+    copy->form = form;
+    copy->sourceForm = sourceForm;
     copy->handSeed = handSeed;
     copy->classNames = classNames;
     copy->implied = implied;

@@ -5,6 +5,7 @@
 
 #include "merix/db/database_imp.h"
 #include "merix/io/dxf_encoding.h"
+#include "merix/io/dxf_form.h"
 
 #include <cstdint>
 #include <memory>
@@ -52,8 +53,10 @@ public:
     std::string version = "AC1009"; ///< $ACADVER
     std::string codePage;           ///< $DWGCODEPAGE
     std::string lineEnd = "\n";
-    std::uint64_t handSeed = 0;       ///< 0: the file has none
-    std::set<std::string> classNames; ///< DXF names in the CLASSES section
+    DxfForm form = DxfForm::kText;       ///< as which it is written as DXF unless asked otherwise
+    DxfForm sourceForm = DxfForm::kText; ///< of the file that the texts came from
+    std::uint64_t handSeed = 0;          ///< 0: the file has none
+    std::set<std::string> classNames;    ///< DXF names in the CLASSES section
     /// Objects that the program needs and the file lacks (a layer that is named but not defined). They enter the file
     /// when they are changed; block records of the kind never do.
     std::unordered_set<db::ObjectStub*> implied;

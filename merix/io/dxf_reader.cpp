@@ -5,6 +5,7 @@
 
 #include "merix/db/tables.h"
 #include "merix/io/database_filler.h"
+#include "merix/io/dxf_binary.h"
 #include "merix/io/dxf_record.h"
 #include "merix/io/dxf_split.h"
 #include "merix/io/dxf_value.h"
@@ -19,8 +20,9 @@ using Role = Part::Role;
 
 class Reader {
 public:
-    Reader(DxfSplit split, const std::string& name, MxDbDatabase& database)
+    Reader(DxfSplit split, const PlaceNamer& placeName, const std::string& name, MxDbDatabase& database)
         : m_split(std::move(split))
+        , m_placeName(placeName)
         , m_parts(*m_split.parts)
         , m_name(name)
         , m_database(database)
@@ -41,10 +43,11 @@ private:
     bool isTaken(const DxfRecord& record);
     MxDbObjectId ownerOf(const DxfRecord& record, RecordPlace place);
     void note(const DxfRecord& record, const std::string& what) {
-        m_result.notes.push_back(m_name + ": line " + std::to_string(record.line) + ": " + what);
+        m_result.notes.push_back(m_name + ": " + m_placeName(record.line) + ": " + what);
     }
 
     DxfSplit m_split;
+    const PlaceNamer& m_placeName;
     DrawingParts& m_parts;
     const std::string& m_name;
     MxDbDatabase& m_database;
@@ -218,27 +221,42 @@ void Reader::fillBlocks() {
     }
 }
 
+FileResult damaged(const std::string& name, const std::string& error) {
+    const bool drawing = error.find("no DXF drawing") == std::string::npos;
+    return {drawing ? Mx::eFileDamaged : Mx::eFileNotADrawing, name + ": " + error, {}};
+}
+
+FileResult readTags(std::shared_ptr<const std::string> text, DxfForm form, const PlaceNamer& placeName,
+                    const std::string& name, MxDbDatabase& database) {
+    DxfSplit split = splitDxf(std::move(text), placeName);
+    if (!split.error.empty())
+        return damaged(name, split.error);
+    split.parts->form = split.parts->sourceForm = form;
+    const db::WorkingDatabaseScope working(&database);
+    database.imp().undo.setEnabled(false);
+    FileResult result = Reader(std::move(split), placeName, name, database).run();
+    database.imp().undo.setEnabled(true);
+    return result;
+}
+
+FileResult readBinaryDxf(std::shared_ptr<const std::string> buffer, const std::string& name, MxDbDatabase& database) {
+    BinaryDxfText binary = binaryDxfToText(*buffer);
+    buffer.reset();
+    if (!binary.error.empty())
+        return damaged(name, binary.error);
+    const PlaceNamer nameByte = [&binary](std::uint32_t line) {
+        const std::size_t tag = std::min<std::size_t>((line - 1) / 2, binary.offsets.size() - 1);
+        return "byte " + std::to_string(binary.offsets[tag]);
+    };
+    return readTags(std::make_shared<const std::string>(std::move(binary.text)), binary.form, nameByte, name, database);
+}
+
 } // namespace
 
 FileResult readDxf(std::shared_ptr<const std::string> buffer, const std::string& name, MxDbDatabase& database) {
-    FileResult result;
-    if (buffer->starts_with("AutoCAD Binary DXF")) {
-        result.status = Mx::eFileNotADrawing;
-        result.error = name + ": binary DXF is not supported yet";
-        return result;
-    }
-    DxfSplit split = splitDxf(std::move(buffer));
-    if (!split.error.empty()) {
-        result.status =
-            split.error.find("no DXF drawing") != std::string::npos ? Mx::eFileNotADrawing : Mx::eFileDamaged;
-        result.error = name + ": " + split.error;
-        return result;
-    }
-    const db::WorkingDatabaseScope working(&database);
-    database.imp().undo.setEnabled(false);
-    result = Reader(std::move(split), name, database).run();
-    database.imp().undo.setEnabled(true);
-    return result;
+    if (isBinaryDxf(*buffer))
+        return readBinaryDxf(std::move(buffer), name, database);
+    return readTags(std::move(buffer), DxfForm::kText, nameLine, name, database);
 }
 
 } // namespace merix::io

@@ -8,7 +8,8 @@
 
 namespace merix::io {
 
-/// Fills an empty database from a text DXF. `name` stands in front of messages. Throws nothing but std::bad_alloc.
+/// Fills an empty database from a text or binary DXF. `name` stands in front of messages. Throws nothing but
+/// std::bad_alloc.
 FileResult readDxf(std::shared_ptr<const std::string> buffer, const std::string& name, MxDbDatabase& database);
 
 } // namespace merix::io

@@ -57,8 +57,9 @@ bool belongsToRecordBefore(std::string_view name) {
 
 class Splitter {
 public:
-    explicit Splitter(std::shared_ptr<const std::string> buffer)
-        : m_text(*buffer)
+    Splitter(std::shared_ptr<const std::string> buffer, const PlaceNamer& placeName)
+        : m_placeName(placeName)
+        , m_text(*buffer)
         , m_scanner(m_text, firstTag(m_text), 1) {
         m_split.parts = std::make_unique<DrawingParts>();
         m_split.parts->buffers.push_back(std::move(buffer));
@@ -83,9 +84,7 @@ private:
         return text.starts_with("\xEF\xBB\xBF") ? 3 : 0; // a byte order mark is kept as text
     }
 
-    void fail(std::uint32_t line, const std::string& what) {
-        m_split.error = "line " + std::to_string(line) + ": " + what;
-    }
+    void fail(std::uint32_t line, const std::string& what) { m_split.error = m_placeName(line) + ": " + what; }
 
     void addPart(Role role, std::size_t begin, std::size_t end, db::ObjectStub* owner = nullptr) {
         m_split.parts->parts.push_back({role, m_text.substr(begin, end - begin), owner, {}});
@@ -113,6 +112,7 @@ private:
     void takeRecord(DxfRecord& record, std::size_t begin);
     void addToRun(DxfRecord& record, std::uint32_t part);
 
+    const PlaceNamer& m_placeName;
     std::string_view m_text;
     DxfScanner m_scanner;
     DxfSplit m_split;
@@ -178,9 +178,9 @@ bool Splitter::readRecord(DxfRecord& record) {
             }
             m_inHeader = m_inHeader || (record.name == "SECTION" && tag.code == 2 && trimmed(tag.value) == "HEADER");
         } else if (result == DxfScanner::Result::kBadCode) {
-            m_split.notes.push_back("line " + std::to_string(before.line()) +
-                                    ": a group code was expected; the record " + std::string(record.name) +
-                                    " of line " + std::to_string(record.line) + " is kept as it came");
+            m_split.notes.push_back(m_placeName(before.line()) + ": a group code was expected; the record " +
+                                    std::string(record.name) + " of " + m_placeName(record.line) +
+                                    " is kept as it came");
             if (!resynchronise(record, behindName)) {
                 fail(before.line(), "a group code was expected, and no record follows");
                 return false;
@@ -382,8 +382,12 @@ void Splitter::takeRecord(DxfRecord& record, std::size_t begin) {
 
 } // namespace
 
-DxfSplit splitDxf(std::shared_ptr<const std::string> buffer) {
-    return Splitter(std::move(buffer)).run();
+std::string nameLine(std::uint32_t line) {
+    return "line " + std::to_string(line);
+}
+
+DxfSplit splitDxf(std::shared_ptr<const std::string> buffer, const PlaceNamer& placeName) {
+    return Splitter(std::move(buffer), placeName).run();
 }
 
 DxfRecord readHead(std::string_view text) {

@@ -6,6 +6,7 @@
 #include "merix/io/drawing_parts.h"
 #include "merix/io/dxf_tag.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,7 +41,11 @@ struct DxfSplit {
 /// Handles from here on are taken as damaged: there would be none left to give out.
 constexpr std::uint64_t kHandleBound = std::uint64_t{1} << 62;
 
-DxfSplit splitDxf(std::shared_ptr<const std::string> buffer);
+/// How a message names the place of a line, counted from 1.
+using PlaceNamer = std::function<std::string(std::uint32_t line)>;
+std::string nameLine(std::uint32_t line);
+
+DxfSplit splitDxf(std::shared_ptr<const std::string> buffer, const PlaceNamer& placeName = nameLine);
 
 /// The first record in `text`: everything but its line and part.
 DxfRecord readHead(std::string_view text);

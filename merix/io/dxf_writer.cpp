@@ -4,6 +4,7 @@
 #include "merix/io/dxf_writer.h"
 
 #include "merix/db/tables.h"
+#include "merix/io/dxf_binary.h"
 #include "merix/io/dxf_record.h"
 #include "merix/io/dxf_value.h"
 #include "merix/io/file_access.h"
@@ -22,8 +23,9 @@ using Role = Part::Role;
 
 class Writer {
 public:
-    Writer(const std::string& path, MxDbDatabase& database)
+    Writer(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form)
         : m_path(path)
+        , m_asked(form)
         , m_database(database)
         , m_imp(database.imp()) {}
 
@@ -37,15 +39,22 @@ private:
     void addClasses();
     void raiseHandSeed();
     std::string_view textOf(const ObjectStub& stub) const;
+    /// The form that was asked for, with codes as the drawing's version has them.
+    DxfForm chosenForm() const;
     bool writeParts();
+    bool put(std::string_view text);
+    bool putEnd(std::string_view text);
     void commit();
 
     const std::string& m_path;
+    std::optional<DxfForm> m_asked;
     MxDbDatabase& m_database;
     db::DatabaseImp& m_imp;
     std::unique_ptr<DrawingParts> m_parts;
     std::unordered_map<const ObjectStub*, Text> m_texts;
     ReplacementFile m_file;
+    std::optional<BinaryDxfWriter> m_binary;
+    std::string_view m_pending;
     FileResult m_result;
 };
 
@@ -150,29 +159,52 @@ std::string_view Writer::textOf(const ObjectStub& stub) const {
     return found != m_texts.end() ? std::string_view(*found->second) : stub.object->data().source.text;
 }
 
+DxfForm Writer::chosenForm() const {
+    const DxfForm form = m_asked.value_or(m_parts->form);
+    if (form == DxfForm::kText)
+        return form;
+    if (m_parts->sourceForm != DxfForm::kText)
+        return m_parts->sourceForm;
+    return m_parts->isOldVersion() ? DxfForm::kShortBinary : DxfForm::kBinary;
+}
+
+/// Neighbours in memory go out together: an untouched file is one piece.
+bool Writer::put(std::string_view text) {
+    if (m_binary)
+        return m_binary->write(text);
+    if (m_pending.data() + m_pending.size() == text.data()) {
+        m_pending = std::string_view(m_pending.data(), m_pending.size() + text.size());
+        return true;
+    }
+    return m_file.write(std::exchange(m_pending, text));
+}
+
+bool Writer::putEnd(std::string_view text) {
+    if (m_binary)
+        return m_binary->finish(text);
+    // What follows EOF in a binary file is no text.
+    DxfTag tag;
+    const bool cut = m_parts->sourceForm != DxfForm::kText && DxfScanner(text).next(tag) == DxfScanner::Result::kTag;
+    return put(cut ? tag.text : text);
+}
+
 bool Writer::writeParts() {
-    // Neighbours in memory go out together: an untouched file is one piece.
-    std::string_view pending;
-    const auto put = [&](std::string_view text) {
-        if (pending.data() + pending.size() == text.data()) {
-            pending = std::string_view(pending.data(), pending.size() + text.size());
-            return true;
-        }
-        return m_file.write(std::exchange(pending, text));
-    };
     for (const Part& part : m_parts->parts) {
         const bool ofBlock =
             part.role == Role::kBlockBegin || part.role == Role::kBlockRun || part.role == Role::kBlockEnd;
         if (ofBlock && part.owner && part.owner->erased)
             continue;
-        if (!part.text.empty() && !put(part.text))
+        if (!part.text.empty() && !(part.role == Role::kEnd ? putEnd(part.text) : put(part.text)))
             return false;
         for (const ObjectStub* stub : part.run) {
             if (!stub->erased && stub->object && !put(textOf(*stub)))
                 return false;
         }
     }
-    return m_file.write(pending) && m_file.commit();
+    if (m_binary && m_binary->commentsLeftOut() > 0)
+        m_result.notes.push_back(m_path + ": " + std::to_string(m_binary->commentsLeftOut()) +
+                                 " comments are left out, binary DXF has none");
+    return m_file.write(m_pending) && m_file.commit();
 }
 
 void Writer::commit() {
@@ -196,20 +228,29 @@ FileResult Writer::run() {
         makeTexts();
         addClasses();
         raiseHandSeed();
+        const DxfForm form = chosenForm();
+        if (form != DxfForm::kText)
+            m_binary.emplace(form, m_parts->sourceForm == DxfForm::kText,
+                             [this](std::string_view bytes) { return m_file.write(bytes); });
+        m_parts->form = form;
         if (writeParts()) {
             commit();
             return std::move(m_result);
         }
     }
     m_result.status = Mx::eFileUnwritable;
-    m_result.error = m_file.error();
+    if (m_binary && !m_binary->error().empty())
+        m_result.error = m_path + ": the drawing cannot be written as binary DXF: " + m_binary->error();
+    else
+        m_result.error = m_file.error();
+    m_result.notes.clear();
     return std::move(m_result);
 }
 
 } // namespace
 
-FileResult writeDxf(const std::string& path, MxDbDatabase& database) {
-    return Writer(path, database).run();
+FileResult writeDxf(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form) {
+    return Writer(path, database, form).run();
 }
 
 } // namespace merix::io

@@ -44,6 +44,12 @@ struct ClassName {
     std::string name, dxf;
 };
 
+DxfForm formOf(const std::string& text) {
+    const std::int64_t value = toInteger(text);
+    return value >= 0 && value <= static_cast<std::int64_t>(DxfForm::kShortBinary) ? static_cast<DxfForm>(value)
+                                                                                   : DxfForm::kText;
+}
+
 class Reader {
 public:
     Reader(const std::string& path, MxDbDatabase& database)
@@ -128,6 +134,8 @@ void Reader::readMeta() {
     m_parts->version = meta("dxf_version");
     m_parts->codePage = meta("code_page");
     m_parts->lineEnd = meta("line_end") == "crlf" ? "\r\n" : "\n";
+    m_parts->form = formOf(meta("dxf_form"));
+    m_parts->sourceForm = formOf(meta("dxf_source_form"));
     m_parts->handSeed = toHandle(meta("hand_seed"));
     std::string_view names = m_meta["class_names"];
     for (std::size_t end = names.find('\n'); end != std::string_view::npos; end = names.find('\n')) {

@@ -182,6 +182,8 @@ public:
             {"class_names", classNames},
             {"code_page", m_parts.codePage},
             {"current_layer", toUtf8(header.currentLayer)},
+            {"dxf_form", std::to_string(static_cast<int>(m_parts.form))},
+            {"dxf_source_form", std::to_string(static_cast<int>(m_parts.sourceForm))},
             {"dxf_version", m_parts.version},
             {"extents", extents},
             {"hand_seed", fromHandle(m_parts.handSeed)},

@@ -123,6 +123,15 @@ MxDbExtents DrawingView::extents() {
     return m_document ? scene().extents(space()) : MxDbExtents();
 }
 
+double DrawingView::aperture() const {
+    return kPickBox * devicePixelRatioF() * transform().unitsPerPixel;
+}
+
+MxDbObjectId DrawingView::pick(const MxGePoint3d& world) {
+    const auto found = m_document ? scene().pick(space(), world, aperture()) : std::vector<MxDbObjectId>();
+    return found.empty() ? MxDbObjectId() : found.front();
+}
+
 void DrawingView::zoomExtents() {
     if (!m_document)
         return;
@@ -212,7 +221,10 @@ void DrawingView::paintCursor(QPainter& painter) const {
     if (wantsPoint && prompter.base()) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(kRubberBand, 1, Qt::DashLine));
-        painter.drawLine(toWidget(*prompter.base()), c);
+        if (prompter.isCornerWanted())
+            painter.drawRect(QRectF(toWidget(*prompter.base()), c).normalized());
+        else
+            painter.drawLine(toWidget(*prompter.base()), c);
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
     painter.setPen(QPen(kCrossHair, 1));
@@ -335,8 +347,7 @@ void DrawingView::hover() {
     MxEdInputPoint input;
     input.pointComputed = true;
     input.rawPoint = toWorld(*m_cursor);
-    const double aperture = kPickBox * devicePixelRatioF() * transform().unitsPerPixel;
-    input.pickedEntities = scene().pick(space(), input.rawPoint, aperture);
+    input.pickedEntities = scene().pick(space(), input.rawPoint, aperture());
     if (const auto* points = dynamic_cast<ed::InputPoints*>(m_document->inputPointManager()))
         points->notify(input);
 }

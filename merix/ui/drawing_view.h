@@ -37,6 +37,7 @@ public:
     const ge::ViewTransform& transform() const override;
     void setTransform(const ge::ViewTransform& transform) override;
     MxDbExtents extents() override;
+    MxDbObjectId pick(const MxGePoint3d& world) override;
     void regenerate() override;
     void update() override;
     void drawEntity(MxDbObjectId id, bool draw) override;
@@ -71,6 +72,8 @@ private:
     void paintHint(QPainter& painter) const;
     QRegion cursorRegion() const;
     void moveCursor(std::optional<QPointF> position);
+    /// Half the side of the pick box in drawing units.
+    double aperture() const;
     void hover();
 
     ap::Document* m_document = nullptr;

@@ -6,6 +6,7 @@
 #include "host/ed/input.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/dbutil/add_entity.h"
+#include "phonomark/dbutil/attachments.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/note_type.h"
 #include "phonomark/dbutil/system_info.h"
@@ -21,8 +22,9 @@
 namespace {
 
 constexpr unsigned kPlacingKeywords = 261, kSettingsKeywords = 262;
-constexpr unsigned kStateFormat = 263, kPointPrompt = 264, kSettingsPrompt = 268, kSpeakerFormat = 269;
-constexpr unsigned kShownText = 270;
+constexpr unsigned kStateFormat = 263, kPointPrompt = 264, kFirstCornerPrompt = 265, kOtherCornerPrompt = 266;
+constexpr unsigned kObjectPrompt = 267, kSettingsPrompt = 268, kSpeakerFormat = 269;
+constexpr unsigned kShownText = 270, kAlreadyAttachedText = 286;
 constexpr int kEmptyNotAllowed = 1, kEmptyAllowed = 0;
 constexpr std::size_t kKeywordCapacity = 131;
 constexpr std::size_t kSpeakerCapacity = 133;
@@ -41,13 +43,21 @@ private:
 
     void printState() const;
     Next placePoint();
+    Next placeRegion();
+    Next placeObject();
+    /// What follows from a point prompt that gave no point.
+    Next withoutPoint(int result);
     Next byKeyword();
     Next settings();
     Next askSpeaker();
 
     int m_type;
     std::wstring m_speaker;
+    void place(MxDbPhonomark& note) const;
+
     MxGePoint3d m_point;
+    MxDbExtents m_region;
+    MxDbObjectId m_object;
 };
 
 Insertion::Insertion()
@@ -65,6 +75,12 @@ bool Insertion::prompt() {
         case kPointNote:
             next = placePoint();
             break;
+        case kRegionNote:
+            next = placeRegion();
+            break;
+        case kObjectNote:
+            next = placeObject();
+            break;
         default: // a note of any other type is made without being placed
             next = Next::kCreate;
             break;
@@ -80,10 +96,48 @@ void Insertion::printState() const {
 Insertion::Next Insertion::placePoint() {
     mxedInitGet(kEmptyNotAllowed, resourceText(kPlacingKeywords).c_str());
     MxGePoint3d picked;
-    switch (mxedGetPoint(nullptr, resourceText(kPointPrompt).c_str(), picked)) {
-    case kInputNormal:
-        mxdbUcs2Wcs(picked, m_point, false);
-        return Next::kCreate;
+    const int result = mxedGetPoint(nullptr, resourceText(kPointPrompt).c_str(), picked);
+    if (result != kInputNormal)
+        return withoutPoint(result);
+    mxdbUcs2Wcs(picked, m_point, false);
+    return Next::kCreate;
+}
+
+Insertion::Next Insertion::placeRegion() {
+    mxedInitGet(kEmptyNotAllowed, resourceText(kPlacingKeywords).c_str());
+    MxGePoint3d first, opposite;
+    const int result = mxedGetPoint(nullptr, resourceText(kFirstCornerPrompt).c_str(), first);
+    if (result != kInputNormal)
+        return withoutPoint(result);
+    if (mxedGetCorner(first, resourceText(kOtherCornerPrompt).c_str(), opposite) != kInputNormal)
+        return Next::kEnd;
+    for (const MxGePoint3d& corner : {first, opposite}) {
+        MxGePoint3d world;
+        mxdbUcs2Wcs(corner, world, false);
+        m_region.addPoint(world);
+    }
+    return Next::kCreate;
+}
+
+Insertion::Next Insertion::placeObject() {
+    for (;;) {
+        mxedInitGet(kEmptyNotAllowed, resourceText(kPlacingKeywords).c_str());
+        MxGePoint3d picked;
+        switch (mxedEntSel(resourceText(kObjectPrompt).c_str(), m_object, picked)) {
+        case kInputNormal:
+            return Next::kCreate;
+        case kInputCancel:
+            return Next::kEnd;
+        case kInputKeyword:
+            return byKeyword();
+        default: // nothing was picked
+            break;
+        }
+    }
+}
+
+Insertion::Next Insertion::withoutPoint(int result) {
+    switch (result) {
     case kInputCancel:
         return Next::kEnd;
     case kInputKeyword:
@@ -129,18 +183,41 @@ Insertion::Next Insertion::askSpeaker() {
     return Next::kAskAgain;
 }
 
+void Insertion::place(MxDbPhonomark& note) const {
+    switch (m_type) {
+    case kPointNote:
+        note.setPosition(m_point);
+        break;
+    case kRegionNote:
+        note.setExtents(m_region);
+        break;
+    case kObjectNote:
+        note.setAttachObj(m_object);
+        break;
+    default:
+        break;
+    }
+}
+
 void Insertion::createNote() const {
+    if (m_type == kObjectNote && IsAttachedVoice(m_object)) {
+        mxutPrintfById(kAlreadyAttachedText);
+        return;
+    }
     auto note = std::make_unique<MxDbPhonomark>();
     note->setPhonomarkType(m_type);
-    if (m_type == kPointNote)
-        note->setPosition(m_point);
+    place(*note);
     note->setSpokesman(m_speaker);
     note->setDatatime(GetSysDataTime());
     MxDbObjectId id;
+    const MxDbPhonomark* placed = note.get();
     if (addEntityToCurrentSpace(id, note.get()))
         static_cast<void>(note.release()); // the database's
-    if (PhonomarkManager* manager = livePhManager())
+    if (PhonomarkManager* manager = livePhManager()) {
         manager->AppendPhonomark(id, currentDocument());
+        if (m_type == kObjectNote)
+            manager->addNotifier(placed, m_object);
+    }
     WriteProfileStringW(RegSection(), L"Spokesman", m_speaker);
     WriteProfileInt(RegSection(), L"VoiceType", m_type);
 }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/entity/ps_reactor.h"
 
+#include "phonomark/dbutil/geom_extents.h"
 #include "phonomark/dbutil/run_time_class.h"
+#include "phonomark/entity/phonomark.h"
 
 MxRxClass* PhonomarkPsReactor::gpDesc = nullptr;
 
@@ -22,6 +24,25 @@ MxRxClass* PhonomarkPsReactor::rxInit(MxRxAppNameChange appNameChange) {
         requireClass(newMxRxClass(kClassName, MxDbObject::desc()->name(), kDwgVersion, kMaintenanceVersion, 0,
                                   &makeOnHostHeap<PhonomarkPsReactor>, kClassName, L"PERSISTREACTOR", appNameChange));
     return gpDesc;
+}
+
+void PhonomarkPsReactor::modified(const MxDbObject* object) {
+    if (!object || !object->isKindOf(MxDbEntity::desc()))
+        return;
+    MxDbPhonomark* note = nullptr;
+    if (mxdbOpenObject(note, m_noteId, Mx::kForWrite) != Mx::eOk)
+        return;
+    if (note->attachObj() == object->objectId()) {
+        MxDbExtents extents;
+        getGeomExtentsEx(extents, static_cast<const MxDbEntity*>(object));
+        // The before-image holds the recording: it is not taken for changes that leave the object where it is.
+        if (extents.minPoint() != note->extents().minPoint() || extents.maxPoint() != note->extents().maxPoint()) {
+            note->assertWriteEnabled();
+            note->setExtents(extents);
+        }
+        note->recordGraphicsModified(true);
+    }
+    note->close();
 }
 
 Mx::ErrorStatus PhonomarkPsReactor::dwgInFields(MxDbDwgFiler* filer) {

@@ -17,6 +17,10 @@ public:
     MxDbObjectId noteId() const { return m_noteId; }
     void setNoteId(MxDbObjectId id) { m_noteId = id; }
 
+    /// The note takes the extents of the changed object over when it is attached to it; no effect when the note cannot
+    /// be opened for write.
+    void modified(const MxDbObject* object) override;
+
     /// Filed as one reference to the note. Without its subclass marker a DXF record is refused with eSubclassMissing.
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;

@@ -151,6 +151,8 @@ bool PhonomarkManager::ErasePhonomark(MxDbObjectId id, MxApDocument* document) {
     MxDbPhonomark* note = nullptr;
     const Mx::ErrorStatus status = mxdbOpenObject(note, id, Mx::kForWrite);
     if (status == Mx::eOk) {
+        if (note->getPhonomarkType() == kObjectNote && note->attachObj().isValid())
+            delNotifier(note, note->attachObj());
         note->doUnhighlight();
         note->setErasing(true);
         note->erase(true);

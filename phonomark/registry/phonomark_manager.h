@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 
+class MxDbPhonomark;
 struct resbuf;
 
 /// The registry: which voice notes every open document holds, and what is done to all of them. Main thread only.
@@ -33,6 +34,13 @@ public:
     /// Erases a note as one undoable unit; null is the current document. A note on a locked layer stays, and the user
     /// is told. Always true.
     bool ErasePhonomark(MxDbObjectId id, MxApDocument* document);
+
+    /// Attaches the note, which is in the drawing and closed, to the object, whatever the layers of both. False when
+    /// one of them cannot be opened; what was done before that stays.
+    bool addNotifier(const MxDbPhonomark* note, MxDbObjectId ownerId);
+    /// Detaches the note, which is open for write, from the object. False when it is not attached or the object cannot
+    /// be opened for write; what was done before that stays.
+    bool delNotifier(MxDbPhonomark* note, MxDbObjectId ownerId);
 
     // The list in the drawing: named object dictionary, "PHONO_MARK", "VOICE_LIST"; one handle a note, as text of group
     // code 102.

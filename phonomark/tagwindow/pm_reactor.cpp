@@ -76,6 +76,16 @@ Mx::ErrorStatus PhonomarkPmReactor::monitorInputPoint(const MxEdInputPoint& inpu
     return Mx::eOk;
 }
 
+namespace {
+
+/// A note over a region or on an object has no point of its own: its marker stands on the corner.
+MxGePoint3d placeOf(const MxDbPhonomark& note) {
+    const int type = note.getPhonomarkType();
+    return type == kRegionNote || type == kObjectNote ? note.extents().maxPoint() : note.position();
+}
+
+} // namespace
+
 /// Of several notes under the cursor the last one keeps the window.
 void PhonomarkPmReactor::hover(MxDbPhonomark& note, const MxGePoint3d& cursor) {
     MxDbExtents image;
@@ -83,7 +93,7 @@ void PhonomarkPmReactor::hover(MxDbPhonomark& note, const MxGePoint3d& cursor) {
     if (!PtInRegion(cursor, image) || note.isPlaying() || !RegionInDwgView(image))
         return;
     int x = 0, y = 0;
-    if (!mxedCoordFromWorldToPixel(0, note.position(), x, y))
+    if (!mxedCoordFromWorldToPixel(0, placeOf(note), x, y))
         return;
     const QPoint screen = mxuiViewToScreen(QPoint(x, y));
     ShowTagWindow(CPoint{screen.x(), screen.y() - kAboveNote}, &note);

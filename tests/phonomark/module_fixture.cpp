@@ -3,6 +3,7 @@
 
 #include "merix/db/entities.h"
 #include "merix/ed/command_stack.h"
+#include "merix/gi/scene.h"
 #include "phonomark/app/entry_point.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/app/phonomark_app.h"
@@ -119,6 +120,12 @@ TransformView::TransformView(double unitsPerPixel) {
 
 TransformView::~TransformView() {
     merix::ed::setActiveView(nullptr);
+}
+
+MxDbObjectId TransformView::pick(const MxGePoint3d& world) {
+    MxDbDatabase& database = *mxdbHostApplicationServices()->workingDatabase();
+    const auto found = merix::gi::Scene(database).pick(database.currentSpaceId(), world, 5 * m_transform.unitsPerPixel);
+    return found.empty() ? MxDbObjectId() : found.front();
 }
 
 unsigned char* soundBytes(std::size_t count) {

@@ -56,6 +56,7 @@ public:
     const merix::ge::ViewTransform& transform() const override { return m_transform; }
     void setTransform(const merix::ge::ViewTransform& transform) override { m_transform = transform; }
     MxDbExtents extents() override { return {}; }
+    MxDbObjectId pick(const MxGePoint3d& world) override;
     void regenerate() override {}
     void update() override {}
     void drawEntity(MxDbObjectId id, bool draw) override { drawn.emplace_back(id, draw); }

@@ -92,8 +92,8 @@ TEST_F(ResourceModule, KeywordListsGiveLocalAndGlobalNames) {
     EXPECT_EQ(text(261), QStringLiteral("Settings _ Settings"));
     const QStringList halves = text(262).split(QStringLiteral(" _ "));
     ASSERT_EQ(halves.size(), 2);
-    EXPECT_EQ(halves[1], QStringLiteral("Point Spokesman"));
-    EXPECT_EQ(halves[0].split(QLatin1Char(' ')).size(), 2);
+    EXPECT_EQ(halves[1], QStringLiteral("Point Region Object Reply Spokesman"));
+    EXPECT_EQ(halves[0].split(QLatin1Char(' ')).size(), 5);
 }
 
 TEST_F(ResourceModule, TagImagesAreSixImagesOfTheWindowsSize) {

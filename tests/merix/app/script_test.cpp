@@ -147,3 +147,34 @@ TEST_F(ScriptTest, ANoteIsPlacedByAClickUndoneAndRedone) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_THAT(file.readAll().toStdString(), HasSubstr("PHONOMARK"));
 }
+
+TEST_F(ScriptTest, EveryBranchOfPlacingANoteCanBeDriven) {
+    QFile drawing(m_folder.filePath(QStringLiteral("line.dxf")));
+    ASSERT_TRUE(drawing.open(QIODevice::WriteOnly));
+    drawing.write("0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n0\n20\n0\n11\n100\n21\n50\n0\nENDSEC\n0\nEOF\n");
+    drawing.close();
+    expectFine("PHONOMARK\n@expect note type = Point\n"
+               "Settings\nSpokesman\nAnna\n@expect speaker = Anna\n"
+               "Settings\nSpokesman\n\n@expect <Anna>\n"
+               "Settings\nRegion\n@expect note type = Region, speaker = Anna\n"
+               "Settings\n\n@expect note type = Point\n"
+               "Settings\nreg\n10,10\n@20,15\n@expect Specify the opposite corner: @20,15\n"
+               "PHONOMARK\n@expect note type = Region, speaker = Anna\n"
+               "@click 10 10\n@key Escape\n@expect *Cancel*\n"
+               "PHONOMARK\nSettings\n@key Escape\n@expect *Cancel*\n"
+               "PHONOMARK\nSettings\nSpokesman\n@key Escape\n@expect *Cancel*\n"
+               "PHONOMARK\nSettings\nObject\n50,40\n@expect or [Settings]: 50,40\n"
+               "@click 60 30\n"
+               "PHONOMARK\n@expect note type = Object\n60,30\n@expect This object already carries a voice note.\n"
+               "PHONOMARK\n@key Escape\n@expect *Cancel*\n"
+               "PHONOMARK\nSettings\nPoint\n40,40\n"
+               "PHONOMARK\nSettings\nReply\n@expect note type = Reply\n"
+               "@save placed.dxf\n",
+               {drawing.fileName()});
+    QFile file(m_folder.filePath(QStringLiteral("placed.dxf")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll().replace("\r\n", "\n");
+    EXPECT_EQ(text.count("\n  0\nPHONOMARK\n") + text.count("\n0\nPHONOMARK\n"), 4);
+    EXPECT_THAT(text.toStdString(), HasSubstr("{ACAD_REACTORS"));
+    EXPECT_THAT(text.toStdString(), HasSubstr("PHONOMARKASSOC"));
+}

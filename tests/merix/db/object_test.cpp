@@ -306,7 +306,7 @@ TEST(Object, PersistentReactorsAreToldWhenOpenForRead) {
     EXPECT_EQ(follower->told, "opened modified closed ");
     follower->told.clear();
     drawing.imp.undo.undo();
-    EXPECT_EQ(follower->told, "undone ");
+    EXPECT_EQ(follower->told, "undone modified ");
     follower->told.clear();
     drawing.erase(reactor);
     drawing.erase(id);

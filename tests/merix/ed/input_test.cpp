@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/ed/input.h"
 
+#include "answers.h"
+#include "host/db/database.h"
 #include "merix/ed/active_view.h"
 #include "merix/ed/console.h"
 
@@ -20,11 +22,15 @@ QString printed() {
 
 struct View : ActiveView {
     merix::ge::ViewTransform shown{{100, 50}, 0.5, 200, 100};
+    MxDbObjectId there; ///< what can be picked at (3, 4)
     View() { setActiveView(this); }
     ~View() override { setActiveView(nullptr); }
     const merix::ge::ViewTransform& transform() const override { return shown; }
     void setTransform(const merix::ge::ViewTransform& transform) override { shown = transform; }
     MxDbExtents extents() override { return {}; }
+    MxDbObjectId pick(const MxGePoint3d& world) override {
+        return world == MxGePoint3d(3, 4, 0) ? there : MxDbObjectId();
+    }
     void regenerate() override {}
     void update() override {}
     void drawEntity(MxDbObjectId, bool) override {}
@@ -80,6 +86,20 @@ TEST_F(InputTest, PixelsOfTheActiveViewAreViewportZero) {
     EXPECT_EQ(x, 100);
     EXPECT_EQ(y, 50);
     EXPECT_FALSE(mxedCoordFromPixelToWorld(1, 0, 0, world));
+}
+
+TEST_F(InputTest, AnEntityIsWhatTheViewHasAtThePoint) {
+    MxDbDatabase database;
+    View view;
+    ASSERT_EQ(database.getMxDbObjectId(view.there, true, MxDbHandle(0xAB)), Mx::eOk);
+    const merix::test::Answers answers({QStringLiteral("3,4"), QStringLiteral("9,9")});
+    MxDbObjectId entity;
+    MxGePoint3d point;
+    EXPECT_EQ(mxedEntSel(L"", entity, point), 5100);
+    EXPECT_EQ(entity, view.there);
+    EXPECT_EQ(point, MxGePoint3d(3, 4, 0));
+    EXPECT_EQ(mxedEntSel(L"", entity, point), -5001) << "nothing is there";
+    EXPECT_TRUE(entity.isNull());
 }
 
 TEST_F(InputTest, PointsFarAwayHavePixelNumbersThatAnIntHolds) {

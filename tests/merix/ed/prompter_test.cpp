@@ -54,6 +54,41 @@ TEST_F(PrompterTest, APickedPointAnswers) {
     EXPECT_EQ(point, MxGePoint3d(7, 8, 0));
 }
 
+TEST_F(PrompterTest, ACornerIsAskedForWithARubberRectangle) {
+    Answers answers({QStringLiteral("@2,3")});
+    bool rectangle = false;
+    std::optional<MxGePoint3d> base;
+    answers.before = [&] {
+        rectangle = Prompter::instance().isCornerWanted();
+        base = Prompter::instance().base();
+    };
+    EXPECT_EQ(mxedGetCorner({10, 20, 0}, L"\nCorner: ", point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(12, 23, 0));
+    EXPECT_TRUE(rectangle);
+    EXPECT_EQ(base, MxGePoint3d(10, 20, 0));
+    EXPECT_FALSE(Prompter::instance().isCornerWanted());
+    EXPECT_EQ(mxedGetCorner({10, 20, 0}, L"", point), -5002);
+    EXPECT_EQ(mxedGetPoint(nullptr, L"", point), -5002);
+    EXPECT_FALSE(rectangle) << "a point has none";
+}
+
+TEST_F(PrompterTest, AnEntityIsPickedByAPointOrAnsweredWithAKeyword) {
+    Answers answers({QStringLiteral("3,4"), QStringLiteral("set")});
+    MxDbObjectId entity;
+    EXPECT_EQ(mxedEntSel(L"\nSelect: ", entity, point), -5001) << "there is no view to pick in";
+    EXPECT_TRUE(entity.isNull());
+    EXPECT_EQ(point, MxGePoint3d(3, 4, 0));
+    mxedInitGet(kNotEmpty, L"Settings");
+    EXPECT_EQ(mxedEntSel(L"\nSelect: ", entity, point), -5005);
+    EXPECT_EQ(mxedEntSel(L"\nSelect: ", entity, point), -5002);
+    answers.before = [] {
+        EXPECT_EQ(Prompter::instance().wants(), Prompter::Wants::kPick);
+        Prompter::instance().submitPoint({7, 8, 0});
+    };
+    EXPECT_EQ(mxedEntSel(L"\nSelect: ", entity, point), -5001);
+    EXPECT_EQ(point, MxGePoint3d(7, 8, 0));
+}
+
 TEST_F(PrompterTest, APickedPointAnswersNoQuestionForAKeyword) {
     Answers answers({QStringLiteral("No")});
     answers.before = [] { Prompter::instance().submitPoint({7, 8, 0}); };

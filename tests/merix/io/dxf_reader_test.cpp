@@ -208,7 +208,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\x7f"
                 "ELF\x02\x01 junk\nmore junk\n",
                 "line 1: this is no DXF drawing: a group code was expected"},
-        Refusal{"AutoCAD Binary DXF\r\n\x1a", "binary DXF is not supported yet"},
+        Refusal{"AutoCAD Binary DXF\r\n\x1a", "byte 18: the sentinel of a binary DXF drawing is damaged"},
         Refusal{"0\nEOF\n", "line 1: this is no DXF drawing: it has no sections"},
         Refusal{"1\nx\n", "line 3: this is no DXF drawing: a group code was expected"},
         Refusal{"0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n", "line 9: the drawing is cut off: it ends without EOF"},

@@ -49,6 +49,14 @@ TEST_F(DrawingViewTest, TheDrawingIsPaintedOnTheCanvas) {
     EXPECT_EQ(at({50, 50, 0}), ui::kCanvas.rgb());
 }
 
+TEST_F(DrawingViewTest, TheTopmostEntityInThePickBoxIsPicked) {
+    addLine({0, 0, 0}, {100, 0, 0});
+    const MxDbObjectId above = addLine({0, 0, 0}, {100, 0, 0});
+    const double pixel = view().transform().unitsPerPixel;
+    EXPECT_EQ(view().pick({50, 4 * pixel, 0}), above);
+    EXPECT_TRUE(view().pick({50, 7 * pixel, 0}).isNull());
+}
+
 TEST_F(DrawingViewTest, TheWheelZoomsAboutTheCursor) {
     const ViewWatch watch;
     const QPointF cursor(600, 120);

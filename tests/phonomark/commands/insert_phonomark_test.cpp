@@ -2,6 +2,7 @@
 #include "phonomark/commands/command_group.h"
 
 #include "phonomark/app/module_state.h"
+#include "phonomark/dbutil/attachments.h"
 #include "phonomark/dbutil/system_info.h"
 #include "phonomark/settings/profile.h"
 #include "tests/phonomark/module_fixture.h"
@@ -100,11 +101,100 @@ TEST_F(InsertTest, HiddenNotesAreShownBeforeAnythingIsAsked) {
     EXPECT_THAT(listed(), IsEmpty());
 }
 
-TEST_F(InsertTest, TheSettingsQuestionOffersWhatCanBePlaced) {
-    run("PHONOMARK", {"Settings", "Reply", "Point", "3,4"});
-    EXPECT_THAT(printed(), HasSubstr("[Point/Spokesman]"));
-    EXPECT_EQ(only().getPhonomarkType(), 0) << "Reply is no answer and is asked again";
+TEST_F(InsertTest, TheSettingsQuestionOffersEveryType) {
+    run("PHONOMARK", {"Settings", "Re", "Circle", "Point", "3,4"});
+    const std::string text = printed();
+    EXPECT_THAT(text, HasSubstr("[Point/Region/Object/Reply/Spokesman]"));
+    EXPECT_THAT(text, HasSubstr("That can mean Region or Reply."));
+    EXPECT_THAT(text, HasSubstr("That is none of the options."));
+    EXPECT_EQ(only().getPhonomarkType(), 0);
     EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+}
+
+TEST_F(InsertTest, ARegionIsAskedForByTwoCornersInAnyOrder) {
+    run("PHONOMARK", {"Settings", "Region", "30,10", "@-20,15"});
+    EXPECT_EQ(only().getPhonomarkType(), 1);
+    EXPECT_EQ(only().extents().minPoint(), MxGePoint3d(10, 10, 0));
+    EXPECT_EQ(only().extents().maxPoint(), MxGePoint3d(30, 25, 0));
+    EXPECT_EQ(only().position(), MxGePoint3d());
+    EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 1);
+    const std::string text = printed();
+    EXPECT_THAT(text, HasSubstr("note type = Region"));
+    EXPECT_THAT(text, HasSubstr("Specify the first corner of the region or [Settings]: 30,10"));
+    EXPECT_THAT(text, HasSubstr("Specify the opposite corner: @-20,15"));
+}
+
+TEST_F(InsertTest, ARegionWithoutItsOtherCornerIsNone) {
+    WriteProfileInt(L"", L"VoiceType", 1);
+    run("PHONOMARK", {"30,10"}); // Esc
+    run("PHONOMARK", {"30,10", ""});
+    run("PHONOMARK");
+    EXPECT_THAT(listed(), IsEmpty());
+    EXPECT_EQ(storedSpeaker(), L"");
+}
+
+TEST_F(InsertTest, TheSettingsCanBeChangedAtEveryPlacingPrompt) {
+    const TransformView view(0.1);
+    run("PHONOMARK", {"Settings", "Region", "Settings", "Object", "Settings", "Reply"});
+    EXPECT_EQ(only().getPhonomarkType(), 3);
+    EXPECT_TRUE(only().extents().isEmpty());
+    EXPECT_TRUE(only().attachObj().isNull());
+    EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 3);
+}
+
+TEST_F(InsertTest, APickedObjectGetsTheNote) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    run("PHONOMARK", {"Settings", "Object", "50,50", "4,2"});
+    EXPECT_EQ(only().getPhonomarkType(), 2);
+    EXPECT_EQ(only().attachObj(), line);
+    EXPECT_EQ(only().extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    EXPECT_TRUE(IsAttachedVoice(line));
+    const std::string text = printed();
+    EXPECT_THAT(text, HasSubstr("[Settings]: 50,50\nSelect the object")) << "nothing is there: asked again";
+}
+
+TEST_F(InsertTest, AnObjectNoteIsOneUndoableUnit) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    database().imp().undo.clear();
+    WriteProfileInt(L"", L"VoiceType", 2);
+    run("PHONOMARK", {"4,2"});
+    ASSERT_TRUE(merix::ap::DocManager::instance().undo(document()));
+    EXPECT_THAT(listed(), IsEmpty());
+    EXPECT_FALSE(IsAttachedVoice(line));
+    EXPECT_TRUE(merix::db::DatabaseImp::peek(line)->reactors().empty());
+    EXPECT_FALSE(database().imp().undo.canUndo());
+    ASSERT_TRUE(merix::ap::DocManager::instance().redo(document()));
+    EXPECT_TRUE(IsAttachedVoice(line));
+}
+
+TEST_F(InsertTest, AnObjectCarriesOneNoteAndTheSettingsStay) {
+    const TransformView view(0.1);
+    addLine();
+    WriteProfileInt(L"", L"VoiceType", 2);
+    run("PHONOMARK", {"4,2"});
+    WriteProfileStringW(L"", L"Spokesman", L"Bert");
+    printed();
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna", "4,2"});
+    EXPECT_EQ(listed().size(), 1u);
+    EXPECT_THAT(printed(), HasSubstr("This object already carries a voice note."));
+    EXPECT_EQ(storedSpeaker(), L"Bert");
+}
+
+TEST_F(InsertTest, CancelAtTheObjectPromptCreatesNothing) {
+    WriteProfileInt(L"", L"VoiceType", 2);
+    run("PHONOMARK", {"4,2"}); // there is no view to pick in: asked again, Esc
+    EXPECT_THAT(listed(), IsEmpty());
+    EXPECT_EQ(storedSpeaker(), L"");
+}
+
+TEST_F(InsertTest, CancelAtTheSettingsQuestionOrAtTheSpeakerCreatesNothing) {
+    WriteProfileInt(L"", L"VoiceType", 1);
+    run("PHONOMARK", {"Settings"});
+    run("PHONOMARK", {"Settings", "Spokesman"});
+    EXPECT_THAT(listed(), IsEmpty());
+    EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 1);
 }
 
 TEST_F(InsertTest, ANoteThatCannotBeAddedIsListedAsNothingAndTheSettingsAreWritten) {

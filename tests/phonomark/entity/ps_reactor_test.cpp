@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/entity/ps_reactor.h"
 
+#include "host/db/dictionary.h"
 #include "merix/db/dwg_filer.h"
+#include "merix/db/entities.h"
 #include "merix/io/dxf_in_filer.h"
 #include "merix/io/dxf_out_filer.h"
+#include "phonomark/dbutil/documents.h"
+#include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/module_fixture.h"
 
 #include <memory>
@@ -73,4 +77,112 @@ TEST_F(PsReactorTest, TheLastOfSeveralNotesWins) {
     PhonomarkPsReactor after;
     readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}, {330, "F002"}, {90, "1"}, {330, "F003"}});
     EXPECT_EQ(after.noteId().handle(), MxDbHandle(0xF002));
+}
+
+namespace {
+
+class FollowingTest : public PsReactorTest {
+protected:
+    /// A note attached to a new line from (0, 0) to (10, 5).
+    void attach() {
+        m_line = addLine();
+        m_note = addNote(kObjectNote, {1, 2, 3});
+        note(m_note).setAttachObj(m_line);
+        ASSERT_TRUE(livePhManager()->addNotifier(&note(m_note), m_line));
+    }
+    void moveLine(const MxGePoint3d& end) {
+        merix::db::Line* line = nullptr;
+        ASSERT_EQ(mxdbOpenObject(line, m_line, Mx::kForWrite), Mx::eOk);
+        line->assertWriteEnabled();
+        line->end = end;
+        line->close();
+    }
+    void recolorLine(std::int16_t color) {
+        merix::db::Line* line = nullptr;
+        ASSERT_EQ(mxdbOpenObject(line, m_line, Mx::kForWrite), Mx::eOk);
+        line->assertWriteEnabled();
+        merix::db::traits(*line).color = color;
+        line->close();
+    }
+    /// Tells a reactor of the note that `object` was modified.
+    void tell(const MxDbObject* object) {
+        PhonomarkPsReactor reactor;
+        reactor.setNoteId(m_note);
+        reactor.modified(object);
+    }
+    std::uint32_t graphicsVersion() { return note(m_note).data().graphicsVersion; }
+
+    MxDbObjectId m_line, m_note;
+};
+
+} // namespace
+
+TEST_F(FollowingTest, ANoteTakesTheExtentsOfItsMovedObjectOverAndIsDrawnAnew) {
+    attach();
+    const auto before = graphicsVersion();
+    moveLine({20, 30, 0});
+    EXPECT_EQ(note(m_note).extents().minPoint(), MxGePoint3d(0, 0, 0));
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(20, 30, 0));
+    EXPECT_EQ(note(m_note).position(), MxGePoint3d(1, 2, 3));
+    EXPECT_EQ(note(m_note).getPhonomarkType(), kObjectNote);
+    EXPECT_GT(graphicsVersion(), before);
+}
+
+TEST_F(FollowingTest, UndoAndRedoMoveTheNoteWithItsObject) {
+    attach();
+    {
+        const DocumentLock lock(&document(), L"Move", 0);
+        moveLine({20, 30, 0});
+    }
+    ASSERT_TRUE(merix::ap::DocManager::instance().undo(document()));
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    ASSERT_TRUE(merix::ap::DocManager::instance().redo(document()));
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(20, 30, 0));
+}
+
+TEST_F(FollowingTest, AChangeThatLeavesTheObjectInPlaceCopiesNoRecording) {
+    attach();
+    const auto before = graphicsVersion();
+    database().imp().undo.clear();
+    recolorLine(1);
+    EXPECT_GT(graphicsVersion(), before);
+    ASSERT_EQ(database().imp().undo.undoUnits().size(), 1U);
+    EXPECT_EQ(database().imp().undo.undoUnits()[0].steps[0].id, m_line);
+}
+
+TEST_F(FollowingTest, NoticesOfWhatIsNoEntityChangeNothing) {
+    attach();
+    const auto before = graphicsVersion();
+    MxDbDictionary* named = nullptr;
+    ASSERT_EQ(database().getNamedObjectsDictionary(named, Mx::kForRead), Mx::eOk);
+    note(m_note).setAttachObj(named->objectId());
+    tell(named);
+    named->close();
+    tell(nullptr);
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    EXPECT_EQ(graphicsVersion(), before);
+}
+
+TEST_F(FollowingTest, ANoteOfAnotherObjectIsLeftAlone) {
+    attach();
+    const MxDbObjectId other = addLine();
+    note(m_note).setAttachObj(other);
+    const auto before = graphicsVersion();
+    moveLine({20, 30, 0});
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    EXPECT_EQ(graphicsVersion(), before);
+    MxDbPhonomark* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, m_note, Mx::kForWrite), Mx::eOk) << "it was closed again";
+    open->close();
+}
+
+TEST_F(FollowingTest, ANoteThatIsOpenElsewhereDoesNotFollow) {
+    attach();
+    MxDbPhonomark* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, m_note, Mx::kForRead), Mx::eOk);
+    moveLine({20, 30, 0});
+    reader->close();
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    moveLine({21, 31, 0});
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(21, 31, 0));
 }

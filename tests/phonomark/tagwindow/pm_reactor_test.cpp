@@ -69,6 +69,25 @@ TEST_F(HoverTest, TheWindowComesUpThirtySixPixelsAboveTheNote) {
     EXPECT_EQ(g_taguidlg->parentWidget(), m_window.get());
 }
 
+TEST_F(HoverTest, NotesWithoutAPointGetTheWindowOverTheCornerWhereTheirMarkerStands) {
+    const MxGePoint3d center = [] {
+        const auto& shown = merix::ed::activeView()->transform();
+        return MxGePoint3d(shown.center.x, shown.center.y, 0);
+    }();
+    for (const int type : {kRegionNote, kObjectNote}) {
+        const MxDbObjectId id = addNote(type, {center.x + 1e6, 0, 0});
+        note(id).setExtents(MxDbExtents({center.x - 1, center.y - 1, 0}, center));
+        draw(id);
+        hover(middle(id), {id});
+        ASSERT_TRUE(g_taguidlg) << type;
+        EXPECT_EQ(g_taguidlg->GetMxDbOwner(), &note(id));
+        const auto pixel = merix::ed::activeView()->transform().toPixel(center);
+        const QPoint screen = mxuiViewToScreen(QPoint(qRound(pixel.x), qRound(pixel.y)));
+        EXPECT_EQ(g_taguidlg->mapToGlobal(QPoint(0, 0)), screen - QPoint(0, 36)) << type;
+        removeTagWindow();
+    }
+}
+
 TEST_F(HoverTest, NothingHappensBesideTheMarkerOrWithoutAPoint) {
     const MxDbObjectId id = addDrawn();
     hover({middle(id).x + 1e6, 0, 0}, {id});
