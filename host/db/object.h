@@ -8,6 +8,7 @@
 #include <vector>
 
 class MxDbEntity;
+class MxDbIdMapping;
 class MxDbObject;
 
 namespace merix::db {
@@ -93,6 +94,17 @@ public:
     virtual Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const;
     virtual Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer);
     virtual Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const;
+
+    /// A copy of the object in `owner` (a block, a dictionary) of the same drawing, with what it owns. `clone` is then
+    /// open for write and noted in `map`; null, with eOk, for an object that is never copied. The object must be open
+    /// for read.
+    Mx::ErrorStatus deepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map, bool isPrimary = true) const;
+    /// The same into `owner` of another drawing, with the layers and other records it refers to.
+    Mx::ErrorStatus wblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map, bool isPrimary = true) const;
+    virtual Mx::ErrorStatus subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                         bool isPrimary = true) const;
+    virtual Mx::ErrorStatus subWblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                           bool isPrimary = true) const;
 
     /// Called while the object itself is opened, cancelled and closed.
     virtual Mx::ErrorStatus subOpen(Mx::OpenMode mode);

@@ -3,10 +3,19 @@
 // Coordinates are world drawing units. Main thread only.
 #pragma once
 
+#include "host/db/object_id.h"
 #include "host/ge/geometry.h"
 
 #include <cstddef>
 #include <cstdint>
+
+/// A colour and how it is meant. The method byColor takes the three parts, 0 to 255 each.
+struct MxCmEntityColor {
+    enum class Method : std::uint8_t { kByLayer, kByBlock, kByColor };
+    Method method = Method::kByLayer;
+    std::uint8_t red = 0, green = 0, blue = 0;
+    bool operator==(const MxCmEntityColor&) const = default;
+};
 
 /// Circumstances of a drawing pass.
 class MxGiContext {
@@ -25,6 +34,9 @@ public:
     virtual bool implementsTraits() const { return false; }
     /// 0 by block, 1 to 255 an index of the colour table, 256 by layer.
     virtual void setColor(std::uint16_t) {}
+    virtual void setTrueColor(const MxCmEntityColor&) {}
+    /// A record of the drawing's line type table; null is ignored.
+    virtual void setLineType(MxDbObjectId) {}
     virtual void setFill(bool) {}
     /// Hundredths of a millimetre; -1 by layer, -2 by block, -3 default.
     virtual void setLineWeight(int) {}
@@ -50,6 +62,10 @@ public:
                              const MxGeVector3d& startVector, double sweep) = 0;
     /// Lines through `count` points.
     virtual void worldLine(const MxGePoint3d* points, std::size_t count) = 0;
+    /// The same as one figure: line types run on around its corners.
+    virtual void polyline(const MxGePoint3d* points, std::size_t count) = 0;
+    /// The closed area with these corners: filled when fill is on, else its outline.
+    virtual void polygon(const MxGePoint3d* points, std::size_t count) = 0;
     /// A lightweight polyline. With fill on, segments with width are filled bands; without width, a closed one
     /// is a filled area.
     virtual void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) = 0;

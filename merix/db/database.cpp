@@ -299,6 +299,11 @@ void DatabaseImp::notifyErased(MxDbObject& object, bool erasing) {
         m_listeners[i]->objectErased(object, erasing);
 }
 
+void DatabaseImp::notifyHighlighted(MxDbObject& entity, bool highlighted) {
+    for (std::size_t i = 0; i < m_listeners.size(); ++i)
+        m_listeners[i]->entityHighlighted(entity, highlighted);
+}
+
 void DatabaseImp::markChanged(MxDbObject& object) {
     ObjectData& data = object.data();
     data.sourceStale = true;

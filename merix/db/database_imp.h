@@ -21,6 +21,8 @@ public:
     /// Nothing of it that is saved changed, but it has to be drawn anew.
     virtual void objectGraphicsModified(MxDbObject& object) { objectModified(object); }
     virtual void objectErased(MxDbObject&, bool /*erasing*/) {}
+    /// Shown as one that is meant, or no longer.
+    virtual void entityHighlighted(MxDbObject&, bool /*highlighted*/) {}
 };
 
 /// Everything of a drawing file that is no object: kept by the file readers and writers (floor io), opaque here.
@@ -112,6 +114,7 @@ public:
     void notifyModified(MxDbObject& object);
     void notifyGraphicsModified(MxDbObject& object);
     void notifyErased(MxDbObject& object, bool erasing);
+    void notifyHighlighted(MxDbObject& entity, bool highlighted);
 
     /// Objects opened for write since the last save (or changed after upgradeOpen), appended, erased or un-erased, in
     /// order, each once.

@@ -40,6 +40,8 @@ public:
         for (std::size_t i = 0; i < count; ++i)
             box.addPoint(points[i]);
     }
+    void polyline(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
+    void polygon(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
     void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) override {
         for (std::size_t i = 0; i < count; ++i) {
             const MxGiPolylineVertex& from = vertices[i];

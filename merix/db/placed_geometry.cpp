@@ -46,12 +46,24 @@ void PlacedGeometry::circularArc(const MxGePoint3d& center, double radius, const
     m_target.circularArc(m_map * center, radius * m_scale, axis, m_map * start, sweep);
 }
 
-void PlacedGeometry::worldLine(const MxGePoint3d* points, std::size_t count) {
+std::vector<MxGePoint3d> PlacedGeometry::place(const MxGePoint3d* points, std::size_t count) const {
     std::vector<MxGePoint3d> placed;
     placed.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         placed.push_back(m_map * points[i]);
-    m_target.worldLine(placed.data(), placed.size());
+    return placed;
+}
+
+void PlacedGeometry::worldLine(const MxGePoint3d* points, std::size_t count) {
+    m_target.worldLine(place(points, count).data(), count);
+}
+
+void PlacedGeometry::polyline(const MxGePoint3d* points, std::size_t count) {
+    m_target.polyline(place(points, count).data(), count);
+}
+
+void PlacedGeometry::polygon(const MxGePoint3d* points, std::size_t count) {
+    m_target.polygon(place(points, count).data(), count);
 }
 
 void PlacedGeometry::pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) {

@@ -18,11 +18,14 @@ public:
     void circularArc(const MxGePoint3d& center, double radius, const MxGeVector3d& normal, const MxGeVector3d& start,
                      double sweep) override;
     void worldLine(const MxGePoint3d* points, std::size_t count) override;
+    void polyline(const MxGePoint3d* points, std::size_t count) override;
+    void polygon(const MxGePoint3d* points, std::size_t count) override;
     void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) override;
     void text(const MxGePoint3d& position, const MxGeVector3d& normal, const MxGeVector3d& direction, double height,
               double widthFactor, double oblique, const wchar_t* text) override;
 
 private:
+    std::vector<MxGePoint3d> place(const MxGePoint3d* points, std::size_t count) const;
     MxGiPolylineVertex place(const MxGiPolylineVertex& vertex) const;
     void flattenBulge(const MxGiPolylineVertex& from, const MxGePoint2d& to,
                       std::vector<MxGiPolylineVertex>& placed) const;

@@ -5,6 +5,9 @@
 #include "merix/ge/view_transform.h"
 
 #include "host/db/object_id.h"
+#include "host/ge/extents.h"
+
+#include <vector>
 
 namespace merix::ed {
 
@@ -18,6 +21,9 @@ public:
     virtual MxDbExtents extents() = 0;
     /// The topmost entity of the current layout in the pick box at `world`; null when there is none.
     virtual MxDbObjectId pick(const MxGePoint3d& world) = 0;
+    /// The entities of the current layout whose graphics lie inside `box` or, `crossing`, come into it, in drawing
+    /// order.
+    virtual std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) = 0;
     /// Makes all graphics of the drawing anew (REGEN).
     virtual void regenerate() = 0;
     /// Paints soon.

@@ -50,5 +50,7 @@ struct DisplayList {
 /// True when something of the list comes into the square of `aperture` to each side of `at`: a stroke crosses it, a
 /// fill or a text's box covers it.
 bool touches(const DisplayList& list, const MxGePoint3d& at, double aperture);
+/// The same for any box; curves are followed to within `tolerance`.
+bool touches(const DisplayList& list, const MxDbExtents& box, double tolerance);
 
 } // namespace merix::gi

@@ -192,13 +192,26 @@ void GraphicsBuilder::circularArc(const MxGePoint3d& center, double radius, cons
     addPoints(Primitive::Kind::kFill, ring);
 }
 
-void GraphicsBuilder::worldLine(const MxGePoint3d* points, std::size_t count) {
+void GraphicsBuilder::addFigure(Primitive::Kind kind, const MxGePoint3d* points, std::size_t count, bool closed) {
     if (count == 0 || count > m_budget)
         return;
-    std::vector<MxGePoint2d> line(count);
+    std::vector<MxGePoint2d> figure(count);
     for (std::size_t i = 0; i < count; ++i)
-        line[i] = {points[i].x, points[i].y};
-    addPoints(Primitive::Kind::kStroke, line);
+        figure[i] = {points[i].x, points[i].y};
+    if (closed)
+        figure.push_back(figure.front());
+    addPoints(kind, figure);
+}
+
+void GraphicsBuilder::worldLine(const MxGePoint3d* points, std::size_t count) {
+    addFigure(Primitive::Kind::kStroke, points, count, false);
+}
+
+void GraphicsBuilder::polygon(const MxGePoint3d* points, std::size_t count) {
+    if (m_fill)
+        addFigure(Primitive::Kind::kFill, points, count, false);
+    else
+        addFigure(Primitive::Kind::kStroke, points, count, true);
 }
 
 void GraphicsBuilder::pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) {

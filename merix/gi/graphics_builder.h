@@ -32,6 +32,7 @@ private:
     void setRgb(std::uint32_t rgb);
     bool spend(std::size_t amount);
     std::uint16_t styleIndex();
+    void addFigure(Primitive::Kind kind, const MxGePoint3d* points, std::size_t count, bool closed);
     void addPoints(Primitive::Kind kind, const std::vector<MxGePoint2d>& points);
     void addCurve(const ge::Curve& curve);
     void addBand(const MxGiPolylineVertex* vertices, std::size_t count, bool closed);
@@ -49,6 +50,8 @@ private:
     void circularArc(const MxGePoint3d& center, double radius, const MxGeVector3d& normal,
                      const MxGeVector3d& startVector, double sweep) override;
     void worldLine(const MxGePoint3d* points, std::size_t count) override;
+    void polyline(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
+    void polygon(const MxGePoint3d* points, std::size_t count) override;
     void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) override;
     void text(const MxGePoint3d& position, const MxGeVector3d& normal, const MxGeVector3d& direction, double height,
               double widthFactor, double oblique, const wchar_t* text) override;

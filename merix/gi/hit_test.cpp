@@ -60,7 +60,11 @@ bool touchesText(const PlacedText& text, const Aperture& aperture) {
 } // namespace
 
 bool touches(const DisplayList& list, const MxGePoint3d& at, double aperture) {
-    const Aperture box{{{at.x - aperture, at.y - aperture, 0}, {at.x + aperture, at.y + aperture, 0}}};
+    return touches(list, {{at.x - aperture, at.y - aperture, 0}, {at.x + aperture, at.y + aperture, 0}}, aperture / 8);
+}
+
+bool touches(const DisplayList& list, const MxDbExtents& sought, double tolerance) {
+    const Aperture box{sought};
     std::vector<MxGePoint2d> chords;
     for (const Primitive& primitive : list.primitives) {
         const MxGePoint2d* points = list.points.data() + primitive.first;
@@ -74,7 +78,7 @@ bool touches(const DisplayList& list, const MxGePoint3d& at, double aperture) {
             break;
         case Primitive::Kind::kCurve:
             chords.clear();
-            ge::flatten(list.curves[primitive.first], std::max(aperture / 8, 1e-12), &box.box, chords);
+            ge::flatten(list.curves[primitive.first], std::max(tolerance, 1e-12), &box.box, chords);
             hit = box.crossedBy(chords.data(), chords.size());
             break;
         case Primitive::Kind::kText:

@@ -256,6 +256,28 @@ std::vector<MxDbObjectId> Scene::pick(MxDbObjectId spaceId, const MxGePoint3d& a
     return picked;
 }
 
+std::vector<MxDbObjectId> Scene::inBox(MxDbObjectId spaceId, const MxDbExtents& box, bool crossing) {
+    std::vector<MxDbObjectId> found;
+    Space* space = m->spaceOf(spaceId);
+    if (!space || box.isEmpty())
+        return found;
+    // Curves are followed to a thousandth of the box.
+    const double tolerance =
+        std::min(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y) / 1000.0;
+    for (const std::uint32_t i : m->within(*space, box)) {
+        MxDbEntity* entity = m->entityOf(space->slots[i]);
+        if (!entity)
+            continue;
+        const DisplayList& list = m->listOf(*space, i, *entity);
+        const bool whole = !list.box.isEmpty() && list.box.minPoint().x >= box.minPoint().x &&
+                           list.box.minPoint().y >= box.minPoint().y && list.box.maxPoint().x <= box.maxPoint().x &&
+                           list.box.maxPoint().y <= box.maxPoint().y;
+        if (whole || (crossing && touches(list, box, tolerance)))
+            found.push_back(space->slots[i].id);
+    }
+    return found;
+}
+
 MxDbExtents Scene::extents(MxDbObjectId spaceId) {
     MxDbExtents all;
     Space* space = m->spaceOf(spaceId);

@@ -33,6 +33,9 @@ public:
     /// topmost first. Entities on layers that are off or frozen are left out.
     std::vector<MxDbObjectId> pick(MxDbObjectId space, const MxGePoint3d& at, double aperture);
 
+    /// Visible entities of `space` whose graphics lie inside `box` or, `crossing`, come into it, in drawing order.
+    std::vector<MxDbObjectId> inBox(MxDbObjectId space, const MxDbExtents& box, bool crossing);
+
     /// The box of all that is visible in `space`; empty when there is nothing.
     MxDbExtents extents(MxDbObjectId space);
 

@@ -132,6 +132,10 @@ MxDbObjectId DrawingView::pick(const MxGePoint3d& world) {
     return found.empty() ? MxDbObjectId() : found.front();
 }
 
+std::vector<MxDbObjectId> DrawingView::inBox(const MxDbExtents& box, bool crossing) {
+    return m_document ? scene().inBox(space(), box, crossing) : std::vector<MxDbObjectId>();
+}
+
 void DrawingView::zoomExtents() {
     if (!m_document)
         return;

@@ -38,6 +38,7 @@ public:
     void setTransform(const ge::ViewTransform& transform) override;
     MxDbExtents extents() override;
     MxDbObjectId pick(const MxGePoint3d& world) override;
+    std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) override;
     void regenerate() override;
     void update() override;
     void drawEntity(MxDbObjectId id, bool draw) override;

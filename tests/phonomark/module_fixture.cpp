@@ -128,6 +128,11 @@ MxDbObjectId TransformView::pick(const MxGePoint3d& world) {
     return found.empty() ? MxDbObjectId() : found.front();
 }
 
+std::vector<MxDbObjectId> TransformView::inBox(const MxDbExtents& box, bool crossing) {
+    MxDbDatabase& database = *mxdbHostApplicationServices()->workingDatabase();
+    return merix::gi::Scene(database).inBox(database.currentSpaceId(), box, crossing);
+}
+
 unsigned char* soundBytes(std::size_t count) {
     auto* bytes = static_cast<unsigned char*>(std::calloc(count + 1, 1));
     for (std::size_t i = 0; i < count; ++i)

@@ -57,6 +57,7 @@ public:
     void setTransform(const merix::ge::ViewTransform& transform) override { m_transform = transform; }
     MxDbExtents extents() override { return {}; }
     MxDbObjectId pick(const MxGePoint3d& world) override;
+    std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) override;
     void regenerate() override {}
     void update() override {}
     void drawEntity(MxDbObjectId id, bool draw) override { drawn.emplace_back(id, draw); }

@@ -137,6 +137,8 @@ private:
     void circle(const MxGePoint3d&, double, const MxGeVector3d&) override {}
     void circularArc(const MxGePoint3d&, double, const MxGeVector3d&, const MxGeVector3d&, double) override {}
     void worldLine(const MxGePoint3d*, std::size_t) override { drawn.push_back(m_now); }
+    void polyline(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
+    void polygon(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
     void pline(const MxGiPolylineVertex*, std::size_t, bool) override {}
     void text(const MxGePoint3d&, const MxGeVector3d&, const MxGeVector3d&, double, double, double,
               const wchar_t*) override {}

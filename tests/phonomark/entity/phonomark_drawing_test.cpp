@@ -37,6 +37,14 @@ public:
         lines.emplace_back(points, points + count);
         note("line", count);
     }
+    void polyline(const MxGePoint3d* points, std::size_t count) override {
+        lines.emplace_back(points, points + count);
+        note("polyline", count);
+    }
+    void polygon(const MxGePoint3d* points, std::size_t count) override {
+        lines.emplace_back(points, points + count);
+        note("polygon", count);
+    }
     void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool) override {
         for (std::size_t i = 0; i < count; ++i)
             grow({vertices[i].point.x, vertices[i].point.y, 0});
