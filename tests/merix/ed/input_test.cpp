@@ -31,6 +31,7 @@ struct View : ActiveView {
     MxDbObjectId pick(const MxGePoint3d& world) override {
         return world == MxGePoint3d(3, 4, 0) ? there : MxDbObjectId();
     }
+    std::vector<MxDbObjectId> inBox(const MxDbExtents&, bool) override { return {}; }
     void regenerate() override {}
     void update() override {}
     void drawEntity(MxDbObjectId, bool) override {}
