@@ -4,6 +4,7 @@
 
 #include "host/db/dictionary.h"
 #include "host/db/entity.h"
+#include "host/db/symbol_table.h"
 
 #include <memory>
 
@@ -54,6 +55,9 @@ public:
     /// The block table record that new entities go to: model space or the active layout's paper space.
     MxDbObjectId currentSpaceId() const;
     MxDbObjectId namedObjectsDictionaryId() const;
+    /// Of the tables (MxDbSymbolTable) of blocks and of line types; null in a drawing that lacks them.
+    MxDbObjectId blockTableId() const;
+    MxDbObjectId linetypeTableId() const;
     Mx::ErrorStatus getNamedObjectsDictionary(MxDbDictionary*& dictionary, Mx::OpenMode mode);
 
     merix::db::DatabaseImp& imp() const { return *m_imp; }

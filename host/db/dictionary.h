@@ -19,6 +19,7 @@ public:
     /// eKeyNotFound when there is no such key, or what stands there is erased.
     Mx::ErrorStatus getAt(const wchar_t* key, MxDbObjectId& id) const;
     /// Adds `object` (open for write afterwards, owned by the database) under `key`; replaces the entry of that key.
+    /// The key "*U" stands for a new name of the dictionary's own making.
     Mx::ErrorStatus setAt(const wchar_t* key, MxDbObject* object, MxDbObjectId& id);
     /// Keys with ids in order, entries of erased objects left out.
     std::vector<std::pair<std::wstring, MxDbObjectId>> entries() const;
@@ -32,6 +33,7 @@ private:
     friend class MxDbObject;
     void erasing(bool erasing);
     std::size_t find(const wchar_t* key) const;
+    std::wstring unusedName() const;
 
     std::vector<std::pair<std::wstring, MxDbObjectId>> m_entries;
     mutable std::unordered_map<std::wstring, std::size_t> m_index; // folded key to place; empty: not made

@@ -30,7 +30,9 @@ HostApplicationServices& services() {
     return *instance;
 }
 
-const std::wstring* nameOf(const MxDbObject* record) {
+} // namespace
+
+const std::wstring* nameOfRecord(const MxDbObject* record) {
     if (!record)
         return nullptr;
     if (record->isKindOf(MxDbBlockTableRecord::desc()))
@@ -39,8 +41,6 @@ const std::wstring* nameOf(const MxDbObject* record) {
         return &static_cast<const SymbolRecord*>(record)->name;
     return nullptr;
 }
-
-} // namespace
 
 const std::vector<DatabaseImp*>& openDatabases() {
     return databases();
@@ -107,7 +107,7 @@ ObjectStub* DatabaseImp::adopt(MxDbObject* object, MxDbHandle handle, MxDbObject
     if (data.isEntity) {
         if (auto& layer = static_cast<EntityData&>(data).traits.layer; layer.isNull())
             layer = layerForName(L"0");
-    } else if (nameOf(object)) {
+    } else if (nameOfRecord(object)) {
         ++m_namesVersion;
     }
     return stub;
@@ -161,7 +161,7 @@ MxDbObjectId DatabaseImp::named(MxDbObjectId tableId, NameIndex& index, std::wst
     if (index.records != records.size() || index.version != m_namesVersion) {
         index.ids.clear();
         for (const MxDbObjectId& id : records) {
-            if (const std::wstring* recordName = nameOf(peek(id)))
+            if (const std::wstring* recordName = nameOfRecord(peek(id)))
                 index.ids.try_emplace(rx::foldCase(*recordName), id);
         }
         index.records = records.size();
@@ -307,7 +307,7 @@ void DatabaseImp::notifyHighlighted(MxDbObject& entity, bool highlighted) {
 void DatabaseImp::markChanged(MxDbObject& object) {
     ObjectData& data = object.data();
     data.sourceStale = true;
-    if (!data.isEntity && nameOf(&object))
+    if (!data.isEntity && nameOfRecord(&object))
         ++m_namesVersion;
     if (!std::exchange(data.changedSinceSave, true))
         m_changed.push_back(object.objectId());
@@ -361,6 +361,14 @@ MxDbObjectId MxDbDatabase::currentSpaceId() const {
 
 MxDbObjectId MxDbDatabase::namedObjectsDictionaryId() const {
     return m_imp->roots.namedObjects;
+}
+
+MxDbObjectId MxDbDatabase::blockTableId() const {
+    return m_imp->roots.blockTable;
+}
+
+MxDbObjectId MxDbDatabase::linetypeTableId() const {
+    return m_imp->roots.linetypeTable;
 }
 
 Mx::ErrorStatus MxDbDatabase::getNamedObjectsDictionary(MxDbDictionary*& dictionary, Mx::OpenMode mode) {

@@ -36,6 +36,15 @@ Mx::ErrorStatus MxDbDictionary::getAt(const wchar_t* key, MxDbObjectId& id) cons
     return Mx::eOk;
 }
 
+/// *U1, *U2 and so on, beginning with the count of entries: one that is not there.
+std::wstring MxDbDictionary::unusedName() const {
+    for (std::size_t number = m_entries.size() + 1;; ++number) {
+        const std::wstring name = L"*U" + std::to_wstring(number);
+        if (find(name.c_str()) == m_entries.size())
+            return name;
+    }
+}
+
 Mx::ErrorStatus MxDbDictionary::setAt(const wchar_t* key, MxDbObject* object, MxDbObjectId& id) {
     if (!key || !*key || !object)
         return Mx::eInvalidInput;
@@ -46,10 +55,11 @@ Mx::ErrorStatus MxDbDictionary::setAt(const wchar_t* key, MxDbObject* object, Mx
     assertWriteEnabled();
     if (const auto status = data().stub->database->append(object, objectId(), id); status != Mx::eOk)
         return status;
-    const std::size_t place = find(key);
+    const std::wstring name = foldCase(key) == L"*u" ? unusedName() : key;
+    const std::size_t place = find(name.c_str());
     if (place == m_entries.size()) {
-        m_entries.emplace_back(key, id);
-        m_index.try_emplace(foldCase(key), place);
+        m_entries.emplace_back(name, id);
+        m_index.try_emplace(foldCase(name), place);
         return Mx::eOk;
     }
     const MxDbObjectId before = std::exchange(m_entries[place].second, id);

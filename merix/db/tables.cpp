@@ -5,17 +5,18 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/rx/class_registry.h"
+#include "merix/rx/text.h"
 
 #include <cmath>
 #include <cstdlib>
 
+MERIX_RX_CLASS(MxDbSymbolTable, "MxDbSymbolTable", MxDbObject, merix::rx::makeObject<MxDbSymbolTable>, "TABLE")
 MERIX_RX_CLASS(MxDbSymbolTableRecord, "MxDbSymbolTableRecord", MxDbObject, nullptr, "")
 MERIX_RX_CLASS(MxDbLayerTableRecord, "MxDbLayerTableRecord", MxDbSymbolTableRecord,
                merix::rx::makeObject<MxDbLayerTableRecord>, "LAYER")
 
 namespace merix::db {
 
-MERIX_RX_CLASS(SymbolTable, "MxDbSymbolTable", MxDbObject, rx::makeObject<SymbolTable>, "TABLE")
 MERIX_RX_CLASS(LinetypeRecord, "MxDbLinetypeTableRecord", SymbolRecord, rx::makeObject<LinetypeRecord>, "LTYPE")
 MERIX_RX_CLASS(TextStyleRecord, "MxDbTextStyleTableRecord", SymbolRecord, rx::makeObject<TextStyleRecord>, "STYLE")
 
@@ -63,40 +64,6 @@ Mx::ErrorStatus writeHead(MxDbDxfFiler* filer, const SymbolRecord& record, const
 }
 
 } // namespace
-
-Mx::ErrorStatus SymbolTable::dwgInFields(MxDbDwgFiler* filer) {
-    if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
-        return status;
-    if (const auto status = readBlob(*filer, dxfType); status != Mx::eOk)
-        return status;
-    return readIds(*filer, records);
-}
-
-Mx::ErrorStatus SymbolTable::dwgOutFields(MxDbDwgFiler* filer) const {
-    if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
-        return status;
-    writeBlob(*filer, dxfType);
-    return writeIds(*filer, records);
-}
-
-Mx::ErrorStatus SymbolTable::dxfInFields(MxDbDxfFiler* filer) {
-    if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
-        return status;
-    return readItems(filer, nullptr, [](int) { return true; });
-}
-
-Mx::ErrorStatus SymbolTable::dxfOutFields(MxDbDxfFiler* filer) const {
-    if (const auto status = MxDbObject::dxfOutFields(filer); status != Mx::eOk)
-        return status;
-    std::int16_t present = 0;
-    for (const MxDbObjectId& id : records)
-        present = static_cast<std::int16_t>(present + (DatabaseImp::peek(id) ? 1 : 0));
-    filer->writeString(100, L"AcDbSymbolTable");
-    filer->writeInt16(70, present);
-    if (dxfType == "DIMSTYLE")
-        filer->writeString(100, L"AcDbDimStyleTable");
-    return filer->filerStatus();
-}
 
 Mx::ErrorStatus LinetypeRecord::dwgInFields(MxDbDwgFiler* filer) {
     if (const auto status = readHead(filer, *this); status != Mx::eOk)
@@ -195,6 +162,64 @@ Mx::ErrorStatus TextStyleRecord::dxfOutFields(MxDbDxfFiler* filer) const {
 } // namespace merix::db
 
 using namespace merix::db;
+
+Mx::ErrorStatus MxDbSymbolTable::getAt(const wchar_t* name, MxDbObjectId& id, bool erasedToo) const {
+    assertReadEnabled();
+    id = {};
+    if (!name)
+        return Mx::eInvalidInput;
+    const DatabaseImp* const database = data().stub ? data().stub->database : nullptr;
+    if (database && objectId() == database->roots.blockTable)
+        id = database->blockNamed(name);
+    else if (database && objectId() == database->roots.linetypeTable)
+        id = database->linetypeNamed(name);
+    const std::wstring sought = merix::rx::foldCase(name);
+    const auto search = [&](bool erased) {
+        for (std::size_t i = 0; id.isNull() && i < records.size(); ++i) {
+            const std::wstring* const found = nameOfRecord(DatabaseImp::peek(records[i], erased));
+            if (found && merix::rx::foldCase(*found) == sought)
+                id = records[i];
+        }
+    };
+    search(false);
+    if (erasedToo)
+        search(true);
+    return id.isNull() ? Mx::eKeyNotFound : Mx::eOk;
+}
+
+Mx::ErrorStatus MxDbSymbolTable::dwgInFields(MxDbDwgFiler* filer) {
+    if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
+        return status;
+    if (const auto status = readBlob(*filer, dxfType); status != Mx::eOk)
+        return status;
+    return readIds(*filer, records);
+}
+
+Mx::ErrorStatus MxDbSymbolTable::dwgOutFields(MxDbDwgFiler* filer) const {
+    if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
+        return status;
+    writeBlob(*filer, dxfType);
+    return writeIds(*filer, records);
+}
+
+Mx::ErrorStatus MxDbSymbolTable::dxfInFields(MxDbDxfFiler* filer) {
+    if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
+        return status;
+    return readItems(filer, nullptr, [](int) { return true; });
+}
+
+Mx::ErrorStatus MxDbSymbolTable::dxfOutFields(MxDbDxfFiler* filer) const {
+    if (const auto status = MxDbObject::dxfOutFields(filer); status != Mx::eOk)
+        return status;
+    std::int16_t present = 0;
+    for (const MxDbObjectId& id : records)
+        present = static_cast<std::int16_t>(present + (DatabaseImp::peek(id) ? 1 : 0));
+    filer->writeString(100, L"AcDbSymbolTable");
+    filer->writeInt16(70, present);
+    if (dxfType == "DIMSTYLE")
+        filer->writeString(100, L"AcDbDimStyleTable");
+    return filer->filerStatus();
+}
 
 void MxDbLayerTableRecord::setIsLocked(bool locked) {
     assertWriteEnabled();

@@ -4,25 +4,14 @@
 
 #include "host/db/database.h"
 #include "host/db/layer.h"
+#include "host/db/symbol_table.h"
 
 #include <string>
 #include <vector>
 
 namespace merix::db {
 
-/// Any of the nine symbol tables: an ordered container of named records. `m_type` is its DXF name ("LAYER").
-class SymbolTable : public MxDbObject {
-public:
-    static MxRxClass* desc();
-    MxRxClass* isA() const override;
-    std::string dxfType;
-    std::vector<MxDbObjectId> records;
-    Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
-    Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
-    Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
-    Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
-};
-
+using SymbolTable = ::MxDbSymbolTable;
 using SymbolRecord = ::MxDbSymbolTableRecord;
 using LayerRecord = ::MxDbLayerTableRecord;
 
@@ -49,5 +38,8 @@ public:
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
     Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
 };
+
+/// The name of a block or another table's record; null for any other object and for null.
+const std::wstring* nameOfRecord(const MxDbObject* record);
 
 } // namespace merix::db

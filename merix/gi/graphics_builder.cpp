@@ -75,7 +75,8 @@ void GraphicsBuilder::setEntityTraits(const db::EntityTraits& traits) {
     else
         setColor(static_cast<std::uint16_t>(std::abs(traits.color)));
     setLineWeight(traits.lineWeight);
-    setLinetype(traits.linetype, traits.linetypeScale);
+    m_linetypeScale = traits.linetypeScale;
+    setLinetype(traits.linetype);
 }
 
 void GraphicsBuilder::setColor(std::uint16_t color) {
@@ -88,6 +89,22 @@ void GraphicsBuilder::setColor(std::uint16_t color) {
     } else {
         setIndexColor(m_layer ? std::abs(m_layer->color) : 7);
     }
+}
+
+void GraphicsBuilder::setTrueColor(const MxCmEntityColor& color) {
+    switch (color.method) {
+    case MxCmEntityColor::Method::kByLayer:
+        return setColor(256);
+    case MxCmEntityColor::Method::kByBlock:
+        return setColor(0);
+    case MxCmEntityColor::Method::kByColor:
+        return setRgb(qRgb(color.red, color.green, color.blue));
+    }
+}
+
+void GraphicsBuilder::setLineType(MxDbObjectId linetype) {
+    if (!linetype.isNull())
+        setLinetype(linetype);
 }
 
 void GraphicsBuilder::setIndexColor(int index) {
@@ -107,7 +124,7 @@ void GraphicsBuilder::setLineWeight(int weight) {
     m_style.weight = weight < 0 ? kDefaultWeight : static_cast<std::int16_t>(std::min(weight, 211));
 }
 
-void GraphicsBuilder::setLinetype(MxDbObjectId id, double scale) {
+void GraphicsBuilder::setLinetype(MxDbObjectId id) {
     const auto* type = record<db::LinetypeRecord>(id);
     const auto isNamed = [](const db::LinetypeRecord& linetype, QLatin1String name) {
         return QString::fromStdWString(linetype.name).compare(name, Qt::CaseInsensitive) == 0;
@@ -115,7 +132,7 @@ void GraphicsBuilder::setLinetype(MxDbObjectId id, double scale) {
     if (!type || isNamed(*type, QLatin1String("ByLayer")))
         type = m_layer ? record<db::LinetypeRecord>(m_layer->linetype) : nullptr;
     m_style.dashes = nullptr;
-    const double total = m_database.header.linetypeScale * scale;
+    const double total = m_database.header.linetypeScale * m_linetypeScale;
     m_style.dashScale = total > 0.0 && std::isfinite(total) ? total : 1.0;
     if (!type || type->dashes.size() < 2)
         return;
@@ -203,7 +220,15 @@ void GraphicsBuilder::addFigure(Primitive::Kind kind, const MxGePoint3d* points,
     addPoints(kind, figure);
 }
 
+/// Lines for themselves: a line type begins anew with each.
 void GraphicsBuilder::worldLine(const MxGePoint3d* points, std::size_t count) {
+    if (!m_style.dashes || count < 3)
+        return polyline(points, count);
+    for (std::size_t i = 0; i + 1 < count; ++i)
+        addFigure(Primitive::Kind::kStroke, points + i, 2, false);
+}
+
+void GraphicsBuilder::polyline(const MxGePoint3d* points, std::size_t count) {
     addFigure(Primitive::Kind::kStroke, points, count, false);
 }
 

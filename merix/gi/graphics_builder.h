@@ -27,7 +27,7 @@ public:
 
 private:
     void setEntityTraits(const db::EntityTraits& traits) override;
-    void setLinetype(MxDbObjectId id, double scale);
+    void setLinetype(MxDbObjectId id);
     void setIndexColor(int index);
     void setRgb(std::uint32_t rgb);
     bool spend(std::size_t amount);
@@ -42,6 +42,8 @@ private:
     // db::EntityTraitsSink
     bool implementsTraits() const override { return true; }
     void setColor(std::uint16_t color) override;
+    void setTrueColor(const MxCmEntityColor& color) override;
+    void setLineType(MxDbObjectId linetype) override;
     void setFill(bool fill) override { m_fill = fill; }
     void setLineWeight(int weight) override;
     int lineWeight() const override { return m_weight; }
@@ -50,7 +52,7 @@ private:
     void circularArc(const MxGePoint3d& center, double radius, const MxGeVector3d& normal,
                      const MxGeVector3d& startVector, double sweep) override;
     void worldLine(const MxGePoint3d* points, std::size_t count) override;
-    void polyline(const MxGePoint3d* points, std::size_t count) override { worldLine(points, count); }
+    void polyline(const MxGePoint3d* points, std::size_t count) override;
     void polygon(const MxGePoint3d* points, std::size_t count) override;
     void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) override;
     void text(const MxGePoint3d& position, const MxGeVector3d& normal, const MxGeVector3d& direction, double height,
@@ -65,6 +67,7 @@ private:
     const db::LayerRecord* m_layer = nullptr;
     Style m_style;
     int m_weight = -1;
+    double m_linetypeScale = 1.0; ///< the entity's own
     bool m_fill = false;
     std::map<db::ObjectStub*, std::shared_ptr<const DashPattern>> m_dashes;
 };

@@ -25,3 +25,9 @@ bool RegionInDwgView(const MxDbExtents& extents) {
     visible.addPoint(bottomRight);
     return RegionInRegion(extents, visible);
 }
+
+bool RectInRect(const tagRECT* inner, const tagRECT* outer) {
+    const auto across = [&](int x) { return outer->left <= x && x <= outer->right; };
+    const auto down = [&](int y) { return outer->top <= y && y <= outer->bottom; };
+    return across(inner->left) && across(inner->right) && down(inner->top) && down(inner->bottom);
+}

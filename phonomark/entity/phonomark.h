@@ -91,13 +91,39 @@ public:
     // --- display
     /// Shows or hides the note's region in the drawing, as an undoable unit of its own.
     void ShowRegion(bool show);
+    /// Shows what the note is about: the region of a Region note, the object of an Object note.
     void doHighlight();
     void doUnhighlight();
     /// Adds the square of the marker as it was last drawn.
     void getImageRegion(MxDbExtents& extents) const;
 
     bool subWorldDraw(MxGiWorldDraw* draw) override;
+    void subViewportDraw(MxGiViewportDraw* draw) override;
+    std::uint32_t subViewportDrawLogicalFlags(MxGiViewportDraw* draw) override;
+    std::uint32_t subSetAttributes(MxGiDrawableTraits* traits) override;
+    /// The marker and the room for its text. Always eOk: a note that was given no place answers with the far corner of
+    /// empty extents.
     Mx::ErrorStatus subGetGeomExtents(MxDbExtents& extents) const override;
+
+    // --- under a hand
+    /// Moves the insertion point of a Point note. The others stay where their region or object is.
+    Mx::ErrorStatus subTransformBy(const MxGeMatrix3d& map) override;
+    /// The insertion point of a Point note; nothing for the others.
+    Mx::ErrorStatus subGetGripPoints(std::vector<MxGePoint3d>& grips) const override;
+    Mx::ErrorStatus subGetGripPoints(std::vector<MxDbGripData>& grips, double viewUnit, int gripSize,
+                                     const MxGeVector3d& viewDirection, int flags) const override;
+    Mx::ErrorStatus subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) override;
+    Mx::ErrorStatus subMoveGripPointsAt(const std::vector<void*>& gripData, const MxGeVector3d& offset,
+                                        int flags) override;
+    Mx::ErrorStatus subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last,
+                                      std::vector<MxGePoint3d>& points) const override;
+    Mx::ErrorStatus subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last,
+                                      std::vector<MxGePoint3d>& points, const MxGeMatrix3d& insertion) const override;
+    /// A note is never copied: what was said is said once. No clone, and eOk.
+    Mx::ErrorStatus subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                 bool isPrimary = true) const override;
+    Mx::ErrorStatus subWblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                   bool isPrimary = true) const override;
 
     // --- filing
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
@@ -130,8 +156,9 @@ public:
     // --- steps of drawing
     virtual void DrawPoint(MxGiWorldDraw* draw);
     virtual void DrawRegion(MxGiWorldDraw* draw);
-    virtual void DrawObject(MxGiWorldDraw* draw);
+    virtual Mx::ErrorStatus DrawObject(MxGiWorldDraw* draw);
     virtual void DrawTextW(MxGiWorldDraw* draw);
+    virtual void DrawBack(MxGiWorldDraw* draw);
     virtual void DrawImage(MxGiWorldDraw* draw);
     virtual void DrawLight(MxGiWorldDraw* draw);
 
@@ -139,7 +166,7 @@ private:
     /// From the insertion point of a Point note to the marker's lower-left corner.
     MxGeVector3d markerOffset() const;
     void dropShortRecording();
-    void showRegionMark(bool show);
+    void showSubject(bool show);
 
     Mx::ErrorStatus dwgInLocation(MxDbDwgFiler* filer);
     void dwgOutLocation(MxDbDwgFiler* filer) const;

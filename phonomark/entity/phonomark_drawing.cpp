@@ -7,6 +7,7 @@
 #include "host/gi/world_draw.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/dbutil/documents.h"
+#include "phonomark/dbutil/linetypes.h"
 #include "phonomark/entity/icons.h"
 
 #include <array>
@@ -14,6 +15,9 @@
 namespace {
 
 constexpr std::uint16_t kOutlineColor = 8;
+constexpr wchar_t kOutlineLinetype[] = L"DASHEDX2";
+constexpr MxCmEntityColor kPlateColor{MxCmEntityColor::Method::kByColor, 157, 184, 244};
+constexpr std::uint16_t kPlateEdgeColor = 7;
 constexpr std::uint16_t kMarkerColor = 9;
 constexpr std::uint16_t kLightColor = 3;
 /// The pointer leaves the insertion point under 45 degrees; its edges lie half of that to either side.
@@ -73,6 +77,8 @@ bool MxDbPhonomark::subWorldDraw(MxGiWorldDraw* draw) {
     case kRegionNote:
         if (m_bShowRegion)
             DrawRegion(draw);
+        else
+            m_markPoint = m_extents.maxPoint(); // the marker stands there although its region was never drawn
         break;
     case kObjectNote:
         DrawObject(draw);
@@ -123,14 +129,20 @@ void MxDbPhonomark::DrawPoint(MxGiWorldDraw* draw) {
 /// The two corners off the diagonal lie at height 0.
 void MxDbPhonomark::DrawRegion(MxGiWorldDraw* draw) {
     setColor(draw, kOutlineColor);
+    changeTraits(draw, [](MxGiSubEntityTraits& traits) {
+        MxDbObjectId dashed;
+        if (getLinetypeIdFromString(kOutlineLinetype, dashed) == Mx::eOk)
+            traits.setLineType(dashed);
+    });
     const MxGePoint3d &low = m_extents.minPoint(), &high = m_extents.maxPoint();
     const std::array outline{low, MxGePoint3d(high.x, low.y, 0.0), high, MxGePoint3d(low.x, high.y, 0.0), low};
-    draw->geometry().worldLine(outline.data(), outline.size());
+    draw->geometry().polyline(outline.data(), outline.size());
     m_markPoint = high;
 }
 
-void MxDbPhonomark::DrawObject(MxGiWorldDraw*) {
+Mx::ErrorStatus MxDbPhonomark::DrawObject(MxGiWorldDraw*) {
     m_markPoint = m_extents.maxPoint();
+    return Mx::eOk;
 }
 
 void MxDbPhonomark::DrawTextW(MxGiWorldDraw* draw) {
@@ -138,6 +150,27 @@ void MxDbPhonomark::DrawTextW(MxGiWorldDraw* draw) {
     const MxGePoint3d position(m_markPoint.x + 0.125 * m_refUnits, m_markPoint.y + 1.3 * m_refUnits, 0.0);
     draw->geometry().text(position, MxGeVector3d::kZAxis, MxGeVector3d::kXAxis, m_refUnits / 3.0, 1.0, 0.0,
                           m_duration.text());
+}
+
+/// A plate behind the marker: light blue with an edge that stands out from any ground.
+void MxDbPhonomark::DrawBack(MxGiWorldDraw* draw) {
+    changeTraits(draw, [](MxGiSubEntityTraits& traits) {
+        traits.setFill(true);
+        traits.setTrueColor(kPlateColor);
+    });
+    const double r = m_refUnits;
+    const MxGePoint3d& corner = m_markPoint;
+    const std::array plate{corner, MxGePoint3d(corner.x + r, corner.y, corner.z),
+                           MxGePoint3d(corner.x + r, corner.y + r, corner.z),
+                           MxGePoint3d(corner.x, corner.y + r, corner.z)};
+    draw->geometry().polygon(plate.data(), plate.size());
+
+    setColor(draw, kPlateEdgeColor);
+    // Closed by coming back to its first corner: a polyline marked as closed would be an area.
+    std::array<MxGiPolylineVertex, 5> edge;
+    for (std::size_t i = 0; i < edge.size(); ++i)
+        edge[i].point = {plate[i % plate.size()].x, plate[i % plate.size()].y};
+    draw->geometry().pline(edge.data(), edge.size(), false);
 }
 
 void MxDbPhonomark::DrawImage(MxGiWorldDraw* draw) {
@@ -170,10 +203,22 @@ void MxDbPhonomark::getImageRegion(MxDbExtents& extents) const {
     extents.addPoint({m_markPoint.x + m_refUnits, m_markPoint.y + m_refUnits, 0.0});
 }
 
+void MxDbPhonomark::subViewportDraw(MxGiViewportDraw* draw) {
+    assertReadEnabled();
+    MxDbEntity::subViewportDraw(draw);
+}
+
+std::uint32_t MxDbPhonomark::subViewportDrawLogicalFlags(MxGiViewportDraw*) {
+    return 0;
+}
+
+std::uint32_t MxDbPhonomark::subSetAttributes(MxGiDrawableTraits* traits) {
+    assertReadEnabled();
+    return MxDbEntity::subSetAttributes(traits);
+}
+
 /// The marker with the duration above it; not the region of a Region note.
 Mx::ErrorStatus MxDbPhonomark::subGetGeomExtents(MxDbExtents& extents) const {
-    if (m_type != kPointNote && m_extents.isEmpty())
-        return Mx::eInvalidExtents;
     const MxGePoint3d base = m_type == kPointNote ? m_position + markerOffset() : m_extents.maxPoint();
     const double r = calcRefUnits();
     extents.addPoint(base);
@@ -192,16 +237,25 @@ void MxDbPhonomark::ShowRegion(bool show) {
 }
 
 void MxDbPhonomark::doHighlight() {
-    if (m_type == kRegionNote)
-        showRegionMark(true);
+    showSubject(true);
 }
 
 void MxDbPhonomark::doUnhighlight() {
-    if (m_type == kRegionNote)
-        showRegionMark(false);
+    showSubject(false);
 }
 
-void MxDbPhonomark::showRegionMark(bool show) {
-    m_bShowRegion = show;
-    ShowRegion(show);
+void MxDbPhonomark::showSubject(bool show) {
+    if (m_type == kRegionNote) {
+        m_bShowRegion = show;
+        ShowRegion(show);
+        return;
+    }
+    MxDbEntity* object = nullptr;
+    if (m_type != kObjectNote || mxdbOpenObject(object, m_attachId, Mx::kForRead) != Mx::eOk)
+        return;
+    if (show)
+        object->highlight();
+    else
+        object->unhighlight();
+    object->close();
 }

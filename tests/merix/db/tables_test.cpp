@@ -66,4 +66,37 @@ TEST(Tables, ABlockFilesItsEntitiesInTheirOrder) {
     EXPECT_EQ(copy->name(), L"*Model_Space");
 }
 
+TEST(Tables, RecordsAreFoundByNameWhateverItsCase) {
+    Drawing drawing;
+    MxDbSymbolTable* table = nullptr;
+    ASSERT_EQ(mxdbOpenObject(table, drawing.database.blockTableId(), Mx::kForRead), Mx::eOk);
+    MxDbObjectId id;
+    EXPECT_EQ(table->getAt(L"*MODEL_space", id), Mx::eOk);
+    EXPECT_EQ(id, drawing.imp.roots.modelSpace);
+    EXPECT_EQ(table->getAt(L"nowhere", id), Mx::eKeyNotFound);
+    EXPECT_TRUE(id.isNull());
+    EXPECT_EQ(table->getAt(nullptr, id), Mx::eInvalidInput);
+    table->close();
+}
+
+TEST(Tables, AnErasedRecordIsFoundOnlyWhenAskedFor) {
+    Drawing drawing;
+    for (const MxDbObjectId& tableId : {drawing.database.linetypeTableId(), drawing.imp.roots.layerTable}) {
+        MxDbObjectId wanted = tableId == drawing.imp.roots.layerTable ? drawing.imp.layerNamed(L"0")
+                                                                      : drawing.imp.linetypeNamed(L"Continuous");
+        MxDbObject* record = nullptr;
+        ASSERT_EQ(mxdbOpenObject(record, wanted, Mx::kForWrite), Mx::eOk);
+        const std::wstring name = *nameOfRecord(record);
+        record->erase();
+        record->close();
+        MxDbSymbolTable* table = nullptr;
+        ASSERT_EQ(mxdbOpenObject(table, tableId, Mx::kForRead), Mx::eOk);
+        MxDbObjectId id;
+        EXPECT_EQ(table->getAt(name.c_str(), id), Mx::eKeyNotFound);
+        EXPECT_EQ(table->getAt(name.c_str(), id, true), Mx::eOk);
+        EXPECT_EQ(id, wanted);
+        table->close();
+    }
+}
+
 } // namespace

@@ -35,3 +35,27 @@ TEST(RegionsTest, ARegionThatSticksOutOnAnySideDoesNotLieInside) {
 TEST(RegionsTest, WithoutAViewNothingIsVisible) {
     EXPECT_FALSE(RegionInDwgView(kBox));
 }
+
+TEST(RegionsTest, ARectangleLiesInItselfAndInLargerOnes) {
+    constexpr tagRECT outer{10, 20, 110, 220};
+    EXPECT_TRUE(RectInRect(&outer, &outer));
+    constexpr tagRECT inner{11, 21, 109, 219};
+    EXPECT_TRUE(RectInRect(&inner, &outer));
+    EXPECT_FALSE(RectInRect(&outer, &inner));
+}
+
+TEST(RegionsTest, ARectangleThatSticksOutOnAnySideDoesNotLieInside) {
+    constexpr tagRECT outer{10, 20, 110, 220};
+    for (const tagRECT& inner : {tagRECT{9, 30, 50, 40}, tagRECT{20, 19, 50, 40}, tagRECT{20, 30, 111, 40},
+                                 tagRECT{20, 30, 50, 221}, tagRECT{111, 30, 120, 40}})
+        EXPECT_FALSE(RectInRect(&inner, &outer)) << inner.left << ' ' << inner.top;
+}
+
+using RegionsInViewTest = ModuleTest;
+
+TEST_F(RegionsInViewTest, OnlyWhatTheViewShowsWhollyIsVisible) {
+    const TransformView view(0.5); // 800 x 600 pixels about the origin: 400 x 300 units
+    EXPECT_TRUE(RegionInDwgView(MxDbExtents({-199, -149, 0}, {199, 149, 0})));
+    EXPECT_FALSE(RegionInDwgView(MxDbExtents({-199, -149, 0}, {201, 149, 0})));
+    EXPECT_FALSE(RegionInDwgView(MxDbExtents({-199, -151, 0}, {199, 149, 0})));
+}

@@ -2,6 +2,7 @@
 #include "phonomark/entity/phonomark.h"
 
 #include "host/gi/world_draw.h"
+#include "merix/db/tables.h"
 #include "phonomark/app/module_state.h"
 #include "tests/phonomark/module_fixture.h"
 
@@ -21,6 +22,14 @@ public:
     bool isPlotGeneration() const override { return plots; }
     bool implementsTraits() const override { return hasTraits; }
     void setColor(std::uint16_t color) override { note("color", color); }
+    void setTrueColor(const MxCmEntityColor& color) override {
+        trueColor = color;
+        note("truecolor", int{color.red});
+    }
+    void setLineType(MxDbObjectId id) override {
+        linetype = id;
+        note("linetype", !id.isNull());
+    }
     void setFill(bool fill) override { note("fill", fill); }
     void setLineWeight(int weight) override { note("weight", m_weight = weight); }
     int lineWeight() const override { return m_weight; }
@@ -45,7 +54,8 @@ public:
         lines.emplace_back(points, points + count);
         note("polygon", count);
     }
-    void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool) override {
+    void pline(const MxGiPolylineVertex* vertices, std::size_t count, bool closed) override {
+        isClosed = closed;
         for (std::size_t i = 0; i < count; ++i)
             grow({vertices[i].point.x, vertices[i].point.y, 0});
         last.assign(vertices, vertices + count);
@@ -68,6 +78,9 @@ public:
     std::vector<std::string> calls;
     std::vector<std::vector<MxGePoint3d>> lines;
     std::vector<MxGiPolylineVertex> last;
+    bool isClosed = false;
+    MxCmEntityColor trueColor;
+    MxDbObjectId linetype;
     MxDbExtents filled;
     MxGePoint3d textPosition;
     double textHeight = 0;
@@ -85,6 +98,17 @@ private:
 
 class DrawingTest : public ModuleTest {
 protected:
+    void addLinetype(const wchar_t* name) {
+        auto* linetype = new merix::db::LinetypeRecord;
+        linetype->name = name;
+        MxDbSymbolTable* table = nullptr;
+        ASSERT_EQ(mxdbOpenObject(table, database().linetypeTableId(), Mx::kForWrite), Mx::eOk);
+        MxDbObjectId id;
+        ASSERT_EQ(database().imp().append(linetype, table->objectId(), id), Mx::eOk);
+        linetype->close();
+        table->records.push_back(id);
+        table->close();
+    }
     const TransformView view{5.0 / 32}; ///< 32 pixels are 5 units
     MxDbPhonomark point;
     Recorder recorder;
@@ -231,11 +255,195 @@ TEST_F(DrawingTest, TheMarkerOfARegionStandsAtItsMaximumCorner) {
     EXPECT_TRUE(recorder.has("color 8"));
 }
 
-TEST_F(DrawingTest, ANoteWithoutAPlaceHasNoExtents) {
+TEST_F(DrawingTest, ANoteWithoutAPlaceAnswersWithTheFarCornerOfEmptyExtents) {
     point.setPhonomarkType(kReplyNote);
-    MxDbExtents box({1, 2, 3}, {4, 5, 6});
-    EXPECT_EQ(point.subGetGeomExtents(box), Mx::eInvalidExtents);
-    EXPECT_EQ(box.maxPoint(), MxGePoint3d(4, 5, 6));
+    MxDbExtents box;
+    EXPECT_EQ(point.subGetGeomExtents(box), Mx::eOk);
+    EXPECT_EQ(box.minPoint(), MxDbExtents().maxPoint());
+}
+
+TEST_F(DrawingTest, ThePointerIsAKiteOfTheGivenAngles) {
+    point.setPosition({100, 50, 7});
+    point.subWorldDraw(&recorder);
+    ASSERT_GE(recorder.lines.size(), 1u);
+    const std::vector<MxGePoint3d>& kite = recorder.lines[0];
+    ASSERT_EQ(kite.size(), 5u);
+    const auto at = [](double angle) { return MxGePoint3d(100 + 3 * std::cos(angle), 50 + 3 * std::sin(angle), 7); };
+    const MxGePoint3d expected[] = {point.position(), at(0.785 + 0.3925), at(0.785), at(0.785 - 0.3925),
+                                    point.position()};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_NEAR(kite[i].x, expected[i].x, kTolerance) << i;
+        EXPECT_NEAR(kite[i].y, expected[i].y, kTolerance) << i;
+        EXPECT_EQ(kite[i].z, 7) << i;
+    }
+}
+
+TEST_F(DrawingTest, ARegionIsOneDashedFigureOfFivePoints) {
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 3}, {30, 40, 5}));
+    addLinetype(L"DASHEDX2");
+    point.subWorldDraw(&recorder);
+    EXPECT_EQ(recorder.calls[1], "color 8");
+    EXPECT_EQ(recorder.calls[2], "linetype 1");
+    EXPECT_EQ(recorder.calls[3], "polyline 5");
+    ASSERT_FALSE(recorder.lines.empty());
+    const std::vector<MxGePoint3d> corners{{1, 2, 3}, {30, 2, 0}, {30, 40, 5}, {1, 40, 0}, {1, 2, 3}};
+    EXPECT_EQ(recorder.lines[0], corners);
+    EXPECT_EQ(recorder.linetype, database().imp().linetypeNamed(L"DASHEDX2"));
+}
+
+TEST_F(DrawingTest, WithoutTheLineTypeTheOutlineKeepsTheOneInForce) {
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    MxDbSymbolTable* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, database().linetypeTableId(), Mx::kForWrite), Mx::eOk);
+    EXPECT_TRUE(point.subWorldDraw(&recorder));
+    writer->close();
+    EXPECT_FALSE(recorder.has("linetype"));
+    EXPECT_TRUE(recorder.has("polyline 5"));
+}
+
+TEST_F(DrawingTest, AHiddenRegionLeavesIconAndTextAtItsMaximumCorner) {
+    const MxDbObjectId id = addNote(kRegionNote);
+    note(id).setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    note(id).ShowRegion(false);
+    Recorder hidden;
+    MxDbPhonomark* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, id, Mx::kForRead), Mx::eOk);
+    open->subWorldDraw(&hidden);
+    open->close();
+    EXPECT_FALSE(hidden.has("polyline"));
+    EXPECT_FALSE(hidden.has("linetype"));
+    EXPECT_NEAR(hidden.textPosition.x, 30 + 0.125 * 5, kTolerance);
+    EXPECT_NEAR(hidden.textPosition.y, 40 + 1.3 * 5, kTolerance);
+    EXPECT_FALSE(hidden.filled.isEmpty());
+    EXPECT_GE(hidden.filled.minPoint().x, 30 - kTolerance);
+}
+
+TEST_F(DrawingTest, TheMarkerOfAnObjectNoteStandsAtTheObjectsMaximumCornerAndNothingElseIsDrawn) {
+    point.setPhonomarkType(kObjectNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 6}));
+    EXPECT_EQ(point.DrawObject(&recorder), Mx::eOk);
+    EXPECT_TRUE(recorder.calls.empty());
+    MxDbExtents image;
+    point.getImageRegion(image);
+    EXPECT_EQ(image.minPoint(), MxGePoint3d(30, 40, 0)) << "the far corner lies at height 0";
+    point.subWorldDraw(&recorder);
+    EXPECT_EQ(recorder.calls[1], "color 9");
+    EXPECT_EQ(recorder.calls[2].rfind("text", 0), 0u);
+}
+
+TEST_F(DrawingTest, AReplyHasNoPartOfItsOwn) {
+    point.setPhonomarkType(kReplyNote);
+    point.subWorldDraw(&recorder);
+    EXPECT_EQ(recorder.calls[1], "color 9");
+    EXPECT_EQ(recorder.calls[2].rfind("text", 0), 0u);
+    EXPECT_NEAR(recorder.textPosition.x, 0.125 * 5, kTolerance) << "at the origin";
+}
+
+TEST_F(DrawingTest, ThePlateIsALightBlueSquareWithAnEdge) {
+    point.setPosition({100, 50, 7});
+    point.subWorldDraw(&recorder);
+    MxDbExtents image;
+    point.getImageRegion(image);
+    const MxGePoint3d low = image.minPoint();
+    Recorder plate;
+    point.DrawBack(&plate);
+    const std::vector<std::string> calls{"fill 1", "truecolor 157", "polygon 4", "color 7", "pline 5"};
+    EXPECT_EQ(plate.calls, calls);
+    EXPECT_EQ(plate.trueColor, (MxCmEntityColor{MxCmEntityColor::Method::kByColor, 157, 184, 244}));
+    ASSERT_EQ(plate.lines.size(), 1u);
+    const MxGePoint2d corners[] = {
+        {low.x, low.y}, {low.x + 5, low.y}, {low.x + 5, low.y + 5}, {low.x, low.y + 5}, {low.x, low.y}};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_NEAR(plate.lines[0][i % 4].x, corners[i].x, kTolerance);
+        EXPECT_NEAR(plate.lines[0][i % 4].y, corners[i].y, kTolerance);
+        EXPECT_NEAR(plate.last[i].point.x, corners[i].x, kTolerance);
+        EXPECT_NEAR(plate.last[i].point.y, corners[i].y, kTolerance);
+        EXPECT_EQ(plate.last[i].startWidth, -1);
+        EXPECT_EQ(plate.last[i].endWidth, -1);
+    }
+    EXPECT_FALSE(plate.isClosed) << "it would be filled";
+}
+
+TEST_F(DrawingTest, TheTriangleIsCentredOnTheMarkersCorner) {
+    point.setAudioData(soundBytes(100));
+    point.setAudioDataSize(100);
+    point.setPlaying(true);
+    point.subWorldDraw(&recorder);
+    MxDbExtents image;
+    point.getImageRegion(image);
+    ASSERT_EQ(recorder.last.size(), 2u);
+    for (const int i : {0, 1})
+        EXPECT_NEAR(recorder.last[static_cast<std::size_t>(i)].point.y, image.maxPoint().y, kTolerance);
+    EXPECT_NEAR(recorder.last[0].point.x, image.maxPoint().x - 0.5, kTolerance);
+    EXPECT_NEAR(recorder.last[1].point.x, image.maxPoint().x + 0.5, kTolerance);
+    point.setRecord(false);
+    Recorder empty;
+    point.subWorldDraw(&empty);
+    EXPECT_FALSE(empty.has("color 3")) << "there is nothing to play";
+}
+
+TEST_F(DrawingTest, TheExtentsBeginAtTheMarkersCorner) {
+    point.setPosition({100, 50, 7});
+    MxDbExtents box;
+    ASSERT_EQ(point.subGetGeomExtents(box), Mx::eOk);
+    EXPECT_NEAR(box.minPoint().x, 100 + 3 * std::cos(0.785), kTolerance);
+    EXPECT_NEAR(box.minPoint().y, 50 + 3 * std::sin(0.785), kTolerance);
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 6}));
+    MxDbExtents region;
+    ASSERT_EQ(point.subGetGeomExtents(region), Mx::eOk);
+    EXPECT_EQ(region.minPoint(), MxGePoint3d(30, 40, 0));
+    EXPECT_NEAR(region.maxPoint().x, 35, kTolerance);
+    EXPECT_NEAR(region.maxPoint().y, 49, kTolerance);
+    EXPECT_EQ(region.maxPoint().z, 6);
+}
+
+TEST_F(DrawingTest, ANoteLooksTheSameInEveryViewport) {
+    EXPECT_EQ(point.subViewportDrawLogicalFlags(nullptr), 0u);
+    EXPECT_EQ(point.subSetAttributes(nullptr), 0u);
+    point.subViewportDraw(nullptr);
+    MxDbPhonomark& closed = note(addNote());
+    EXPECT_DEATH(closed.subSetAttributes(nullptr), "");
+    EXPECT_DEATH(closed.subViewportDraw(nullptr), "");
+}
+
+TEST_F(DrawingTest, HighlightingShowsTheRegionOrTheObject) {
+    const MxDbObjectId region = addNote(kRegionNote), object = addNote(kObjectNote), line = addLine();
+    note(region).ShowRegion(false);
+    note(object).setAttachObj(line);
+    struct : merix::db::DatabaseListener {
+        void entityHighlighted(MxDbObject& entity, bool highlighted) override {
+            heard.emplace_back(entity.objectId(), highlighted);
+        }
+        std::vector<std::pair<MxDbObjectId, bool>> heard;
+    } listener;
+    database().imp().addListener(&listener);
+    for (const MxDbObjectId& id : {region, object, addNote(kPointNote), addNote(kReplyNote)})
+        note(id).doHighlight();
+    EXPECT_TRUE(note(region).isRegionShown());
+    EXPECT_EQ(listener.heard, (decltype(listener.heard){{line, true}}));
+    for (const MxDbObjectId& id : {region, object})
+        note(id).doUnhighlight();
+    EXPECT_FALSE(note(region).isRegionShown());
+    EXPECT_EQ(listener.heard.back(), std::pair(line, false));
+    database().imp().removeListener(&listener);
+    MxDbEntity* free = nullptr;
+    EXPECT_EQ(mxdbOpenObject(free, line, Mx::kForWrite), Mx::eOk) << "left open";
+    free->close();
+}
+
+TEST_F(DrawingTest, HighlightingAnObjectThatIsGoneDoesNothing) {
+    const MxDbObjectId object = addNote(kObjectNote), line = addLine();
+    note(object).setAttachObj(line);
+    MxDbEntity* erased = nullptr;
+    ASSERT_EQ(mxdbOpenObject(erased, line, Mx::kForWrite), Mx::eOk);
+    erased->erase();
+    erased->close();
+    note(object).doHighlight();
+    note(object).doUnhighlight();
+    EXPECT_TRUE(note(object).isRegionShown());
 }
 
 TEST_F(DrawingTest, ShowingTheRegionOfANoteThatCannotBeWrittenChangesNothing) {
