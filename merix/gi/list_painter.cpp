@@ -81,6 +81,8 @@ ListPainter::~ListPainter() {
 
 ListPainter::Pen ListPainter::penOf(const Style& style) const {
     const double weight = m_options.lineWeights ? style.weight / 100.0 * kPixelsPerMillimetre : 0.0;
+    if (m_options.halo.isValid())
+        return {m_options.halo.rgb(), std::max(1.0, weight * m_options.pixelRatio) + 2 * m_options.haloWidth};
     return {style.contrast ? m_contrast : style.rgb, std::max(1.0, weight * m_options.pixelRatio)};
 }
 
@@ -102,6 +104,13 @@ void ListPainter::flush() {
 QPen ListPainter::pen() const {
     return QPen(QColor::fromRgb(m_pen.rgb), m_pen.width, Qt::SolidLine,
                 m_pen.width > 1.5 ? Qt::RoundCap : Qt::SquareCap, Qt::RoundJoin);
+}
+
+/// What is painted around an area.
+QPen ListPainter::haloPen() const {
+    return m_options.halo.isValid()
+               ? QPen(m_options.halo, 2 * m_options.haloWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)
+               : QPen(Qt::NoPen);
 }
 
 void ListPainter::draw(const DisplayList& list) {
@@ -241,7 +250,7 @@ void ListPainter::fill(const MxGePoint2d* points, std::size_t count, QRgb rgb) {
             line(ring[i], ring[(i + 1) % ring.size()]);
         return;
     }
-    m_painter.setPen(Qt::NoPen);
+    m_painter.setPen(haloPen());
     m_painter.setBrush(QColor::fromRgb(rgb));
     m_painter.drawPolygon(polygon, Qt::WindingFill);
 }
@@ -263,7 +272,10 @@ void ListPainter::text(const PlacedText& text, QRgb rgb) {
         m_painter.fillPath(bar, faint);
         return;
     }
-    m_painter.fillPath(letters.map(text.outline.path), QColor::fromRgb(rgb));
+    const QPainterPath path = letters.map(text.outline.path);
+    m_painter.fillPath(path, QColor::fromRgb(rgb));
+    if (m_options.halo.isValid())
+        m_painter.strokePath(path, haloPen());
 }
 
 } // namespace merix::gi

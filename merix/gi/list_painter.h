@@ -35,6 +35,7 @@ private:
     void dashChain(const MxGePoint2d* points, std::size_t count, const Style& style);
     void smoothChain(const MxGePoint2d* points, std::size_t count);
     QPen pen() const;
+    QPen haloPen() const;
     void line(const MxGePoint2d& worldFrom, const MxGePoint2d& worldTo);
     void fill(const MxGePoint2d* points, std::size_t count, QRgb rgb);
     void text(const PlacedText& text, QRgb rgb);

@@ -237,6 +237,24 @@ void Scene::paint(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId
     }
 }
 
+void Scene::paintOnly(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId spaceId,
+                      const std::vector<MxDbObjectId>& ids, const PaintOptions& options) {
+    Space* space = m->spaceOf(spaceId);
+    if (!space || view.width <= 0 || view.height <= 0)
+        return;
+    const MxDbExtents window = view.worldRect();
+    ListPainter lists(painter, view, options);
+    for (const MxDbObjectId id : ids) {
+        const auto slot = space->slotOf.find(id.stub());
+        MxDbEntity* entity = slot == space->slotOf.end() ? nullptr : m->entityOf(space->slots[slot->second]);
+        if (!entity)
+            continue;
+        const DisplayList& list = m->listOf(*space, slot->second, *entity);
+        if (space->slots[slot->second].drawn && overlap(list.box, window))
+            lists.draw(list);
+    }
+}
+
 std::vector<MxDbObjectId> Scene::pick(MxDbObjectId spaceId, const MxGePoint3d& at, double aperture) {
     std::vector<MxDbObjectId> picked;
     Space* space = m->spaceOf(spaceId);

@@ -19,6 +19,8 @@ struct PaintOptions {
     bool plot = false; ///< for paper or a file that is a plot: entities may leave themselves out
     bool lineWeights = false;
     double pixelRatio = 1.0;
+    QColor halo;            ///< when valid, everything is painted in this colour ...
+    double haloWidth = 0.0; ///< ... and this much wider to each side, pixels of the view
 };
 
 class Scene : public db::DatabaseListener {
@@ -28,6 +30,10 @@ public:
 
     /// Paints the block `space` (model space, a paper space) as `view` shows it.
     void paint(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId space, const PaintOptions& options);
+
+    /// The same for these entities of `space` alone, in the order given: marks over what `paint` has painted.
+    void paintOnly(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId space,
+                   const std::vector<MxDbObjectId>& ids, const PaintOptions& options);
 
     /// Entities of `space` whose graphics come within `aperture` (world units, half the side of the pick box) of `at`,
     /// topmost first. Entities on layers that are off or frozen are left out.

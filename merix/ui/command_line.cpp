@@ -176,7 +176,9 @@ void CommandLine::escape() {
     m_recalled = m_typed.size();
     if (ed::Prompter::instance().isWaiting())
         ed::Prompter::instance().cancel();
-    else if (typed)
+    else
+        Q_EMIT escaped();
+    if (typed && !ed::Prompter::instance().isWaiting())
         ed::Console::instance().print(QStringLiteral("\n") + tr("*Cancel*"));
 }
 

@@ -24,6 +24,10 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
     QSize sizeHint() const override;
 
+Q_SIGNALS:
+    /// Esc, and no prompt waited for it.
+    void escaped();
+
 private:
     bool handleKey(QKeyEvent* event);
     void submit();

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/drawing_view.h"
 
+#include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
 #include "merix/ed/input_points.h"
 #include "merix/ed/prompter.h"
+#include "merix/ed/selection.h"
 #include "merix/ui/look.h"
 
 #include <QMouseEvent>
@@ -15,6 +17,7 @@ namespace merix::ui {
 namespace {
 
 constexpr double kPickBox = 5.0;                         ///< half the side of the pick box, pixels of the widget
+constexpr double kHaloWidth = 2.5;                       ///< to each side of a selected stroke, pixels of the widget
 constexpr double kCrossArm = 32.0;                       ///< from the middle to the cross hair's ends
 constexpr double kWheelStep = 1.2;                       ///< zoom of one notch of the wheel
 constexpr double kNotch = 120.0;                         ///< angle units of one notch, by Qt
@@ -32,7 +35,12 @@ DrawingView::DrawingView(QWidget* parent)
     setMinimumSize(120, 90);
     m_hover.setSingleShot(true);
     connect(&m_hover, &QTimer::timeout, this, &DrawingView::hover);
-    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] { QWidget::update(); });
+    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] {
+        if (ed::Prompter::instance().isWaiting() && m_hand.isUnderWay())
+            m_hand.abandon();
+        QWidget::update();
+    });
+    connect(&ed::Selection::instance(), &ed::Selection::changed, this, &DrawingView::repaintMarks);
 }
 
 DrawingView::~DrawingView() {
@@ -49,9 +57,15 @@ void DrawingView::setDocument(ap::Document* document) {
         m_layoutViews[{m_document, m_layout}] = m_document->view();
         m_document->disconnect(this);
     }
+    m_hand.abandon();
+    ed::Selection::instance().clear(); // it is of the drawing that was active
     m_document = document;
     if (document) {
         m_layout = document->currentLayout();
+        if (auto& highlights = m_highlights[document]; !highlights) {
+            highlights = std::make_unique<Highlights>(*document->database());
+            connect(highlights.get(), &Highlights::changed, this, &DrawingView::repaintMarks);
+        }
         connect(document, &ap::Document::graphicsChanged, this, &DrawingView::update);
         connect(document, &ap::Document::layoutChanged, this, &DrawingView::layoutChanged);
         setUpTransform(document->view());
@@ -68,6 +82,7 @@ void DrawingView::forget(ap::Document* document) {
         setDocument(nullptr);
     std::erase_if(m_layoutViews, [&](const auto& entry) { return entry.first.first == document; });
     m_scenes.erase(document);
+    m_highlights.erase(document);
 }
 
 void DrawingView::setUpTransform(ge::ViewTransform& view) {
@@ -83,6 +98,8 @@ void DrawingView::setUpTransform(ge::ViewTransform& view) {
 void DrawingView::layoutChanged() {
     if (!m_document || m_layout == m_document->currentLayout())
         return;
+    m_hand.abandon();
+    ed::Selection::instance().clear();
     m_layoutViews[{m_document, m_layout}] = m_document->view();
     m_layout = m_document->currentLayout();
     const auto known = m_layoutViews.find({m_document, m_layout});
@@ -145,6 +162,16 @@ void DrawingView::zoomExtents() {
     setTransform(view);
 }
 
+void DrawingView::selectAll() {
+    const MxDbExtents all = extents();
+    if (!all.isEmpty())
+        ed::Selection::instance().set(inBox(all, false));
+}
+
+void DrawingView::escape() {
+    m_hand.escape();
+}
+
 void DrawingView::regenerate() {
     m_scenes.erase(m_document);
     update();
@@ -152,6 +179,12 @@ void DrawingView::regenerate() {
 
 void DrawingView::update() {
     m_stale = true;
+    repaintMarks();
+}
+
+void DrawingView::repaintMarks() {
+    m_marksStale = true;
+    m_hand.invalidate();
     QWidget::update();
 }
 
@@ -185,9 +218,14 @@ void DrawingView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setClipRegion(event->region());
     painter.drawPixmap(0, 0, m_picture);
-    if (m_document)
+    if (m_marksStale)
+        paintMarks();
+    if (!m_marks.isNull())
+        painter.drawPixmap(0, 0, m_marks);
+    if (m_document) {
+        m_hand.paint(painter);
         paintCursor(painter);
-    else
+    } else
         paintHint(painter);
 }
 
@@ -201,12 +239,49 @@ void DrawingView::paintPicture() {
     m_stale = false; // before painting: what changes meanwhile is painted next time
     if (m_document) {
         QPainter painter(&m_picture);
-        gi::PaintOptions options;
-        options.background = kCanvas;
-        options.pixelRatio = ratio;
-        scene().paint(painter, m_document->view(), space(), options);
+        scene().paint(painter, m_document->view(), space(), paintOptions());
     }
     m_picture.setDevicePixelRatio(ratio);
+}
+
+gi::PaintOptions DrawingView::paintOptions() const {
+    gi::PaintOptions options;
+    options.background = kCanvas;
+    options.pixelRatio = devicePixelRatioF();
+    return options;
+}
+
+/// A halo around everything that is selected or highlighted, itself drawn over it again.
+void DrawingView::paintMarks() {
+    m_marksStale = false;
+    std::vector<MxDbObjectId> ids = ed::Selection::instance().ids();
+    if (m_document)
+        for (const MxDbObjectId id : m_highlights.at(m_document)->ids())
+            if (!ed::Selection::instance().contains(id))
+                ids.push_back(id);
+    if (!m_document || ids.empty()) {
+        m_marks = QPixmap();
+        return;
+    }
+    gi::PaintOptions options = paintOptions();
+    QPixmap halo(m_picture.size());
+    halo.fill(Qt::transparent);
+    {
+        QPainter painter(&halo);
+        gi::PaintOptions wide = options;
+        wide.halo = kHalo;
+        wide.haloWidth = kHaloWidth * options.pixelRatio;
+        scene().paintOnly(painter, m_document->view(), space(), ids, wide);
+    }
+    m_marks = QPixmap(m_picture.size());
+    m_marks.fill(Qt::transparent);
+    QPainter painter(&m_marks);
+    painter.setOpacity(kHaloOpacity); // at once: where strokes of a halo meet it is no denser
+    painter.drawPixmap(0, 0, halo);
+    painter.setOpacity(1.0);
+    scene().paintOnly(painter, m_document->view(), space(), ids, options);
+    painter.end();
+    m_marks.setDevicePixelRatio(options.pixelRatio);
 }
 
 void DrawingView::paintHint(QPainter& painter) const {
@@ -222,15 +297,8 @@ void DrawingView::paintCursor(QPainter& painter) const {
     const ed::Prompter& prompter = ed::Prompter::instance();
     const bool wantsPoint = prompter.wants() == ed::Prompter::Wants::kPoint;
     const QPointF c(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
-    if (wantsPoint && prompter.base()) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(kRubberBand, 1, Qt::DashLine));
-        if (prompter.isCornerWanted())
-            painter.drawRect(QRectF(toWidget(*prompter.base()), c).normalized());
-        else
-            painter.drawLine(toWidget(*prompter.base()), c);
-        painter.setRenderHint(QPainter::Antialiasing, false);
-    }
+    if (wantsPoint && prompter.base())
+        paintRubberBand(painter, c);
     painter.setPen(QPen(kCrossHair, 1));
     // With a point asked for the cross runs through; else it leaves the pick box open.
     const double gap = wantsPoint ? 0.0 : kPickBox;
@@ -242,10 +310,22 @@ void DrawingView::paintCursor(QPainter& painter) const {
         painter.drawRect(QRectF(c.x() - kPickBox, c.y() - kPickBox, 2 * kPickBox, 2 * kPickBox));
 }
 
+void DrawingView::paintRubberBand(QPainter& painter, const QPointF& cursor) const {
+    const ed::Prompter& prompter = ed::Prompter::instance();
+    const QPointF base = toWidget(*prompter.base());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(kRubberBand, 1, Qt::DashLine));
+    if (prompter.isCornerWanted())
+        painter.drawRect(QRectF(base, cursor).normalized());
+    else
+        painter.drawLine(base, cursor);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
 QRegion DrawingView::cursorRegion() const {
     if (!m_cursor)
         return {};
-    if (ed::Prompter::instance().base())
+    if (ed::Prompter::instance().base() || m_hand.isUnderWay())
         return rect(); // the rubber band
     const int reach = static_cast<int>(kCrossArm) + 2;
     const QPoint c = m_cursor->toPoint();
@@ -295,11 +375,32 @@ void DrawingView::mousePressEvent(QMouseEvent* event) {
         setCursor(Qt::ClosedHandCursor);
         QWidget::update();
     } else if (event->button() == Qt::LeftButton) {
-        moveCursor(event->localPos());
-        ed::Prompter::instance().submitPoint(toWorld(event->localPos()));
+        leftPress(event);
     } else if (event->button() == Qt::RightButton && ed::Prompter::instance().isWaiting()) {
         ed::Prompter::instance().submitLine(QString());
     }
+}
+
+void DrawingView::leftPress(QMouseEvent* event) {
+    moveCursor(event->localPos());
+    if (ed::Prompter::instance().isWaiting()) {
+        m_answeredAt = event->localPos();
+        ed::Prompter::instance().submitPoint(toWorld(event->localPos()));
+    } else if (!ed::CommandStack::instance().isRunning()) {
+        m_hand.press(event->localPos(), event->modifiers());
+        QWidget::update();
+    }
+}
+
+void DrawingView::leftRelease(QMouseEvent* event) {
+    const std::optional<QPointF> answeredAt = std::exchange(m_answeredAt, std::nullopt);
+    moveCursor(event->localPos());
+    if (!answeredAt)
+        m_hand.release(event->localPos(), event->modifiers());
+    else if (ed::Prompter::instance().isCornerWanted() &&
+             QLineF(*answeredAt, event->localPos()).length() > kDragDistance)
+        ed::Prompter::instance().submitPoint(toWorld(event->localPos())); // the corner was dragged open
+    m_hover.start(0);
 }
 
 void DrawingView::mouseMoveEvent(QMouseEvent* event) {
@@ -315,12 +416,15 @@ void DrawingView::mouseMoveEvent(QMouseEvent* event) {
         setTransform(view);
         return;
     }
+    m_hand.move(event->localPos());
     moveCursor(event->localPos());
-    if (event->buttons() == Qt::NoButton)
+    if (event->buttons() == Qt::NoButton && !m_hand.isDragging())
         m_hover.start(0);
 }
 
 void DrawingView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && m_document)
+        leftRelease(event);
     if (event->button() != Qt::MiddleButton || !m_panning)
         return;
     m_panning = false;

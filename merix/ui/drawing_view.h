@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The widget that shows the active drawing and takes the cursor's input. Everything is painted into a picture that is
-// kept until it is stale; the cursor is drawn over it, so moving it costs no painting of the drawing.
-// The view's pixels (ed::ActiveView, the contract's pixel operations) are physical ones.
+// kept until it is stale; what is selected or highlighted is painted into a second one that lies over it, and the
+// cursor over both, so that neither costs painting the drawing. The view's pixels (ed::ActiveView, the contract's pixel
+// operations) are physical ones.
 #pragma once
 
 #include "merix/ap/document_imp.h"
 #include "merix/ed/active_view.h"
 #include "merix/gi/scene.h"
+#include "merix/ui/highlights.h"
+#include "merix/ui/selection_hand.h"
 
 #include <QPixmap>
 #include <QTimer>
@@ -29,6 +32,13 @@ public:
     /// Forgets what was kept for a drawing that closes.
     void forget(ap::Document* document);
     void zoomExtents();
+    /// Selects all that is visible in the current layout.
+    void selectAll();
+    /// Esc while nothing is asked: gives up a box or a drag under way, else clears the selection.
+    void escape();
+    gi::PaintOptions paintOptions() const;
+    /// What is selected, highlighted or gripped looks different now.
+    void repaintMarks();
     /// The middle of the pixel that shows `world`, in the widget's coordinates.
     QPointF toWidget(const MxGePoint3d& world) const;
     MxGePoint3d toWorld(const QPointF& position) const;
@@ -50,7 +60,6 @@ public:
 Q_SIGNALS:
     void cursorMoved(const MxGePoint3d& world);
     void cursorLeft();
-    void escapePressed();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -69,6 +78,8 @@ private:
     void setUpTransform(ge::ViewTransform& view);
     void layoutChanged();
     void paintPicture();
+    void paintMarks();
+    void paintRubberBand(QPainter& painter, const QPointF& cursor) const;
     void paintCursor(QPainter& painter) const;
     void paintHint(QPainter& painter) const;
     QRegion cursorRegion() const;
@@ -76,18 +87,23 @@ private:
     /// Half the side of the pick box in drawing units.
     double aperture() const;
     void hover();
+    void leftPress(QMouseEvent* event);
+    void leftRelease(QMouseEvent* event);
 
     ap::Document* m_document = nullptr;
     std::map<ap::Document*, std::unique_ptr<gi::Scene>> m_scenes;
+    std::map<ap::Document*, std::unique_ptr<Highlights>> m_highlights;
     std::map<std::pair<ap::Document*, QString>, ge::ViewTransform> m_layoutViews;
     QString m_layout;
     ge::ViewTransform m_none; ///< while there is no drawing
-    QPixmap m_picture;
-    bool m_stale = true;
+    QPixmap m_picture, m_marks;
+    bool m_stale = true, m_marksStale = true;
     std::optional<QPointF> m_cursor; ///< widget coordinates, while the cursor is over the view
     QPointF m_panFrom;
     bool m_panning = false;
-    QTimer m_hover; ///< one look at what is under the cursor for all the moves that come at once
+    SelectionHand m_hand{*this};
+    std::optional<QPointF> m_answeredAt; ///< where the button went down to answer a prompt and is still held
+    QTimer m_hover;                      ///< one look at what is under the cursor for all the moves that come at once
 };
 
 } // namespace merix::ui

@@ -96,6 +96,7 @@ void MainWindow::buildCentre() {
     dock->setWidget(m_commandLine);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
 
+    connect(m_commandLine, &CommandLine::escaped, m_view, &DrawingView::escape);
     connect(m_view, &DrawingView::cursorMoved, this, &MainWindow::showCursor);
     connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) {
         if (ap::Document* document = documentAt(index); document && document != current())

@@ -4,6 +4,7 @@
 
 #include "merix/db/entities.h"
 #include "merix/ed/prompter.h"
+#include "merix/ed/selection.h"
 #include "merix/ui/main_window.h"
 
 #include <QApplication>
@@ -56,9 +57,25 @@ protected:
     }
 
     void mouse(QEvent::Type type, const QPointF& at, Qt::MouseButton button = Qt::NoButton,
-               Qt::MouseButtons held = Qt::NoButton) {
-        QMouseEvent event(type, at, view().mapToGlobal(at.toPoint()), button, held, Qt::NoModifier);
+               Qt::MouseButtons held = Qt::NoButton, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QMouseEvent event(type, at, view().mapToGlobal(at.toPoint()), button, held, modifiers);
         QApplication::sendEvent(&view(), &event);
+    }
+    void press(const QPointF& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        mouse(QEvent::MouseMove, at, Qt::NoButton, Qt::NoButton, modifiers);
+        mouse(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton, modifiers);
+    }
+    void release(const QPointF& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        mouse(QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton, modifiers);
+        mouse(QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton, modifiers);
+    }
+    void click(const QPointF& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        press(at, modifiers);
+        release(at, modifiers);
+    }
+    void drag(const QPointF& from, const QPointF& to, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        press(from, modifiers);
+        release(to, modifiers);
     }
     void wheel(const QPointF& at, int angle) {
         QWheelEvent event(at, view().mapToGlobal(at.toPoint()), {}, {0, angle}, Qt::NoButton, Qt::NoModifier,
