@@ -24,10 +24,13 @@ void setPersistentReactors(ObjectData& data, const std::vector<MxDbObjectId>& id
     }
 }
 
-std::vector<MxDbObjectId> persistentReactors(const ObjectData& data) {
+/// Those that are erased stay in the list of the object and in its before-images, but not in files.
+std::vector<MxDbObjectId> persistentReactors(const ObjectData& data, MxDbFilerType type) {
     std::vector<MxDbObjectId> ids;
     for (const MxDbReactorEntry& entry : data.reactors) {
-        if (mxdbIsPersistentReactor(entry))
+        const ObjectStub* reactor = entry.persistent.stub();
+        const bool gone = reactor && reactor->object && reactor->erased;
+        if (mxdbIsPersistentReactor(entry) && !(gone && type == MxDbFilerType::kFile))
             ids.push_back(entry.persistent);
     }
     return ids;
@@ -157,7 +160,7 @@ Mx::ErrorStatus MxDbObject::dwgOutFields(MxDbDwgFiler* filer) const {
     if (!filer)
         return Mx::eInvalidInput;
     filer->writeSoftPointerId(m_data->extensionDictionary);
-    return writeIds(*filer, persistentReactors(*m_data));
+    return writeIds(*filer, persistentReactors(*m_data, filer->filerType()));
 }
 
 Mx::ErrorStatus MxDbObject::dxfInFields(MxDbDxfFiler* filer) {
@@ -172,7 +175,7 @@ Mx::ErrorStatus MxDbObject::dxfOutFields(MxDbDxfFiler* filer) const {
         m_data->stub->handle.getIntoAsciiBuffer(text);
         filer->writeString(5, text);
     }
-    if (const auto reactors = persistentReactors(*m_data); !reactors.empty()) {
+    if (const auto reactors = persistentReactors(*m_data, filer->filerType()); !reactors.empty()) {
         filer->writeString(102, L"{ACAD_REACTORS");
         for (const MxDbObjectId& id : reactors)
             filer->writeObjectId(330, id);

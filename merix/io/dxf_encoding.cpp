@@ -62,7 +62,7 @@ int hexDigit(wchar_t c) {
 }
 
 /// The unit of an escape "\U+XXXX" at `at`, or -1.
-int unicodeEscape(const std::wstring& text, std::size_t at) {
+int unicodeEscape(std::wstring_view text, std::size_t at) {
     if (at + 7 > text.size() || text[at] != L'\\' || (text[at + 1] != L'U' && text[at + 1] != L'u') ||
         text[at + 2] != L'+')
         return -1;
@@ -181,8 +181,8 @@ std::wstring DxfEncoding::decode(std::string_view bytes) const {
 std::string DxfEncoding::encode(std::wstring_view text) const {
     std::string out;
     out.reserve(text.size());
-    for (const wchar_t wide : text) {
-        const auto c = static_cast<char32_t>(wide);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<char32_t>(text[i]);
         if (c < 0x20) {
             if (c != 0) {
                 out += '^';
@@ -190,6 +190,8 @@ std::string DxfEncoding::encode(std::wstring_view text) const {
             }
         } else if (c == '^') {
             out += "^ ";
+        } else if (c == '\\' && unicodeEscape(text, i) > 0) {
+            appendEscape(out, c); // letters that happen to spell an escape
         } else if (c < 0x80) {
             out += static_cast<char>(c);
         } else if (!isScalar(c)) {

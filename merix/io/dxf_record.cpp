@@ -166,6 +166,10 @@ const std::string* keptTags(const MxDbObject& object) {
     return object.isA() == db::KeptObject::desc() ? &static_cast<const db::KeptObject&>(object).dxfTags : nullptr;
 }
 
+bool isErased(MxDbObjectId id) {
+    return id.stub() && id.stub()->object && id.stub()->erased;
+}
+
 std::vector<std::uint64_t> handlesIn(std::string_view text, std::string_view group) {
     DxfScanner scanner(text);
     DxfTag tag;
@@ -269,10 +273,11 @@ DxfImage dxfImage(const MxDbObject& object) {
     image.entity = data.isEntity;
     image.handle = data.stub ? data.stub->handle.value() : 0;
     image.owner = data.owner.isNull() ? 0 : data.owner.handle().value();
-    image.extensionDictionary =
-        db::DatabaseImp::peek(data.extensionDictionary) ? data.extensionDictionary.handle().value() : 0;
+    // What is erased leaves the file; what was never there is not ours to judge.
+    if (!data.extensionDictionary.isNull() && !isErased(data.extensionDictionary))
+        image.extensionDictionary = data.extensionDictionary.handle().value();
     for (const MxDbReactorEntry& reactor : data.reactors) {
-        if (mxdbIsPersistentReactor(reactor))
+        if (mxdbIsPersistentReactor(reactor) && !isErased(reactor.persistent))
             image.reactors.push_back(reactor.persistent.handle().value());
     }
     if (object.isKindOf(db::SymbolTable::desc()))

@@ -248,10 +248,31 @@ void Placer::placeObject(ObjectStub* stub) {
     m_parts->implied.erase(stub);
 }
 
+/// Objects keep erased reactors in their lists, for the erasure may be undone; files do not hold them. What lists one
+/// that was erased or came back since the last save is filed again.
+void leaveOutErasedReactors(db::DatabaseImp& database, DrawingParts& parts) {
+    std::unordered_set<const ObjectStub*> erased;
+    for (const ObjectStub& stub : database.stubs()) {
+        if (!stub.object)
+            continue;
+        for (const MxDbReactorEntry& entry : stub.object->data().reactors) {
+            const ObjectStub* reactor = entry.persistent.stub();
+            const bool gone = reactor && reactor->object && reactor->erased;
+            if (gone)
+                erased.insert(reactor);
+            if (gone != parts.reactorsLeftOut.contains(reactor))
+                database.markChanged(*stub.object);
+        }
+    }
+    parts.reactorsLeftOut = std::move(erased);
+}
+
 } // namespace
 
 std::unique_ptr<DrawingParts> placedParts(db::DatabaseImp& database) {
-    return Placer(database).run();
+    std::unique_ptr<DrawingParts> parts = Placer(database).run();
+    leaveOutErasedReactors(database, *parts);
+    return parts;
 }
 
 void ensureSection(DrawingParts& parts, std::string_view name) {

@@ -39,6 +39,15 @@ TEST(DxfEncoding, AnyTextIsOneLine) {
     EXPECT_EQ(DxfEncoding("AC1015", "ANSI_1252").decode(DxfEncoding("AC1015", "ANSI_1252").encode(all)), all);
 }
 
+TEST(DxfEncoding, LettersThatSpellAnEscapeStayLetters) {
+    for (const char* version : {"AC1015", "AC1021"}) {
+        const DxfEncoding encoding(version, "ANSI_1252");
+        EXPECT_EQ(encoding.encode(L"\\U+0041"), "\\U+005CU+0041");
+        for (const wchar_t* text : {L"\\U+0041", L"\\\\U+00e4\\U+", L"\\u+005CU+0041", L"\\U+0000", L"\\P \\"})
+            EXPECT_EQ(encoding.decode(encoding.encode(text)), text);
+    }
+}
+
 TEST(DxfEncoding, SurvivesWhatIsNoText) {
     const DxfEncoding encoding("AC1021", "");
     EXPECT_EQ(encoding.decode("\xFF\xFE").find(L'\uFFFD'), 0U);
