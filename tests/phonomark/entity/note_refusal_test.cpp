@@ -80,6 +80,10 @@ struct Refused {
     bool hasBinary = true; ///< binary DXF can hold it
 };
 
+void PrintTo(const Refused& refused, std::ostream* out) {
+    *out << ::testing::PrintToString(refused.groups);
+}
+
 class RefusedNote : public NoteRefusalTest, public ::testing::WithParamInterface<Refused> {};
 
 } // namespace
