@@ -10,6 +10,15 @@ public:
     static MxRxClass* desc();
     MxRxClass* isA() const override;
     MxGePoint3d basePoint() const { return m_basePoint; }
+    using MxDbEntity::subGetGripPoints;
+    using MxDbEntity::subGetOsnapPoints;
+    using MxDbEntity::subMoveGripPointsAt;
+    Mx::ErrorStatus subTransformBy(const MxGeMatrix3d& map) override;
+    /// The base point, which moves it, and a point ahead, which turns it.
+    Mx::ErrorStatus subGetGripPoints(std::vector<MxGePoint3d>& grips) const override;
+    Mx::ErrorStatus subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) override;
+    Mx::ErrorStatus subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last,
+                                      std::vector<MxGePoint3d>& points) const override;
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
@@ -26,6 +35,15 @@ public:
     static MxRxClass* desc();
     MxRxClass* isA() const override;
     MxGePoint3d basePoint() const { return m_basePoint; }
+    using MxDbEntity::subGetGripPoints;
+    using MxDbEntity::subGetOsnapPoints;
+    using MxDbEntity::subMoveGripPointsAt;
+    Mx::ErrorStatus subTransformBy(const MxGeMatrix3d& map) override;
+    /// The base point, which moves it, and a point ahead, which turns it.
+    Mx::ErrorStatus subGetGripPoints(std::vector<MxGePoint3d>& grips) const override;
+    Mx::ErrorStatus subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) override;
+    Mx::ErrorStatus subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last,
+                                      std::vector<MxGePoint3d>& points) const override;
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;

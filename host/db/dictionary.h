@@ -24,6 +24,12 @@ public:
     /// Keys with ids in order, entries of erased objects left out.
     std::vector<std::pair<std::wstring, MxDbObjectId>> entries() const;
 
+    /// A copy holds copies of what the dictionary owns; what is never copied is not in it.
+    Mx::ErrorStatus subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                 bool isPrimary = true) const override;
+    Mx::ErrorStatus subWblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                   bool isPrimary = true) const override;
+
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
@@ -34,6 +40,7 @@ private:
     void erasing(bool erasing);
     std::size_t find(const wchar_t* key) const;
     std::wstring unusedName() const;
+    void cloneEntriesInto(MxDbDictionary& copy, MxDbIdMapping& map, bool wblock) const;
 
     std::vector<std::pair<std::wstring, MxDbObjectId>> m_entries;
     mutable std::unordered_map<std::wstring, std::size_t> m_index; // folded key to place; empty: not made

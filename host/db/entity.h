@@ -37,7 +37,8 @@ public:
     Mx::ErrorStatus getGeomExtents(MxDbExtents& extents) const;
 
     /// Moves, turns, scales or mirrors the entity (open for write). What the map does to it is the entity's own affair:
-    /// one that cannot take it answers eCannotScaleNonUniformly and stays as it is.
+    /// one that cannot take it answers eCannotScaleNonUniformly and stays as it is. eInvalidInput for a map that is not
+    /// finite or brings all of space into one plane.
     Mx::ErrorStatus transformBy(const MxGeMatrix3d& map);
     /// The points by which a hand takes the entity; `grips` is added to.
     Mx::ErrorStatus getGripPoints(std::vector<MxGePoint3d>& grips) const;

@@ -3,7 +3,9 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_edit.h"
 #include "merix/ge/ocs.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 namespace merix::db {
@@ -15,8 +17,53 @@ bool Circle::subWorldDraw(MxGiWorldDraw* draw) {
     return true;
 }
 
-Mx::ErrorStatus Circle::subGetGeomExtents(MxDbExtents& extents) const {
-    extents = drawnExtents(*this);
+Mx::ErrorStatus Circle::subTransformBy(const MxGeMatrix3d& map) {
+    const auto planar = ge::PlanarMap::of(map, normal);
+    double thick = thickness;
+    if (!planar || !planar->isSimilar() || !planar->thicken(thick))
+        return Mx::eCannotScaleNonUniformly;
+    assertWriteEnabled();
+    center = *planar * center;
+    radius *= planar->scale();
+    thickness = thick;
+    normal = planar->normal();
+    return Mx::eOk;
+}
+
+/// The centre, then the four ends of the axes.
+Mx::ErrorStatus Circle::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    grips.push_back(ocs * center);
+    for (const auto& [x, y] : {std::pair{radius, 0.0}, {0.0, radius}, {-radius, 0.0}, {0.0, -radius}})
+        grips.push_back(ocs * MxGePoint3d(center.x + x, center.y + y, center.z));
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Circle::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    if (movesGrip(indices, 0))
+        return subTransformBy(MxGeMatrix3d::translation(offset));
+    std::vector<MxGePoint3d> grips;
+    subGetGripPoints(grips);
+    for (int i = 1; i < static_cast<int>(grips.size()); ++i) {
+        if (!movesGrip(indices, i))
+            continue;
+        MxGeVector3d reach = grips[static_cast<std::size_t>(i)] + offset - grips[0];
+        // What is off the plane does not count.
+        MxGeVector3d off = ge::unit(normal);
+        off *= off.dot(reach);
+        const double size = (MxGePoint3d(reach.x, reach.y, reach.z) - off).asVector().length();
+        if (!(size > 0.0) || !std::isfinite(size))
+            return Mx::eInvalidInput;
+        assertWriteEnabled();
+        radius = size;
+        return Mx::eOk;
+    }
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Circle::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                          std::vector<MxGePoint3d>& points) const {
+    SnapPoints(mode, points).add(MxDbOsnapMode::kCenter, ge::ocsToWorld(normal) * center);
     return Mx::eOk;
 }
 

@@ -3,6 +3,8 @@
 
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
+#include "merix/db/entity_edit.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 using namespace merix::db;
@@ -41,6 +43,32 @@ Mx::ErrorStatus writeDxf(MxDbDxfFiler* filer, const wchar_t* marker, const MxGeP
     return filer->writePoint3d(11, {direction.x, direction.y, direction.z});
 }
 
+bool place(const MxGeMatrix3d& map, MxGePoint3d& base, MxGeVector3d& direction) {
+    const MxGeVector3d moved = merix::ge::unit(map * direction);
+    if (!(moved.length() > 0.0))
+        return false;
+    base = map * base;
+    direction = moved;
+    return true;
+}
+
+/// What the grips make of it: the first takes all along, the second turns it about its base point.
+bool moveGrips(const std::vector<int>& indices, const MxGeVector3d& offset, MxGePoint3d& base,
+               MxGeVector3d& direction) {
+    if (movesGrip(indices, 0)) {
+        base = base + offset;
+        return true;
+    }
+    return !movesGrip(indices, 1) || [&] {
+        const MxGePoint3d ahead = MxGePoint3d(direction.x, direction.y, direction.z) + offset;
+        const MxGeVector3d turned = merix::ge::unit(ahead.asVector());
+        if (!(turned.length() > 0.0))
+            return false;
+        direction = turned;
+        return true;
+    }();
+}
+
 } // namespace
 
 Mx::ErrorStatus MxDbRay::dwgInFields(MxDbDwgFiler* filer) {
@@ -74,4 +102,40 @@ Mx::ErrorStatus MxDbXline::dxfInFields(MxDbDxfFiler* filer) {
 Mx::ErrorStatus MxDbXline::dxfOutFields(MxDbDxfFiler* filer) const {
     const auto status = MxDbEntity::dxfOutFields(filer);
     return status == Mx::eOk ? writeDxf(filer, L"AcDbXline", m_basePoint, m_direction) : status;
+}
+
+Mx::ErrorStatus MxDbRay::subTransformBy(const MxGeMatrix3d& map) {
+    assertWriteEnabled();
+    return place(map, m_basePoint, m_direction) ? Mx::eOk : Mx::eCannotScaleNonUniformly;
+}
+Mx::ErrorStatus MxDbRay::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    grips.insert(grips.end(), {m_basePoint, m_basePoint + m_direction});
+    return Mx::eOk;
+}
+Mx::ErrorStatus MxDbRay::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    assertWriteEnabled();
+    return moveGrips(indices, offset, m_basePoint, m_direction) ? Mx::eOk : Mx::eInvalidInput;
+}
+Mx::ErrorStatus MxDbRay::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                           std::vector<MxGePoint3d>& points) const {
+    SnapPoints(mode, points).add(MxDbOsnapMode::kEnd, m_basePoint);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus MxDbXline::subTransformBy(const MxGeMatrix3d& map) {
+    assertWriteEnabled();
+    return place(map, m_basePoint, m_direction) ? Mx::eOk : Mx::eCannotScaleNonUniformly;
+}
+Mx::ErrorStatus MxDbXline::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    grips.insert(grips.end(), {m_basePoint, m_basePoint + m_direction});
+    return Mx::eOk;
+}
+Mx::ErrorStatus MxDbXline::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    assertWriteEnabled();
+    return moveGrips(indices, offset, m_basePoint, m_direction) ? Mx::eOk : Mx::eInvalidInput;
+}
+Mx::ErrorStatus MxDbXline::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                             std::vector<MxGePoint3d>& points) const {
+    SnapPoints(mode, points).add(MxDbOsnapMode::kNode, m_basePoint);
+    return Mx::eOk;
 }

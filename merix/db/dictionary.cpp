@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/db/dictionary.h"
 
+#include "host/db/id_mapping.h"
+#include "merix/db/access.h"
 #include "merix/db/database_imp.h"
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
@@ -97,6 +99,40 @@ void MxDbDictionary::erasing(bool erasing) {
             object->erase(erasing);
         object->close();
     }
+}
+
+void MxDbDictionary::cloneEntriesInto(MxDbDictionary& copy, MxDbIdMapping& map, bool wblock) const {
+    copy.m_entries.clear();
+    copy.m_index.clear();
+    for (const auto& [key, id] : m_entries) {
+        const MxDbObject* part = DatabaseImp::peek(id);
+        if (!part || part->ownerId() != objectId())
+            continue;
+        MxDbObject* clone = nullptr;
+        const ReadAccess readable(*part);
+        if (wblock)
+            part->wblockClone(&copy, clone, map, false);
+        else
+            part->deepClone(&copy, clone, map, false);
+        if (clone)
+            clone->close();
+    }
+}
+
+Mx::ErrorStatus MxDbDictionary::subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                             bool isPrimary) const {
+    const auto status = MxDbObject::subDeepClone(owner, clone, map, isPrimary);
+    if (clone)
+        cloneEntriesInto(static_cast<MxDbDictionary&>(*clone), map, false);
+    return status;
+}
+
+Mx::ErrorStatus MxDbDictionary::subWblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
+                                               bool isPrimary) const {
+    const auto status = MxDbObject::subWblockClone(owner, clone, map, isPrimary);
+    if (clone)
+        cloneEntriesInto(static_cast<MxDbDictionary&>(*clone), map, true);
+    return status;
 }
 
 namespace {

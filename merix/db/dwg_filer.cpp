@@ -5,24 +5,12 @@
 #include "merix/db/database_imp.h"
 #include "merix/rx/text.h"
 
-#include <array>
 #include <bit>
-#include <cstring>
 #include <limits>
 
 static_assert(std::endian::native == std::endian::little, "values are copied as they lie in memory");
 
 namespace merix::db {
-
-template <class T> Mx::ErrorStatus DwgWriter::put(DwgItem item, T value) {
-    if (m_status != Mx::eOk)
-        return m_status;
-    m_bytes.push_back(static_cast<char>(item));
-    std::array<char, sizeof(T)> bytes;
-    std::memcpy(bytes.data(), &value, sizeof(T));
-    m_bytes.append(bytes.data(), bytes.size());
-    return Mx::eOk;
-}
 
 Mx::ErrorStatus DwgWriter::putRun(DwgItem item, const void* bytes, std::size_t count) {
     if (count > std::numeric_limits<std::uint32_t>::max() || (count > 0 && !bytes))
@@ -104,12 +92,6 @@ std::optional<std::string_view> DwgReader::nextRun(DwgItem item) {
     const std::string_view run = m_rest.substr(0, count);
     m_rest.remove_prefix(count);
     return run;
-}
-
-template <class T> Mx::ErrorStatus DwgReader::get(DwgItem item, T& value) {
-    if (const auto bytes = next(item, sizeof(T)))
-        std::memcpy(&value, bytes->data(), sizeof(T));
-    return m_status;
 }
 
 Mx::ErrorStatus DwgReader::getId(DwgItem item, MxDbObjectId& id) {

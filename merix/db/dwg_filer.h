@@ -5,6 +5,8 @@
 
 #include "host/db/filer.h"
 
+#include <array>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -85,7 +87,15 @@ public:
     std::uint64_t bytesLeft() const override { return 0; }
 
 protected:
-    template <class T> Mx::ErrorStatus put(DwgItem item, T value);
+    template <class T> Mx::ErrorStatus put(DwgItem item, T value) {
+        if (m_status != Mx::eOk)
+            return m_status;
+        m_bytes.push_back(static_cast<char>(item));
+        std::array<char, sizeof(T)> bytes;
+        std::memcpy(bytes.data(), &value, sizeof(T));
+        m_bytes.append(bytes.data(), bytes.size());
+        return Mx::eOk;
+    }
     Mx::ErrorStatus putRun(DwgItem item, const void* bytes, std::size_t count);
 
     std::string m_bytes;
@@ -130,7 +140,11 @@ protected:
     std::optional<std::string_view> next(DwgItem item, std::size_t size);
     /// The same for a text or a byte run.
     std::optional<std::string_view> nextRun(DwgItem item);
-    template <class T> Mx::ErrorStatus get(DwgItem item, T& value);
+    template <class T> Mx::ErrorStatus get(DwgItem item, T& value) {
+        if (const auto bytes = next(item, sizeof(T)))
+            std::memcpy(&value, bytes->data(), sizeof(T));
+        return m_status;
+    }
     Mx::ErrorStatus getId(DwgItem item, MxDbObjectId& id);
 
     std::string_view m_rest;

@@ -39,19 +39,32 @@ inline const EntityTraits& traits(const MxDbEntity& entity) {
     return static_cast<const EntityData&>(entity.data()).traits;
 }
 
+/// Base of the kinds that Merix draws itself: their box is the box of what they draw.
+class DrawnEntity : public MxDbEntity {
+public:
+    Mx::ErrorStatus subGetGeomExtents(MxDbExtents& extents) const override;
+};
+
 // clang-format off
 #define MERIX_ENTITY_OPERATIONS \
     static MxRxClass* desc(); \
     MxRxClass* isA() const override; \
     bool subWorldDraw(MxGiWorldDraw* draw) override; \
-    Mx::ErrorStatus subGetGeomExtents(MxDbExtents& extents) const override; \
+    using MxDbEntity::subGetGripPoints; \
+    using MxDbEntity::subMoveGripPointsAt; \
+    using MxDbEntity::subGetOsnapPoints; \
+    Mx::ErrorStatus subTransformBy(const MxGeMatrix3d& map) override; \
+    Mx::ErrorStatus subGetGripPoints(std::vector<MxGePoint3d>& grips) const override; \
+    Mx::ErrorStatus subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) override; \
+    Mx::ErrorStatus subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last, \
+                                      std::vector<MxGePoint3d>& points) const override; \
     Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override; \
     Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override; \
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override; \
     Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
 // clang-format on
 
-class Line : public MxDbEntity {
+class Line : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     MxGePoint3d start, end;
@@ -59,7 +72,7 @@ public:
     MxGeVector3d normal{0, 0, 1};
 };
 
-class Circle : public MxDbEntity {
+class Circle : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     MxGePoint3d center;
@@ -67,16 +80,18 @@ public:
     MxGeVector3d normal{0, 0, 1};
 };
 
-class Arc : public MxDbEntity {
+class Arc : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     MxGePoint3d center;
     double radius = 0.0, thickness = 0.0;
     double startAngle = 0.0, endAngle = 0.0; ///< radians, counter-clockwise from start to end
     MxGeVector3d normal{0, 0, 1};
+    /// Greater than 0; ends that fall together are a full turn.
+    double sweep() const;
 };
 
-class LwPolyline : public MxDbEntity {
+class LwPolyline : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     std::vector<MxGiPolylineVertex> vertices; ///< widths -1: the constant width
@@ -86,7 +101,7 @@ public:
     MxGeVector3d normal{0, 0, 1};
 };
 
-class Text : public MxDbEntity {
+class Text : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     MxGePoint3d position, alignment;
@@ -97,7 +112,7 @@ public:
     MxGeVector3d normal{0, 0, 1};
 };
 
-class Insert : public MxDbEntity {
+class Insert : public DrawnEntity {
 public:
     MERIX_ENTITY_OPERATIONS
     MxDbObjectId block;

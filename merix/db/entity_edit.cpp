@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 // What a hand does to an entity: transform, grips, snap points, highlight. The entity kinds say how.
-#include "host/db/entity.h"
+#include "merix/db/entity_edit.h"
+
 #include "merix/db/database_imp.h"
+#include "merix/db/draw.h"
+#include "merix/ge/planar_map.h"
 
 using merix::db::ObjectStub;
 
+Mx::ErrorStatus merix::db::DrawnEntity::subGetGeomExtents(MxDbExtents& extents) const {
+    extents = drawnExtents(*this);
+    return Mx::eOk;
+}
+
 Mx::ErrorStatus MxDbEntity::transformBy(const MxGeMatrix3d& map) {
-    return subTransformBy(map);
+    return merix::ge::isInvertible(map) ? subTransformBy(map) : Mx::eInvalidInput;
 }
 
 Mx::ErrorStatus MxDbEntity::getGripPoints(std::vector<MxGePoint3d>& grips) const {
@@ -63,7 +71,11 @@ Mx::ErrorStatus MxDbEntity::subGetOsnapPoints(MxDbOsnapMode, const MxGePoint3d&,
                                               std::vector<MxGePoint3d>&) const {
     return Mx::eNotApplicable;
 }
-Mx::ErrorStatus MxDbEntity::subGetOsnapPoints(MxDbOsnapMode, const MxGePoint3d&, const MxGePoint3d&,
-                                              std::vector<MxGePoint3d>&, const MxGeMatrix3d&) const {
-    return Mx::eNotApplicable;
+Mx::ErrorStatus MxDbEntity::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d& pick, const MxGePoint3d& last,
+                                              std::vector<MxGePoint3d>& points, const MxGeMatrix3d& insertion) const {
+    std::vector<MxGePoint3d> own;
+    const auto status = subGetOsnapPoints(mode, pick, last, own);
+    for (const MxGePoint3d& point : own)
+        points.push_back(insertion * point);
+    return status;
 }

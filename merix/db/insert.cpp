@@ -4,7 +4,9 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_edit.h"
 #include "merix/ge/ocs.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 #include <algorithm>
@@ -35,8 +37,51 @@ bool Insert::subWorldDraw(MxGiWorldDraw* draw) {
     return true;
 }
 
-Mx::ErrorStatus Insert::subGetGeomExtents(MxDbExtents& extents) const {
-    extents = drawnExtents(*this);
+Mx::ErrorStatus Insert::subTransformBy(const MxGeMatrix3d& map) {
+    const auto planar = ge::PlanarMap::of(map, normal);
+    if (!planar)
+        return Mx::eCannotScaleNonUniformly;
+    const MxGeVector3d before(std::cos(rotation), std::sin(rotation), 0.0);
+    MxGeVector3d along = *planar * before;
+    const MxGeVector3d across = *planar * MxGeVector3d(-before.y, before.x, 0.0), up = *planar * MxGeVector3d::kZAxis;
+    // The three axes of the block must stay square to each other; their scales take up the rest.
+    constexpr double kNear = 1e-9;
+    if (std::fabs(along.dot(across)) > kNear * along.length() * across.length() ||
+        std::hypot(up.x, up.y) > kNear * up.length())
+        return Mx::eCannotScaleNonUniformly;
+    assertWriteEnabled();
+    position = *planar * position;
+    normal = planar->normal();
+    double stretch = along.length();
+    if (planar->isReversed() && along.dot(before) < -kNear * stretch) {
+        // Mirrored in its own x axis, the block need not be turned over.
+        along *= -1.0;
+        stretch = -stretch;
+    }
+    const double rise = (along.x * across.y - along.y * across.x) / along.length();
+    rotation = std::atan2(along.y, along.x);
+    if (rotation < 0.0)
+        rotation += 2 * kPi;
+    scaleX *= stretch;
+    columnSpacing *= stretch;
+    scaleY *= rise;
+    rowSpacing *= rise;
+    scaleZ *= up.z;
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Insert::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    grips.push_back(ge::ocsToWorld(normal) * position);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Insert::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    return movesGrip(indices, 0) ? subTransformBy(MxGeMatrix3d::translation(offset)) : Mx::eOk;
+}
+
+Mx::ErrorStatus Insert::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                          std::vector<MxGePoint3d>& points) const {
+    SnapPoints(mode, points).add(MxDbOsnapMode::kInsertion, ge::ocsToWorld(normal) * position);
     return Mx::eOk;
 }
 

@@ -3,6 +3,8 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_edit.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 namespace merix::db {
@@ -15,8 +17,40 @@ bool Line::subWorldDraw(MxGiWorldDraw* draw) {
     return true;
 }
 
-Mx::ErrorStatus Line::subGetGeomExtents(MxDbExtents& extents) const {
-    extents = drawnExtents(*this);
+Mx::ErrorStatus Line::subTransformBy(const MxGeMatrix3d& map) {
+    assertWriteEnabled();
+    start = map * start;
+    end = map * end;
+    // The thickness is a way along the normal and goes where the map takes it.
+    const MxGeVector3d up = map * normal;
+    const double before = normal.length();
+    if (before > 0.0)
+        thickness *= up.length() / before;
+    normal = ge::unit(up);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Line::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    grips.insert(grips.end(), {start, end, middle(start, end)});
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Line::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    assertWriteEnabled();
+    const bool whole = movesGrip(indices, 2);
+    if (whole || movesGrip(indices, 0))
+        start = start + offset;
+    if (whole || movesGrip(indices, 1))
+        end = end + offset;
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Line::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                        std::vector<MxGePoint3d>& points) const {
+    const SnapPoints snap(mode, points);
+    snap.add(MxDbOsnapMode::kEnd, start);
+    snap.add(MxDbOsnapMode::kEnd, end);
+    snap.add(MxDbOsnapMode::kMid, middle(start, end));
     return Mx::eOk;
 }
 

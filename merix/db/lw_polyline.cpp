@@ -3,8 +3,11 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_edit.h"
 #include "merix/db/placed_geometry.h"
+#include "merix/ge/curve.h"
 #include "merix/ge/ocs.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 namespace merix::db {
@@ -41,8 +44,84 @@ bool LwPolyline::subWorldDraw(MxGiWorldDraw* draw) {
     return true;
 }
 
-Mx::ErrorStatus LwPolyline::subGetGeomExtents(MxDbExtents& extents) const {
-    extents = drawnExtents(*this);
+namespace {
+
+bool hasArcsOrWidths(const LwPolyline& polyline) {
+    return polyline.constantWidth != 0.0 ||
+           std::any_of(polyline.vertices.begin(), polyline.vertices.end(), [](const MxGiPolylineVertex& vertex) {
+               return vertex.bulge != 0.0 || vertex.startWidth > 0.0 || vertex.endWidth > 0.0;
+           });
+}
+
+} // namespace
+
+Mx::ErrorStatus LwPolyline::subTransformBy(const MxGeMatrix3d& map) {
+    const auto planar = ge::PlanarMap::of(map, normal);
+    double thick = thickness;
+    if (!planar || !planar->thicken(thick) || (!planar->isSimilar() && hasArcsOrWidths(*this)))
+        return Mx::eCannotScaleNonUniformly;
+    assertWriteEnabled();
+    for (MxGiPolylineVertex& vertex : vertices) {
+        const MxGePoint3d moved = *planar * MxGePoint3d(vertex.point.x, vertex.point.y, elevation);
+        vertex.point = {moved.x, moved.y};
+        if (planar->isReversed())
+            vertex.bulge = -vertex.bulge;
+        for (double* width : {&vertex.startWidth, &vertex.endWidth}) {
+            if (*width > 0.0)
+                *width *= planar->scale();
+        }
+    }
+    constantWidth *= planar->scale();
+    elevation = (*planar * MxGePoint3d(0.0, 0.0, elevation)).z;
+    thickness = thick;
+    normal = planar->normal();
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus LwPolyline::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    for (const MxGiPolylineVertex& vertex : vertices)
+        grips.push_back(ocs * MxGePoint3d(vertex.point.x, vertex.point.y, elevation));
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus LwPolyline::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    const double x = ocs.x.dot(offset), y = ocs.y.dot(offset);
+    assertWriteEnabled();
+    std::vector<char> moved(vertices.size(), 0);
+    for (const int index : indices) {
+        if (index < 0 || static_cast<std::size_t>(index) >= vertices.size() || moved[static_cast<std::size_t>(index)])
+            continue;
+        moved[static_cast<std::size_t>(index)] = 1;
+        MxGePoint2d& point = vertices[static_cast<std::size_t>(index)].point;
+        point = {point.x + x, point.y + y};
+    }
+    // The vertices share one elevation, so off its plane the polyline moves as a whole or not at all.
+    if (!vertices.empty() && std::find(moved.begin(), moved.end(), 0) == moved.end())
+        elevation += ocs.z.dot(offset);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus LwPolyline::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                              std::vector<MxGePoint3d>& points) const {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    const auto placed = [&](const MxGePoint2d& p) { return ocs * MxGePoint3d(p.x, p.y, elevation); };
+    const SnapPoints snap(mode, points);
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const MxGiPolylineVertex& from = vertices[i];
+        snap.add(MxDbOsnapMode::kEnd, placed(from.point));
+        if (!closed && i + 1 == vertices.size())
+            break;
+        const MxGePoint2d& to = vertices[(i + 1) % vertices.size()].point;
+        if (from.bulge == 0.0 || from.point == to) {
+            snap.add(MxDbOsnapMode::kMid, placed({(from.point.x + to.x) / 2, (from.point.y + to.y) / 2}));
+            continue;
+        }
+        const ge::Curve arc = ge::curveOfBulge(from.point, to, from.bulge);
+        snap.add(MxDbOsnapMode::kMid, placed(arc.at(arc.start + arc.sweep / 2)));
+        snap.add(MxDbOsnapMode::kCenter, placed(arc.center));
+    }
     return Mx::eOk;
 }
 

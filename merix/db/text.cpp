@@ -4,7 +4,9 @@
 #include "merix/db/dwg_filer.h"
 #include "merix/db/dxf_fields.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_edit.h"
 #include "merix/ge/ocs.h"
+#include "merix/ge/planar_map.h"
 #include "merix/rx/class_registry.h"
 
 namespace merix::db {
@@ -87,8 +89,116 @@ bool Text::subWorldDraw(MxGiWorldDraw* draw) {
     return true;
 }
 
-Mx::ErrorStatus Text::subGetGeomExtents(MxDbExtents& extents) const {
-    extents = drawnExtents(*this);
+namespace {
+
+bool isAnchoredAtItsBegin(const Text& text) {
+    return text.horizontal == kLeft && text.vertical == kBaseline;
+}
+
+bool isBetweenPoints(const Text& text) {
+    return text.horizontal == kAligned || text.horizontal == kFit;
+}
+
+/// Mirrored along its base line: what was anchored at its left end is so at its right.
+void swapEnds(Text& text) {
+    if (isBetweenPoints(text)) {
+        std::swap(text.position, text.alignment);
+    } else if (text.horizontal == kLeft || text.horizontal == kRight) {
+        if (isAnchoredAtItsBegin(text))
+            text.alignment = text.position;
+        text.horizontal = text.horizontal == kLeft ? kRight : kLeft;
+    }
+}
+
+/// Mirrored across its base line: what stood on it hangs below it. `up` is the text's upright, in its plane.
+void hang(Text& text, const MxGeVector3d& up) {
+    const auto raise = [&up](MxGePoint3d& point, double by) {
+        point = point + MxGeVector3d(up.x * by, up.y * by, 0.0);
+    };
+    if (isBetweenPoints(text)) {
+        const double height = setText(text).height;
+        raise(text.position, -height);
+        raise(text.alignment, -height);
+        return;
+    }
+    if (text.horizontal == kMiddle || text.vertical == kVerticalMiddle)
+        return;
+    if (isAnchoredAtItsBegin(text))
+        text.alignment = text.position;
+    // There is no anchor as far above the letters as the bottom is below them.
+    if (text.vertical == kBottom)
+        raise(text.alignment, -text.height * kDescent);
+    text.vertical = text.vertical == kTop ? kBaseline : kTop;
+}
+
+} // namespace
+
+/// A text stays readable: mirrored, it fills the mirrored place with letters that run the right way.
+Mx::ErrorStatus Text::subTransformBy(const MxGeMatrix3d& map) {
+    const auto planar = ge::PlanarMap::of(map, normal);
+    double thick = thickness;
+    if (!planar || !planar->isSimilar() || !planar->thicken(thick))
+        return Mx::eCannotScaleNonUniformly;
+    assertWriteEnabled();
+    if (isBetweenPoints(*this) && alignment != position)
+        rotation = std::atan2(alignment.y - position.y, alignment.x - position.x);
+    const MxGeVector3d before(std::cos(rotation), std::sin(rotation), 0.0);
+    const bool anchoredAtBegin = isAnchoredAtItsBegin(*this);
+    position = *planar * position;
+    alignment = *planar * alignment;
+    MxGeVector3d along = *planar * before;
+    height *= planar->scale();
+    thickness = thick;
+    normal = planar->normal();
+    if (planar->isReversed()) {
+        // Turned about as little as can be; taken back the same way by the same map.
+        const bool turnsBack = along.dot(before) < -1e-9 * along.length();
+        if (turnsBack)
+            along *= -1.0;
+        along = ge::unit(along);
+        if (turnsBack)
+            swapEnds(*this);
+        else
+            hang(*this, {(generation & kUpsideDown ? 1.0 : -1.0) * along.y,
+                         generation & kUpsideDown ? -along.x : along.x, 0.0});
+    }
+    rotation = std::atan2(along.y, along.x);
+    if (rotation < 0.0)
+        rotation += 2 * kPi;
+    if (isAnchoredAtItsBegin(*this) && !anchoredAtBegin)
+        position = alignment;
+    else if (!isAnchoredAtItsBegin(*this) && !isBetweenPoints(*this))
+        position = setText(*this).begin;
+    return Mx::eOk;
+}
+
+/// The points that place the text: both ends of one set between points, else the anchor.
+Mx::ErrorStatus Text::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    if (isAnchoredAtItsBegin(*this) || isBetweenPoints(*this))
+        grips.push_back(ocs * position);
+    if (!isAnchoredAtItsBegin(*this))
+        grips.push_back(ocs * alignment);
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Text::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    const ge::Affine ocs = ge::ocsToWorld(normal);
+    const MxGeVector3d own(ocs.x.dot(offset), ocs.y.dot(offset), ocs.z.dot(offset));
+    assertWriteEnabled();
+    const bool between = isBetweenPoints(*this);
+    if (movesGrip(indices, 0))
+        position = position + own;
+    if (movesGrip(indices, between ? 1 : 0))
+        alignment = alignment + own;
+    return Mx::eOk;
+}
+
+Mx::ErrorStatus Text::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
+                                        std::vector<MxGePoint3d>& points) const {
+    SnapPoints(mode, points)
+        .add(MxDbOsnapMode::kInsertion,
+             ge::ocsToWorld(normal) * (isAnchoredAtItsBegin(*this) || isBetweenPoints(*this) ? position : alignment));
     return Mx::eOk;
 }
 

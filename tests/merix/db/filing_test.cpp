@@ -15,8 +15,8 @@ class Note final : public MxDbEntity {
 public:
     MxRxClass* isA() const override {
         static MxRxClass* const noteClass = newMxRxClass(
-            L"TestNote", L"MxDbEntity", 1, 0, 0, [] { return static_cast<MxRxObject*>(new Note); }, L"TESTNOTE",
-            L"Test");
+            L"FilingTestNote", L"MxDbEntity", 1, 0, 0, [] { return static_cast<MxRxObject*>(new Note); },
+            L"FILINGTESTNOTE", L"Test");
         return noteClass;
     }
     Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override {
