@@ -47,6 +47,8 @@ private:
     QString key(const QString& argument);
     QString wait(const QString& argument);
     QString shot(const QString& argument);
+    QString viewSize(const QString& argument);
+    QString viewShot(const QString& argument);
     QString open(const QString& argument);
     QString save(const QString& argument);
     QString close(const QString& argument);

@@ -19,6 +19,8 @@ namespace {
 constexpr int kTick = 20; ///< how often what lies under the cursor is looked at, milliseconds
 /// A script that waits longer has a slip of the pen in its number, milliseconds.
 constexpr int kLongestWait = 3600 * 1000;
+/// The side of a view, pixels.
+constexpr int kLargestView = 10000;
 
 QString noDrawing() {
     return QStringLiteral("no drawing is open");
@@ -93,6 +95,26 @@ QString Script::shot(const QString& argument) {
     if (picture.isNull())
         return QStringLiteral("there is no window");
     return writePicture(picture, argument);
+}
+
+/// The window is made so large that the drawing view gets that size: pictures of it then do not depend on what else
+/// the window shows.
+QString Script::viewSize(const QString& argument) {
+    const QStringList numbers = argument.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QSize wanted(numbers.value(0).toInt(), numbers.value(1).toInt());
+    if (numbers.size() != 2 || wanted.isEmpty() || wanted.width() > kLargestView || wanted.height() > kLargestView)
+        return QStringLiteral("a size is WIDTH HEIGHT in pixels, 1 to %1 each").arg(kLargestView);
+    m_window.resize(m_window.size() + wanted - m_window.view()->size());
+    drain();
+    const QSize got = m_window.view()->size();
+    return got == wanted ? QString()
+                         : QStringLiteral("the view is %1 by %2 instead").arg(got.width()).arg(got.height());
+}
+
+QString Script::viewShot(const QString& argument) {
+    if (argument.isEmpty())
+        return QStringLiteral("a file name is needed");
+    return writePicture(m_window.view()->grab().toImage().convertToFormat(QImage::Format_RGB32), argument);
 }
 
 QString Script::open(const QString& argument) {

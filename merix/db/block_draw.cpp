@@ -77,6 +77,22 @@ public:
         m_own = resolved(set, m_owner);
         apply();
     }
+    void setTrueColor(const MxCmEntityColor& color) override {
+        using Method = MxCmEntityColor::Method;
+        if (color.method != Method::kByColor)
+            return setColor(color.method == Method::kByLayer ? 256 : 0);
+        m_own.trueColor = static_cast<std::uint32_t>(color.red << 16 | color.green << 8 | color.blue);
+        m_own.hasTrueColor = true;
+        apply();
+    }
+    void setLineType(MxDbObjectId linetype) override {
+        if (linetype.isNull())
+            return;
+        EntityTraits set = m_own;
+        set.linetype = linetype;
+        m_own = resolved(set, m_owner);
+        apply();
+    }
     void setEntityTraits(const EntityTraits& inner) override {
         m_own = resolved(inner, m_owner);
         apply();

@@ -69,6 +69,7 @@ DisplayList GraphicsBuilder::build(MxDbEntity& entity) {
 
 void GraphicsBuilder::setEntityTraits(const db::EntityTraits& traits) {
     m_layer = record<db::LayerRecord>(traits.layer);
+    m_unseen = m_plot && m_layer && !m_layer->plottable;
     m_style = {};
     if (traits.hasTrueColor)
         setRgb(traits.trueColor);
@@ -145,7 +146,7 @@ void GraphicsBuilder::setLinetype(MxDbObjectId id) {
 // ---------------------------------------------------------------- geometry
 
 bool GraphicsBuilder::spend(std::size_t amount) {
-    if (amount > m_budget)
+    if (m_unseen || amount > m_budget)
         return false;
     m_budget -= amount;
     return true;

@@ -69,6 +69,7 @@ private:
     int m_weight = -1;
     double m_linetypeScale = 1.0; ///< the entity's own
     bool m_fill = false;
+    bool m_unseen = false; ///< on a layer that is not plotted, and this is a plot
     std::map<db::ObjectStub*, std::shared_ptr<const DashPattern>> m_dashes;
 };
 

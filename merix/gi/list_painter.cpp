@@ -80,7 +80,8 @@ ListPainter::~ListPainter() {
 }
 
 ListPainter::Pen ListPainter::penOf(const Style& style) const {
-    const double weight = m_options.lineWeights ? style.weight / 100.0 * kPixelsPerMillimetre : 0.0;
+    const bool isHeavy = m_options.lineWeights || m_options.plot;
+    const double weight = isHeavy ? style.weight / 100.0 * kPixelsPerMillimetre : 0.0;
     if (m_options.halo.isValid())
         return {m_options.halo.rgb(), std::max(1.0, weight * m_options.pixelRatio) + 2 * m_options.haloWidth};
     return {style.contrast ? m_contrast : style.rgb, std::max(1.0, weight * m_options.pixelRatio)};

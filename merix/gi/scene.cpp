@@ -32,6 +32,14 @@ Box boxOf(const MxDbExtents& e) {
     return {{e.minPoint().x, e.minPoint().y}, {e.maxPoint().x, e.maxPoint().y}};
 }
 
+/// Coordinates beyond are those of empty boxes.
+constexpr double kFarthest = 1e19;
+
+bool isPlace(const MxDbExtents& e) {
+    const auto near = [](const MxGePoint3d& p) { return std::abs(p.x) < kFarthest && std::abs(p.y) < kFarthest; };
+    return near(e.minPoint()) && near(e.maxPoint());
+}
+
 bool isFinite(const MxDbExtents& e) {
     return std::isfinite(e.minPoint().x + e.minPoint().y) && std::isfinite(e.maxPoint().x + e.maxPoint().y);
 }
@@ -121,7 +129,7 @@ struct Scene::Private {
     MxDbExtents toldBox(MxDbEntity& entity) const {
         MxDbExtents box;
         const db::ReadAccess readable(entity);
-        if (const auto status = entity.getGeomExtents(box); status != Mx::eOk || box.isEmpty() || !isFinite(box))
+        if (const auto status = entity.getGeomExtents(box); status != Mx::eOk || box.isEmpty() || !isPlace(box))
             return {};
         if (isOfModule(entity)) {
             const double margin = std::max(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y);
@@ -150,8 +158,11 @@ struct Scene::Private {
             slot.dirty = false;
             MxDbEntity* entity = entityOf(slot);
             space.setBox(i, entity ? toldBox(*entity) : MxDbExtents{});
-            if (!entity)
+            const bool isBoxDrawn = entity && slot.box.isEmpty() && isOfModule(*entity);
+            if (!entity || isBoxDrawn)
                 slot.list.reset();
+            if (isBoxDrawn)
+                listOf(space, i, *entity);
         }
         return &space;
     }
@@ -164,7 +175,7 @@ struct Scene::Private {
             space.slots[i].id = ids[i];
             space.slotOf[ids[i].stub()] = i;
             if (MxDbEntity* entity = entityOf(space.slots[i]))
-                space.slots[i].box = toldBox(*entity);
+                measure(space.slots[i], *entity);
             if (!space.slots[i].box.isEmpty())
                 entries.push_back({boxOf(space.slots[i].box), i});
         }
@@ -172,6 +183,16 @@ struct Scene::Private {
             space.index = Index(entries.begin(), entries.end());
         else
             space.index.insert(entries.begin(), entries.end());
+    }
+
+    /// The box of what a module's entity draws, when what it tells is no place in the drawing.
+    void measure(Slot& slot, MxDbEntity& entity) {
+        slot.box = toldBox(entity);
+        if (!slot.box.isEmpty() || !isOfModule(entity))
+            return;
+        slot.version = entity.data().graphicsVersion;
+        slot.list = std::make_unique<DisplayList>(builder.build(entity));
+        slot.box = slot.list->box;
     }
 
     /// The slot's list, made anew when it is stale.
@@ -227,7 +248,7 @@ void Scene::paint(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId
         MxDbEntity* entity = m->entityOf(space->slots[i]);
         if (!entity)
             continue;
-        if (options.plot && isOfModule(*entity)) {
+        if (options.plot) { // what is plotted may differ, and is looked at once
             lists.draw(m->plotter.build(*entity));
             continue;
         }

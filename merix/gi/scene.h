@@ -16,11 +16,13 @@ namespace merix::gi {
 
 struct PaintOptions {
     QColor background = QColor(33, 40, 48);
-    bool plot = false; ///< for paper or a file that is a plot: entities may leave themselves out
-    bool lineWeights = false;
-    double pixelRatio = 1.0;
-    QColor halo;            ///< when valid, everything is painted in this colour ...
-    double haloWidth = 0.0; ///< ... and this much wider to each side, pixels of the view
+    /// For paper or a file that is a plot: entities may leave themselves out, layers that are not plotted are left out,
+    /// and lines have their weights.
+    bool plot = false;
+    bool lineWeights = false; ///< on the screen too
+    double pixelRatio = 1.0;  ///< of 96 pixels an inch, by which line weights in millimetres become pixels
+    QColor halo;              ///< when valid, everything is painted in this colour ...
+    double haloWidth = 0.0;   ///< ... and this much wider to each side, pixels of the view
 };
 
 class Scene : public db::DatabaseListener {

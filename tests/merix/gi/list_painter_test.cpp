@@ -141,4 +141,32 @@ TEST_F(ListPainterTest, LettersAreFilledAndTinyOnesBecomeABar) {
     EXPECT_LT(qRed(bar), 255);
 }
 
+TEST_F(ListPainterTest, PlotsAlwaysHaveLineWeightsAndZeroIsTheThinnest) {
+    style.weight = 200;
+    const DisplayList line = points(Primitive::Kind::kStroke, {{0, 50}, {100, 50}});
+    PaintOptions plot;
+    plot.plot = true;
+    EXPECT_EQ(paint(line, plot).pixel(50, 47), kRed);
+    EXPECT_EQ(paint(line, plot).pixel(50, 45), kBackground);
+    plot.pixelRatio = 3; // three times as many pixels a millimetre
+    EXPECT_EQ(paint(line, plot).pixel(50, 40), kRed);
+    EXPECT_EQ(paint(line, plot).pixel(50, 35), kBackground);
+    style.weight = 0;
+    const DisplayList thin = points(Primitive::Kind::kStroke, {{0, 50}, {100, 50}});
+    EXPECT_EQ(paint(thin, plot).pixel(50, 50), kRed);
+    EXPECT_EQ(paint(thin, plot).pixel(50, 49), kBackground);
+    EXPECT_EQ(paint(thin, plot).pixel(50, 51), kBackground);
+}
+
+TEST_F(ListPainterTest, ALineTypeRunsOnAroundCorners) {
+    style.dashes = std::make_shared<DashPattern>(DashPattern{30, -20});
+    // Twenty units to the right, then up: the dash that begins on the first side ends ten up the second.
+    const QImage image = paint(points(Primitive::Kind::kStroke, {{20.5, 20.5}, {40.5, 20.5}, {40.5, 90.5}}));
+    const auto at = [&](int x, int y) { return image.pixel(x, 99 - y); };
+    EXPECT_EQ(at(35, 20), kRed);
+    EXPECT_EQ(at(40, 25), kRed);
+    EXPECT_EQ(at(40, 40), kBackground);
+    EXPECT_EQ(at(40, 60), kRed);
+}
+
 } // namespace

@@ -39,9 +39,11 @@ public:
         return true;
     }
     Mx::ErrorStatus subGetGeomExtents(MxDbExtents& extents) const override {
-        extents = {corner, corner + MxGeVector3d{size, size, 0}};
+        extents.addPoint(isPlaced ? corner : MxDbExtents().maxPoint());
+        extents.addPoint(extents.minPoint() + MxGeVector3d{size, size, 0});
         return Mx::eOk;
     }
+    bool isPlaced = true;
     MxGePoint3d corner{20.5, 20.5, 0};
     double size = 40;
     std::uint16_t color = 3;
@@ -305,6 +307,43 @@ TEST_F(SceneTest, EntitiesAppendedAfterAPictureAreDrawn) {
     paint();
     addLine({60.5, 0, 0}, {60.5, 100, 0}, 5);
     EXPECT_EQ(at(60, 50), kBlue);
+}
+
+TEST_F(SceneTest, AModulesEntityThatTellsNoPlaceIsSeenWhereItDrawsItself) {
+    auto* marker = new Marker;
+    marker->isPlaced = false;
+    add(marker, model(), 256);
+    EXPECT_EQ(at(40, 20), kGreen);
+    EXPECT_EQ(scene.extents(model()).maxPoint(), MxGePoint3d(60.5, 60.5, 0));
+    marker->corner = {30.5, 30.5, 0};
+    change<Marker>(marker->objectId(), [](Marker& m) { m.recordGraphicsModified(); });
+    EXPECT_EQ(at(50, 30), kGreen);
+    EXPECT_EQ(at(40, 20), kBackground);
+    // What is added later and what is only marked behave the same.
+    auto* later = new Marker;
+    later->isPlaced = false;
+    later->corner = {5.5, 5.5, 0};
+    add(later, model(), 256);
+    EXPECT_EQ(at(30, 5), kGreen);
+    scene.objectModified(*later);
+    EXPECT_EQ(at(30, 5), kGreen);
+}
+
+TEST_F(SceneTest, PlotsLeaveOutLayersThatAreNotPlotted) {
+    const MxDbObjectId hidden = addLayer(L"Construction lines");
+    change<db::LayerRecord>(hidden, [](db::LayerRecord& layer) { layer.plottable = false; });
+    auto* line = new db::Line;
+    line->start = {10.5, 0, 0};
+    line->end = {10.5, 100, 0};
+    db::traits(*line).layer = hidden;
+    add(line, model(), 1);
+    addLine({60.5, 0, 0}, {60.5, 100, 0}, 5);
+    gi::PaintOptions plot;
+    plot.plot = true;
+    const QImage paper = paint(plot);
+    EXPECT_EQ(paper.pixel(10, 50), kBackground);
+    EXPECT_EQ(paper.pixel(60, 50), kBlue);
+    EXPECT_EQ(at(10, 50), kRed);
 }
 
 } // namespace
