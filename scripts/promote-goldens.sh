@@ -8,7 +8,7 @@ results=$(cd "$1" && pwd)/golden
 shift
 (($#)) || mapfile -t names < <(cd "$results" && ls)
 for name in "${@:-${names[@]}}"; do
-    [[ -f $cases/$name/script.scr ]] || { printf 'There is no case %s\n' "$name" >&2; exit 1; }
+    [[ -d $cases/$name && -d $results/$name ]] || { printf 'Nothing came out of a case %s\n' "$name" >&2; exit 1; }
     for file in picture.png saved.dxf; do
         rm -f "$cases/$name/$file"
         [[ ! -f $results/$name/$file ]] || cp "$results/$name/$file" "$cases/$name/$file"
