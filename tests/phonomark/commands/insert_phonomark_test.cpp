@@ -1,14 +1,45 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/commands/command_group.h"
 
+#include "host/win/resources.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/dbutil/attachments.h"
 #include "phonomark/dbutil/system_info.h"
+#include "phonomark/registry/phonomark_manager.h"
 #include "phonomark/settings/profile.h"
 #include "tests/phonomark/module_fixture.h"
 
+#include <dlfcn.h>
+#include <pwd.h>
+#include <unistd.h>
+
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+
+namespace {
+
+/// What the machine and the user are called while a test says so.
+std::optional<std::string> g_machine, g_user;
+
+} // namespace
+
+// The host asks libc for these names; the program's own come first.
+extern "C" int gethostname(char* name, std::size_t size) noexcept {
+    if (!g_machine)
+        return reinterpret_cast<int (*)(char*, std::size_t)>(dlsym(RTLD_NEXT, "gethostname"))(name, size);
+    const std::size_t length = std::min(g_machine->size(), size - 1);
+    g_machine->copy(name, length);
+    name[length] = '\0';
+    return 0;
+}
+
+extern "C" int getpwuid_r(uid_t user, passwd* entry, char* buffer, std::size_t size, passwd** found) {
+    using Function = int (*)(uid_t, passwd*, char*, std::size_t, passwd**);
+    const int result = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "getpwuid_r"))(user, entry, buffer, size, found);
+    if (g_user && result == 0 && *found)
+        (*found)->pw_name = g_user->data();
+    return result;
+}
 
 namespace {
 
@@ -206,4 +237,74 @@ TEST_F(InsertTest, ANoteThatCannotBeAddedIsListedAsNothingAndTheSettingsAreWritt
     EXPECT_EQ(storedSpeaker(), L"Anna");
     EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 0);
     EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+}
+
+TEST_F(InsertTest, TheLoginNameIsTheSpeakerHoweverLongTheMachinesNameIs) {
+    for (const std::size_t machine : {1U, 15U, 64U, 254U}) {
+        for (const std::size_t user : {1U, 8U, 32U, 255U, 511U}) {
+            g_machine = std::string(machine, 'm');
+            g_user = std::string(user, 'u');
+            WriteProfileStringW(L"", L"Spokesman", L"");
+            run("PHONOMARK", {"10,20"});
+            EXPECT_EQ(speaker(), std::wstring(user, L'u')) << machine << ' ' << user;
+            livePhManager()->ErasePhonomark(listed()[0], &document());
+        }
+    }
+    g_machine = "machine";
+    g_user = std::string(512, 'u');
+    WriteProfileStringW(L"", L"Spokesman", L"");
+    run("PHONOMARK", {"10,20"});
+    EXPECT_EQ(speaker(), L"machine") << "a login name that does not fit leaves what was there";
+    g_machine.reset(), g_user.reset();
+}
+
+TEST_F(InsertTest, WithoutItsTextsTheCommandStillWorks) {
+    FreeLibrary(_hdllInstance);
+    _hdllInstance = nullptr;
+    WriteProfileStringW(L"", L"Spokesman", L"Anna");
+    printed();
+    run("PHONOMARK", {"Settings", "10,20"});
+    EXPECT_EQ(printed(), "\nCommand: PHONOMARK\nSettings\nA point is needed.\n10,20") << "there are no keywords";
+    EXPECT_EQ(only().position(), MxGePoint3d(10, 20, 0));
+    EXPECT_EQ(storedSpeaker(), L"Anna");
+}
+
+TEST_F(InsertTest, WithoutAWorkingDrawingNothingIsListedButNothing) {
+    const merix::db::WorkingDatabaseScope none(nullptr);
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna", "10,20"});
+    EXPECT_THAT(listed(), ::testing::ElementsAre(MxDbObjectId()));
+    EXPECT_EQ(storedSpeaker(), L"Anna");
+    EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+}
+
+namespace {
+
+/// Runs the command while another prompt waits, so that none of its own can be shown.
+class InsertsMeanwhile : public merix::ed::InputSource {
+public:
+    InsertsMeanwhile() { merix::ed::Prompter::instance().setSource(this); }
+    ~InsertsMeanwhile() override { merix::ed::Prompter::instance().setSource(nullptr); }
+    bool feed() override {
+        PhonomarkCmdGroup::cmdInsertPhonomark();
+        merix::ed::Prompter::instance().cancel();
+        return true;
+    }
+};
+
+} // namespace
+
+TEST_F(InsertTest, APromptThatFailsMakesANoteWithoutAPlace) {
+    for (const int type : {0, 1}) {
+        WriteProfileInt(L"", L"VoiceType", type);
+        {
+            const InsertsMeanwhile source;
+            MxGePoint3d point;
+            EXPECT_EQ(mxedGetPoint(nullptr, L"outer", point), kInputCancel);
+        }
+        EXPECT_EQ(only().getPhonomarkType(), type);
+        EXPECT_EQ(only().position(), MxGePoint3d());
+        EXPECT_TRUE(only().extents().isEmpty());
+        EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), type);
+        livePhManager()->ErasePhonomark(listed()[0], &document());
+    }
 }

@@ -465,3 +465,176 @@ TEST_F(FilingTest, AGroupThatTheReaderCannotReadKeepsItsOwnMessage) {
     EXPECT_EQ(result.message, L"group 310 holds no hexadecimal bytes");
     EXPECT_EQ(after.extents().minPoint(), MxGePoint3d(4, 0, 0));
 }
+
+namespace {
+
+/// Accepts this many items and refuses the next; counts what it is asked to write afterwards.
+class FailingDwgWriter : public DwgWriter {
+public:
+    FailingDwgWriter(MxDbDatabase* database, std::size_t accepted)
+        : DwgWriter(MxDbFilerType::kFile, database)
+        , m_left(accepted) {}
+    Mx::ErrorStatus filerStatus() const override { return m_failed ? Mx::eFileUnwritable : DwgWriter::filerStatus(); }
+    Mx::ErrorStatus writeBool(bool value) override { return fails() ? refuse() : DwgWriter::writeBool(value); }
+    Mx::ErrorStatus writeInt16(std::int16_t value) override {
+        return fails() ? refuse() : DwgWriter::writeInt16(value);
+    }
+    Mx::ErrorStatus writeUInt16(std::uint16_t value) override {
+        return fails() ? refuse() : DwgWriter::writeUInt16(value);
+    }
+    Mx::ErrorStatus writeUInt32(std::uint32_t value) override {
+        return fails() ? refuse() : DwgWriter::writeUInt32(value);
+    }
+    Mx::ErrorStatus writeDouble(double value) override { return fails() ? refuse() : DwgWriter::writeDouble(value); }
+    Mx::ErrorStatus writePoint3d(const MxGePoint3d& value) override {
+        return fails() ? refuse() : DwgWriter::writePoint3d(value);
+    }
+    Mx::ErrorStatus writeString(const wchar_t* value) override {
+        return fails() ? refuse() : DwgWriter::writeString(value);
+    }
+    Mx::ErrorStatus writeBytes(const void* bytes, std::size_t count) override {
+        return fails() ? refuse() : DwgWriter::writeBytes(bytes, count);
+    }
+    Mx::ErrorStatus writeSoftPointerId(const MxDbObjectId& id) override {
+        return fails() ? refuse() : DwgWriter::writeSoftPointerId(id);
+    }
+    Mx::ErrorStatus writeHardPointerId(const MxDbObjectId& id) override {
+        return fails() ? refuse() : DwgWriter::writeHardPointerId(id);
+    }
+    int askedAfterwards() const { return m_after; }
+
+private:
+    bool fails() {
+        m_after += m_failed ? 1 : 0;
+        m_failed = m_failed || m_left == 0;
+        m_left -= m_failed ? 0 : 1;
+        return m_failed;
+    }
+    static Mx::ErrorStatus refuse() { return Mx::eFileUnwritable; }
+
+    std::size_t m_left;
+    bool m_failed = false;
+    int m_after = 0;
+};
+
+class FailingDxfWriter : public DxfOutFiler {
+public:
+    FailingDxfWriter(MxDbDatabase& database, const merix::io::DxfEncoding& encoding, int code)
+        : DxfOutFiler(database, encoding)
+        , m_code(code) {}
+    Mx::ErrorStatus filerStatus() const override { return m_failed ? Mx::eFileUnwritable : DxfOutFiler::filerStatus(); }
+    Mx::ErrorStatus writeString(int code, const wchar_t* value) override {
+        return fails(code, value) ? Mx::eFileUnwritable : DxfOutFiler::writeString(code, value);
+    }
+    Mx::ErrorStatus writeBool(int code, bool value) override {
+        return fails(code) ? Mx::eFileUnwritable : DxfOutFiler::writeBool(code, value);
+    }
+    Mx::ErrorStatus writeInt16(int code, std::int16_t value) override {
+        return fails(code) ? Mx::eFileUnwritable : DxfOutFiler::writeInt16(code, value);
+    }
+    Mx::ErrorStatus writeInt32(int code, std::int32_t value) override {
+        return fails(code) ? Mx::eFileUnwritable : DxfOutFiler::writeInt32(code, value);
+    }
+    int askedAfterwards() const { return m_after; }
+
+private:
+    bool fails(int code, const wchar_t* value = L"") {
+        m_after += m_failed ? 1 : 0;
+        // Of the subclass markers the note's own is meant.
+        m_failed = m_failed || (code == m_code && (code != 100 || std::wcscmp(value, L"MxDbPhonomark") == 0));
+        return m_failed;
+    }
+
+    int m_code;
+    bool m_failed = false;
+    int m_after = 0;
+};
+
+} // namespace
+
+TEST_F(FilingTest, AWriterThatFailsGivesItsStatusWhicheverItemItIs) {
+    MxDbPhonomark recorded;
+    fill(recorded);
+    RecordingWriter counted(MxDbFilerType::kFile, &database());
+    FailingDwgWriter base(&database(), 1'000'000);
+    recorded.MxDbEntity::dwgOutFields(&base);
+    const std::size_t own = 16;
+    // The base's items are those that fail before the version is asked for.
+    std::size_t first = 0;
+    while (true) {
+        FailingDwgWriter filer(&database(), first);
+        if (recorded.MxDbEntity::dwgOutFields(&filer) == Mx::eOk)
+            break;
+        EXPECT_EQ(recorded.dwgOutFields(&filer), Mx::eFileUnwritable) << first;
+        ++first;
+    }
+    ASSERT_GT(first, 5U);
+    for (std::size_t item = 0; item < own; ++item) {
+        FailingDwgWriter filer(&database(), first + item);
+        EXPECT_EQ(recorded.dwgOutFields(&filer), Mx::eFileUnwritable) << item;
+        EXPECT_EQ(filer.askedAfterwards(), item == 0 ? 0 : static_cast<int>(own - 1 - item))
+            << "behind the version, which alone is checked";
+    }
+    FailingDwgWriter whole(&database(), first + own);
+    EXPECT_EQ(recorded.dwgOutFields(&whole), Mx::eOk);
+}
+
+TEST_F(FilingTest, ADxfWriterThatFailsGivesItsStatusAndNothingFollowsMarkerOrVersion) {
+    MxDbPhonomark recorded;
+    fill(recorded);
+    for (const int code : {8, 100, 90, 70, 290, 71, 75, 93, 1, 2, 3}) {
+        FailingDxfWriter filer(database(), m_encoding, code);
+        EXPECT_EQ(recorded.dxfOutFields(&filer), Mx::eFileUnwritable) << code;
+        if (code == 100 || code == 90) {
+            EXPECT_EQ(filer.askedAfterwards(), 0) << code;
+        }
+    }
+}
+
+TEST_F(FilingTest, AnItemOfAnotherTypeGivesTheFilersStatus) {
+    MxDbPhonomark after;
+    DwgWriter writer(MxDbFilerType::kFile, &database());
+    after.MxDbEntity::dwgOutFields(&writer);
+    writer.writeUInt32(1);
+    writer.writeString(L"where the type should stand");
+    EXPECT_EQ(readDwg(after, writer.take()), Mx::eItemType);
+    DwgWriter noVersion(MxDbFilerType::kFile, &database());
+    after.MxDbEntity::dwgOutFields(&noVersion);
+    noVersion.writeInt16(1);
+    EXPECT_EQ(readDwg(after, noVersion.take()), Mx::eItemType);
+}
+
+TEST_F(FilingTest, TheExtraBytesThatAFormatAnnouncesAreNotFiled) {
+    MxDbPhonomark before, after;
+    fill(before, 5);
+    tWAVEFORMATEX format;
+    before.getWaveFormat(format);
+    ASSERT_EQ(format.cbSize, 9);
+    EXPECT_THAT(items(before), ::testing::IsSupersetOf({"UInt16 9", "UInt32 5", "Bytes 5"}));
+    EXPECT_EQ(readDwg(after, dwg(before)), Mx::eOk);
+    EXPECT_EQ(after.getAudioDataSize(), 5U);
+}
+
+TEST_F(FilingTest, HandlesNameObjectsOfTheWorkingDrawing) {
+    MxDbPhonomark before, binary, text;
+    before.setPhonomarkType(kObjectNote);
+    before.setAttachObj(addLine());
+    const std::string stream = dwg(before);
+    const auto tags = dxf(before);
+    MxDbDatabase other;
+    const merix::db::WorkingDatabaseScope working(&other);
+    ASSERT_EQ(readDwg(binary, stream), Mx::eOk);
+    ASSERT_EQ(readDxf(text, tags).status, Mx::eOk);
+    for (const MxDbPhonomark* note : {&binary, &text}) {
+        EXPECT_EQ(note->attachObj().database(), &other);
+        EXPECT_EQ(note->attachObj().handle(), before.attachObj().handle());
+        EXPECT_TRUE(note->extents().isEmpty()) << "there is no such object: the extents stay as they are";
+    }
+}
+
+TEST_F(FilingTest, TheLastAnnouncementCountsAndChunksBeginAnew) {
+    MxDbPhonomark after;
+    EXPECT_EQ(readDxf(after, note1({{93, "3"}, {310, "010203"}, {93, "2"}, {310, "0405"}})).status, Mx::eOk);
+    ASSERT_EQ(after.getAudioDataSize(), 2U);
+    EXPECT_EQ(std::memcmp(after.getAudioData(), "\4\5\0", 3), 0);
+}

@@ -73,6 +73,25 @@ TEST_F(PsReactorTest, WithoutItsSubclassMarkerARecordIsRefused) {
     EXPECT_TRUE(after.noteId().isNull());
 }
 
+TEST_F(PsReactorTest, WhatCannotBeReadGivesTheFilersStatus) {
+    PhonomarkPsReactor after;
+    EXPECT_EQ(readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}, {310, "no bytes"}}), 51);
+    EXPECT_EQ(readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}}), Mx::eOk);
+    EXPECT_EQ(readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}, {70, "1"}}), Mx::eOk);
+    merix::db::DwgReader reader({}, MxDbFilerType::kFile, &database());
+    EXPECT_EQ(after.dwgInFields(&reader), Mx::eEndOfStream);
+}
+
+TEST_F(PsReactorTest, TheBinaryFormIsOneReferenceBehindTheBase) {
+    PhonomarkPsReactor reactor;
+    reactor.setNoteId(addNote());
+    merix::db::DwgWriter base(MxDbFilerType::kFile, &database()), whole(MxDbFilerType::kFile, &database());
+    reactor.MxDbObject::dwgOutFields(&base);
+    reactor.dwgOutFields(&whole);
+    base.writeSoftPointerId(reactor.noteId());
+    EXPECT_EQ(whole.take(), base.take());
+}
+
 TEST_F(PsReactorTest, TheLastOfSeveralNotesWins) {
     PhonomarkPsReactor after;
     readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}, {330, "F002"}, {90, "1"}, {330, "F003"}});

@@ -115,6 +115,35 @@ TEST_F(AttachmentTest, AnObjectThatIsOpenIsNotDetachedFrom) {
     EXPECT_TRUE(detach());
 }
 
+TEST_F(AttachmentTest, AReactorThatIsOpenStaysAlthoughTheObjectNoLongerListsIt) {
+    ASSERT_TRUE(attach());
+    const MxDbObjectId id = reactorInNote();
+    PhonomarkPsReactor* reactor = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reactor, id, Mx::kForRead), Mx::eOk);
+    EXPECT_FALSE(detach());
+    reactor->close();
+    EXPECT_TRUE(onLine().empty());
+    EXPECT_EQ(reactorInNote(), id);
+    EXPECT_TRUE(detach()) << "the rest is done when asked again";
+}
+
+TEST_F(AttachmentTest, ANoteWithoutTheKeyOrOfAnErasedObjectIsNotDetached) {
+    MxDbPhonomark* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, m_note, Mx::kForWrite), Mx::eOk);
+    EXPECT_FALSE(livePhManager()->delNotifier(open, m_line)) << "no dictionary";
+    open->createExtensionDictionary();
+    EXPECT_FALSE(livePhManager()->delNotifier(open, m_line)) << "no entry";
+    EXPECT_FALSE(open->extensionDictionary().isNull());
+    open->close();
+    ASSERT_TRUE(attach());
+    MxDbEntity* line = nullptr;
+    ASSERT_EQ(mxdbOpenObject(line, m_line, Mx::kForWrite), Mx::eOk);
+    line->erase();
+    line->close();
+    EXPECT_FALSE(detach());
+    EXPECT_FALSE(reactorInNote().isNull());
+}
+
 TEST_F(AttachmentTest, ErasingTheNoteDetachesItAndUndoAttachesItAgain) {
     ASSERT_TRUE(attach());
     const MxDbObjectId reactor = reactorInNote();
