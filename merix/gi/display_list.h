@@ -26,11 +26,18 @@ struct Style {
 };
 
 struct Primitive {
-    enum class Kind : std::uint8_t { kStroke, kCurve, kFill, kText };
+    enum class Kind : std::uint8_t { kStroke, kCurve, kFill, kText, kBand };
     Kind kind;
     std::uint16_t style;
-    std::uint32_t first;     ///< in points (stroke, fill), curves or texts
+    std::uint32_t first;     ///< in points (stroke, fill), curves, texts or bands
     std::uint32_t count = 1; ///< of points
+};
+
+/// A line with a width of its own, world units. Where it is thinner than a pixel it is drawn as a thin line.
+struct Band {
+    std::uint32_t outline, outlineCount; ///< in points: a ring
+    std::uint32_t middle, middleCount;   ///< in points: a chain
+    double width;                        ///< the largest
 };
 
 struct PlacedText {
@@ -44,6 +51,7 @@ struct DisplayList {
     std::vector<MxGePoint2d> points;
     std::vector<ge::Curve> curves;
     std::vector<PlacedText> texts;
+    std::vector<Band> bands;
     MxDbExtents box; ///< of everything, z 0
 };
 

@@ -163,18 +163,26 @@ std::uint16_t GraphicsBuilder::styleIndex() {
     return static_cast<std::uint16_t>(styles.size() - 1);
 }
 
-void GraphicsBuilder::addPoints(Primitive::Kind kind, const std::vector<MxGePoint2d>& points) {
+/// Puts the points into the list; false when they are too many or beyond all measure.
+bool GraphicsBuilder::keep(const std::vector<MxGePoint2d>& points, std::uint32_t& first, std::uint32_t& count) {
     if (points.empty() || !spend(points.size()))
-        return;
+        return false;
     for (const MxGePoint2d& p : points)
         if (!std::isfinite(p.x) || !std::isfinite(p.y))
-            return;
-    m_list.primitives.push_back({kind, styleIndex(), static_cast<std::uint32_t>(m_list.points.size()),
-                                 static_cast<std::uint32_t>(points.size())});
+            return false;
+    first = static_cast<std::uint32_t>(m_list.points.size());
+    count = static_cast<std::uint32_t>(points.size());
     for (const MxGePoint2d& p : points) {
         m_list.points.push_back(p);
         m_list.box.addPoint({p.x, p.y, 0});
     }
+    return true;
+}
+
+void GraphicsBuilder::addPoints(Primitive::Kind kind, const std::vector<MxGePoint2d>& points) {
+    std::uint32_t first = 0, count = 0;
+    if (keep(points, first, count))
+        m_list.primitives.push_back({kind, styleIndex(), first, count});
 }
 
 void GraphicsBuilder::addCurve(const ge::Curve& curve) {
@@ -292,7 +300,18 @@ void GraphicsBuilder::addBand(const MxGiPolylineVertex* vertices, std::size_t co
             chain.push_back(
                 {points[k], w0 + (w1 - w0) * static_cast<double>(k) / static_cast<double>(points.size() - 1)});
     }
-    addPoints(Primitive::Kind::kFill, bandOutline(std::move(chain), closed));
+    Band band{0, 0, 0, 0, 0.0};
+    std::vector<MxGePoint2d> middle;
+    for (const BandPoint& p : chain) {
+        middle.push_back(p.point);
+        band.width = std::max(band.width, p.width);
+    }
+    const std::vector<MxGePoint2d> outline = bandOutline(std::move(chain), closed);
+    if (!keep(outline, band.outline, band.outlineCount) || !keep(middle, band.middle, band.middleCount))
+        return;
+    m_list.primitives.push_back(
+        {Primitive::Kind::kBand, styleIndex(), static_cast<std::uint32_t>(m_list.bands.size())});
+    m_list.bands.push_back(band);
 }
 
 void GraphicsBuilder::text(const MxGePoint3d& position, const MxGeVector3d& normal, const MxGeVector3d& direction,

@@ -33,6 +33,7 @@ private:
     bool spend(std::size_t amount);
     std::uint16_t styleIndex();
     void addFigure(Primitive::Kind kind, const MxGePoint3d* points, std::size_t count, bool closed);
+    bool keep(const std::vector<MxGePoint2d>& points, std::uint32_t& first, std::uint32_t& count);
     void addPoints(Primitive::Kind kind, const std::vector<MxGePoint2d>& points);
     void addCurve(const ge::Curve& curve);
     void addBand(const MxGiPolylineVertex* vertices, std::size_t count, bool closed);

@@ -81,6 +81,12 @@ bool touches(const DisplayList& list, const MxDbExtents& sought, double toleranc
             ge::flatten(list.curves[primitive.first], std::max(tolerance, 1e-12), &box.box, chords);
             hit = box.crossedBy(chords.data(), chords.size());
             break;
+        case Primitive::Kind::kBand: {
+            const Band& band = list.bands[primitive.first];
+            const MxGePoint2d* ring = list.points.data() + band.outline;
+            hit = box.crossedBy(ring, band.outlineCount) || box.coveredBy(ring, band.outlineCount);
+            break;
+        }
         case Primitive::Kind::kText:
             hit = touchesText(list.texts[primitive.first], box);
             break;

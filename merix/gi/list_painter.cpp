@@ -135,6 +135,9 @@ void ListPainter::draw(const DisplayList& list) {
         case Primitive::Kind::kFill:
             fill(points, primitive.count, penOf(style).rgb);
             break;
+        case Primitive::Kind::kBand:
+            band(list, list.bands[primitive.first], style);
+            break;
         case Primitive::Kind::kText:
             text(list.texts[primitive.first], penOf(style).rgb);
             break;
@@ -254,6 +257,19 @@ void ListPainter::fill(const MxGePoint2d* points, std::size_t count, QRgb rgb) {
     m_painter.setPen(haloPen());
     m_painter.setBrush(QColor::fromRgb(rgb));
     m_painter.drawPolygon(polygon, Qt::WindingFill);
+}
+
+void ListPainter::band(const DisplayList& list, const Band& band, const Style& style) {
+    if (band.width * m_scale >= 1.0)
+        return fill(list.points.data() + band.outline, band.outlineCount, penOf(style).rgb);
+    Style thin = style;
+    thin.weight = 0;
+    thin.dashes = nullptr;
+    setPen(penOf(thin));
+    if (band.middleCount > 2)
+        smoothChain(list.points.data() + band.middle, band.middleCount);
+    else
+        strokeChain(list.points.data() + band.middle, band.middleCount, thin);
 }
 
 void ListPainter::text(const PlacedText& text, QRgb rgb) {

@@ -38,6 +38,7 @@ private:
     QPen haloPen() const;
     void line(const MxGePoint2d& worldFrom, const MxGePoint2d& worldTo);
     void fill(const MxGePoint2d* points, std::size_t count, QRgb rgb);
+    void band(const DisplayList& list, const Band& band, const Style& style);
     void text(const PlacedText& text, QRgb rgb);
     QPointF toPixel(const MxGePoint2d& p) const {
         return {(p.x - m_view.center.x) * m_scale + m_view.width / 2,

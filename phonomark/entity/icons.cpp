@@ -46,32 +46,36 @@ void MarkerIcon::halfDisc(double x, double y, double radius, double startDirecti
 }
 
 void MarkerIcon::drawMicrophone() const {
-    // The head, a capsule.
-    halfDisc(8, 12, 2, 1);
-    constexpr std::array<Place, 4> head{{{6, 9}, {10, 9}, {10, 12}, {6, 12}}};
+    // The head, a capsule; its middle reaches a little into the round ends, so that no seam shows.
+    halfDisc(8, 11.5, 2.5, 1);
+    constexpr std::array<Place, 4> head{{{5.5, 8.75}, {10.5, 8.75}, {10.5, 11.75}, {5.5, 11.75}}};
     area(head.data(), head.size());
-    halfDisc(8, 9, 2, -1);
+    halfDisc(8, 9, 2.5, -1);
     // The cradle around it, the stem and the foot.
-    constexpr std::array<Place, 6> cradle{
-        {{4, 9, kQuarterArc}, {8, 5, kQuarterArc}, {12, 9}, {11, 9, -kQuarterArc}, {8, 6, -kQuarterArc}, {5, 9}}};
+    constexpr std::array<Place, 6> cradle{{{3.5, 9, kQuarterArc},
+                                           {8, 4.5, kQuarterArc},
+                                           {12.5, 9},
+                                           {11.5, 9, -kQuarterArc},
+                                           {8, 5.5, -kQuarterArc},
+                                           {4.5, 9}}};
     area(cradle.data(), cradle.size());
-    constexpr std::array<Place, 4> stem{{{7.5, 3}, {8.5, 3}, {8.5, 5.5}, {7.5, 5.5}}};
+    constexpr std::array<Place, 4> stem{{{7.5, 2.5}, {8.5, 2.5}, {8.5, 5}, {7.5, 5}}};
     area(stem.data(), stem.size());
     constexpr std::array<Place, 4> foot{{{5, 2}, {11, 2}, {11, 3}, {5, 3}}};
     area(foot.data(), foot.size());
 }
 
 void MarkerIcon::drawLoudspeaker() const {
-    constexpr std::array<Place, 6> box{{{2, 6}, {5, 6}, {8.5, 3}, {8.5, 13}, {5, 10}, {2, 10}}};
+    constexpr std::array<Place, 6> box{{{2, 6}, {4.5, 6}, {8, 3}, {8, 13}, {4.5, 10}, {2, 10}}};
     area(box.data(), box.size());
-    wave(2.0);
-    wave(4.5);
+    wave(2.5);
+    wave(5.5);
 }
 
-/// A quarter ring, one sixteenth thick, about the loudspeaker's mouth.
+/// A quarter ring, a little more than a sixteenth thick, about the loudspeaker's mouth.
 void MarkerIcon::wave(double inner) const {
-    constexpr double x = 9, y = 8;
-    const double near = inner * kHalfRoot, far = (inner + 1.0) * kHalfRoot;
+    constexpr double x = 7.25, y = 8, thickness = 1.25;
+    const double near = inner * kHalfRoot, far = (inner + thickness) * kHalfRoot;
     const std::array<Place, 4> ring{{{x + near, y + near},
                                      {x + far, y + far, -kQuarterArc},
                                      {x + far, y - far},
@@ -79,7 +83,7 @@ void MarkerIcon::wave(double inner) const {
     area(ring.data(), ring.size());
 }
 
-void MarkerIcon::drawFrame(bool doubled) const {
+void MarkerIcon::drawFrame(bool withCorners) const {
     constexpr std::array<Place, 8> rounded{{{1, 0},
                                             {15, 0, kQuarterArc},
                                             {16, 1},
@@ -89,8 +93,14 @@ void MarkerIcon::drawFrame(bool doubled) const {
                                             {0, 15},
                                             {0, 1, kQuarterArc}}};
     stroke(rounded.data(), rounded.size());
-    if (!doubled)
+    if (!withCorners)
         return;
-    const std::array inside{at(1, 1), at(15, 1), at(15, 15), at(1, 15), at(1, 1)};
-    m_geometry.worldLine(inside.data(), inside.size());
+    constexpr double low = 1, high = 15, arm = 2;
+    for (const double x : {low, high}) {
+        for (const double y : {low, high}) {
+            const double inX = x == low ? arm : -arm, inY = y == low ? arm : -arm;
+            const std::array corner{at(x + inX, y), at(x, y), at(x, y + inY)};
+            m_geometry.worldLine(corner.data(), corner.size());
+        }
+    }
 }

@@ -20,8 +20,8 @@ public:
     void drawMicrophone() const;
     /// A note that can be heard.
     void drawLoudspeaker() const;
-    /// The square's outline, a second one inside it when `doubled`.
-    void drawFrame(bool doubled) const;
+    /// The square's outline, with the corners of a second one inside it while the note shows its region.
+    void drawFrame(bool withCorners) const;
 
 private:
     /// A place in the square, in sixteenths, and the bulge of the way on to the next one.

@@ -158,6 +158,8 @@ public:
     virtual void DrawRegion(MxGiWorldDraw* draw);
     virtual Mx::ErrorStatus DrawObject(MxGiWorldDraw* draw);
     virtual void DrawTextW(MxGiWorldDraw* draw);
+    /// A light blue plate of the marker's size. subWorldDraw leaves it out: the grey icons stand out better from a dark
+    /// or light ground than from the plate.
     virtual void DrawBack(MxGiWorldDraw* draw);
     virtual void DrawImage(MxGiWorldDraw* draw);
     virtual void DrawLight(MxGiWorldDraw* draw);

@@ -173,10 +173,15 @@ TEST_F(GraphicsBuilderTest, AWidthThatShrinksToNothingIsATriangle) {
         geometry.pline(arrow, 2, false);
     });
     ASSERT_EQ(list.primitives.size(), 1u);
-    EXPECT_EQ(list.primitives[0].kind, Kind::kFill);
+    EXPECT_EQ(list.primitives[0].kind, Kind::kBand);
+    ASSERT_EQ(list.bands.size(), 1u);
+    const Band& band = list.bands[0];
+    EXPECT_EQ(band.width, 6);
+    EXPECT_EQ(band.middleCount, 2u);
     double twice = 0.0; // the area by the corners
-    for (std::size_t i = 0; i < list.points.size(); ++i) {
-        const MxGePoint2d &a = list.points[i], &b = list.points[(i + 1) % list.points.size()];
+    for (std::size_t i = 0; i < band.outlineCount; ++i) {
+        const MxGePoint2d &a = list.points[band.outline + i],
+                          &b = list.points[band.outline + (i + 1) % band.outlineCount];
         twice += a.x * b.y - b.x * a.y;
     }
     EXPECT_NEAR(std::abs(twice) / 2, 12, 1e-9);

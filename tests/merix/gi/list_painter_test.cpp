@@ -169,4 +169,20 @@ TEST_F(ListPainterTest, ALineTypeRunsOnAroundCorners) {
     EXPECT_EQ(at(40, 60), kRed);
 }
 
+TEST_F(ListPainterTest, ABandThinnerThanAPixelIsALineInFullColour) {
+    DisplayList list;
+    list.styles.push_back(style);
+    list.primitives.push_back({Primitive::Kind::kBand, 0, 0});
+    list.points = {{30.5, 9.9}, {30.5, 90.1}, {30.3, 10}, {30.7, 10}, {30.7, 90}, {30.3, 90}};
+    list.bands.push_back({2, 4, 0, 2, 0.4});
+    EXPECT_EQ(paint(list).pixel(30, 50), kRed);
+    EXPECT_EQ(paint(list).pixel(31, 50), kBackground);
+    // Ten times nearer it is as wide as it is.
+    view.unitsPerPixel = 0.1;
+    view.center = {30.5, 50};
+    EXPECT_EQ(paint(list).pixel(50, 50), kRed);
+    EXPECT_EQ(paint(list).pixel(51, 50), kRed);
+    EXPECT_EQ(paint(list).pixel(53, 50), kBackground);
+}
+
 } // namespace
