@@ -8,7 +8,8 @@ results=$(cd "$1" && pwd)/golden
 shift
 (($#)) || mapfile -t names < <(cd "$results" && ls)
 for name in "${@:-${names[@]}}"; do
-    [[ -d $cases/$name && -d $results/$name ]] || { printf 'Nothing came out of a case %s\n' "$name" >&2; exit 1; }
+    [[ -d $results/$name ]] || { printf 'Nothing came out of a case %s\n' "$name" >&2; exit 1; }
+    mkdir -p "$cases/$name"
     for file in picture.png saved.dxf; do
         rm -f "$cases/$name/$file"
         [[ ! -f $results/$name/$file ]] || cp "$results/$name/$file" "$cases/$name/$file"
