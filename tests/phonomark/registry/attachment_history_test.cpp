@@ -160,7 +160,8 @@ protected:
 
     /// Does one step; steps that make no sense now do nothing.
     ///   L erase the line      N erase the note as its tag window does    H erase it as any entity is
-    ///   M move the line's end A attach a new note to a line without one
+    ///   M move the line  G stretch it by a grip  O rotate it  C scale it
+    ///   A attach a new note to a line without one
     ///   U undo  R redo        T, B, S: save as text, binary, native, and read back
     void step(char what) {
         m_did += what;
@@ -177,9 +178,19 @@ protected:
             write<MxDbPhonomark>(livingNote(), [](MxDbPhonomark& note) { note.erase(); });
             break;
         case 'M':
-            write<Line>(m_line, [this](Line& line) {
-                line.assertWriteEnabled();
-                line.end.x += ++m_moves;
+            transform(MxGeMatrix3d::translation({1, 2, 0}));
+            break;
+        case 'O':
+            transform(MxGeMatrix3d::about({3, 4, 0}, MxGeMatrix3d::rotation(0.5)));
+            break;
+        case 'C':
+            transform(MxGeMatrix3d::about({3, 4, 0}, MxGeMatrix3d::scaling(1.5, 1.5, 1.5)));
+            break;
+        case 'G':
+            write<Line>(m_line, [](Line& line) {
+                std::vector<MxGePoint3d> grips;
+                EXPECT_EQ(line.getGripPoints(grips), Mx::eOk);
+                EXPECT_EQ(line.moveGripPointsAt({static_cast<int>(grips.size()) - 1}, {-2, 7, 0}), Mx::eOk);
             });
             break;
         case 'A':
@@ -237,6 +248,9 @@ private:
         change(*open);
         open->close();
     }
+    void transform(const MxGeMatrix3d& matrix) {
+        write<Line>(m_line, [&matrix](Line& line) { EXPECT_EQ(line.transformBy(matrix), Mx::eOk); });
+    }
     void save(char kind) {
         const std::string path =
             m_files.filePath(QString::fromLatin1(kind == 'S' ? "history.merix" : "history.dxf")).toStdString();
@@ -264,7 +278,6 @@ private:
     std::vector<std::string> m_states; ///< by number of units done
     std::size_t m_now = 0;
     std::string m_did;
-    int m_moves = 0;
     bool m_begun = false;
 };
 
@@ -318,7 +331,7 @@ TEST_F(AttachmentHistoryTest, LongRandomHistoriesKeepTheBondsWhole) {
     const auto seed = static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed());
     RecordProperty("seed", static_cast<int>(seed));
     std::mt19937 random(seed);
-    const std::string letters = "LNHMAAMUUUURRRTBS";
+    const std::string letters = "LNHMGOCAAMGUUUUURRRRTBS";
     for (int history = 0; history < 12 && !HasFailure(); ++history) {
         begin();
         for (int i = 0; i < 60 && !HasFailure(); ++i)
@@ -327,13 +340,27 @@ TEST_F(AttachmentHistoryTest, LongRandomHistoriesKeepTheBondsWhole) {
     EXPECT_FALSE(HasFailure()) << "seed " << seed;
 }
 
+TEST_F(AttachmentHistoryTest, ANoteFollowsItsObjectThroughEveryChangeOfPlace) {
+    for (const char kind : {'T', 'B', 'S'}) {
+        begin();
+        for (const char change : std::string("MGOCCGOM")) {
+            const std::string before = describe(database());
+            step(change);
+            EXPECT_NE(describe(database()), before) << change;
+            step(kind);
+        }
+        all("UUUUUUUURRRR");
+        step(kind);
+    }
+}
+
 TEST_F(AttachmentHistoryTest, ANoteOfAnErasedObjectStaysAndIsBoundAgainByUndo) {
     step('L');
     const MxDbObjectId id = listed()[0];
     EXPECT_FALSE(reactorOf(note(id)).isNull());
     all("TSU");
     step('M');
-    EXPECT_EQ(note(id).extents().maxPoint(), MxGePoint3d(11, 5, 0));
+    EXPECT_EQ(note(id).extents().maxPoint(), MxGePoint3d(11, 7, 0));
 }
 
 TEST_F(AttachmentHistoryTest, AnErasedNoteIsToldNothingAndFreesItsObject) {
@@ -341,6 +368,6 @@ TEST_F(AttachmentHistoryTest, AnErasedNoteIsToldNothingAndFreesItsObject) {
     step('A');
     ASSERT_EQ(listed().size(), 1U);
     step('M');
-    EXPECT_EQ(note(listed()[0]).extents().maxPoint(), MxGePoint3d(13, 5, 0));
+    EXPECT_EQ(note(listed()[0]).extents().maxPoint(), MxGePoint3d(12, 9, 0));
     all("SUUUUT");
 }
