@@ -57,7 +57,9 @@ CommandLine::CommandLine(QWidget* parent)
     m_history->setPlainText(ed::Console::instance().history().join(QLatin1Char('\n')));
     m_prompt->setFont(fixed);
     m_prompt->setTextFormat(Qt::RichText);
-    m_prompt->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+    m_prompt->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    m_prompt->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard with the entry
+    m_prompt->setAccessibleName(tr("Prompt"));
     m_entry->setFont(fixed);
     m_entry->setFrame(false);
     m_entry->setObjectName(QStringLiteral("commandEntry"));
@@ -88,6 +90,7 @@ CommandLine::CommandLine(QWidget* parent)
     connect(&console, &ed::Console::promptChanged, this, &CommandLine::showPrompt);
     connect(m_prompt, &QLabel::linkActivated, this, [this](const QString& keyword) {
         m_entry->clear();
+        m_entry->setFocus();
         submitLine(keyword);
     });
     showPrompt();
@@ -114,7 +117,40 @@ void CommandLine::type(QKeyEvent* event) {
 bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_entry && event->type() == QEvent::KeyPress)
         return handleKey(static_cast<QKeyEvent*>(event));
+    if (watched == m_entry && event->type() == QEvent::ShortcutOverride &&
+        isForDrawing(*static_cast<QKeyEvent*>(event))) {
+        event->ignore(); // the menu's shortcut gets it
+        return true;
+    }
     return QWidget::eventFilter(watched, event);
+}
+
+/// Editing keys are the entry's only while something stands in it; else they mean the drawing.
+bool CommandLine::isForDrawing(const QKeyEvent& event) const {
+    if (!m_entry->text().isEmpty())
+        return false;
+    if (event.matches(QKeySequence::Paste)) // into an answer
+        return !ed::Prompter::instance().isWaiting();
+    return event.matches(QKeySequence::Delete) || event.matches(QKeySequence::SelectAll) ||
+           event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut) || event.matches(QKeySequence::Undo) ||
+           event.matches(QKeySequence::Redo);
+}
+
+/// The rest of a command's name that has begun to be typed as far as all that fit agree.
+void CommandLine::completeName() {
+    const QString typed = m_entry->text();
+    QString common;
+    for (const QString& command : ed::CommandStack::instance().commands()) {
+        const QString name = command.section(QLatin1Char('.'), -1);
+        if (!name.startsWith(typed, Qt::CaseInsensitive))
+            continue;
+        if (common.isEmpty())
+            common = name;
+        while (!name.startsWith(common, Qt::CaseInsensitive))
+            common.chop(1);
+    }
+    if (common.size() > typed.size())
+        m_entry->setText(common);
 }
 
 bool CommandLine::handleKey(QKeyEvent* event) {
@@ -132,6 +168,11 @@ bool CommandLine::handleKey(QKeyEvent* event) {
         return true;
     case Qt::Key_Escape:
         escape();
+        return true;
+    case Qt::Key_Tab:
+        if (m_entry->text().isEmpty() || ed::Prompter::instance().isWaiting())
+            return false;
+        completeName();
         return true;
     case Qt::Key_Up:
         recall(-1);

@@ -30,6 +30,8 @@ Q_SIGNALS:
 
 private:
     bool handleKey(QKeyEvent* event);
+    bool isForDrawing(const QKeyEvent& event) const;
+    void completeName();
     void submit();
     void submitLine(const QString& line);
     void recall(int step);

@@ -3,6 +3,7 @@
 
 #include "merix/ed/command_stack.h"
 #include "merix/ed/prompter.h"
+#include "merix/ui/icons.h"
 #include "merix/ui/look.h"
 
 #include <QDockWidget>
@@ -18,6 +19,7 @@
 #include <QPointer>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace merix::ui {
@@ -28,6 +30,14 @@ MainWindow* g_window = nullptr;
 
 QKeySequence keys(const char* sequence) {
     return QKeySequence(QString::fromLatin1(sequence));
+}
+
+/// "GRIP_STRETCH" and "Grip stretch" are "Grip stretch" to a reader.
+QString readable(const std::wstring& unit) {
+    QString name = QString::fromStdWString(unit).replace(QLatin1Char('_'), QLatin1Char(' '));
+    if (name == name.toUpper())
+        name = name.left(1) + name.mid(1).toLower();
+    return name;
 }
 
 QString fileFilter() {
@@ -46,7 +56,12 @@ MainWindow::MainWindow() {
     buildStatusBar();
     connectDocuments();
     m_titles.setSingleShot(true);
-    connect(&m_titles, &QTimer::timeout, this, &MainWindow::showTitles);
+    connect(&m_titles, &QTimer::timeout, this, [this] {
+        showTitles();
+        showState();
+    });
+    // A command may have ended, and with it an undo step, a layer may be current.
+    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] { m_titles.start(0); });
     for (ap::Document* document : ap::DocManager::instance().all())
         addDocument(document);
     activated(current());
@@ -118,33 +133,66 @@ void MainWindow::buildCentre() {
     });
 }
 
-void MainWindow::buildMenus() {
-    const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& shortcut, bool needsDrawing,
-                            std::function<void()> act) {
-        QAction* action = menu->addAction(text);
-        action->setShortcut(shortcut);
-        connect(action, &QAction::triggered, this, [this, act] { whenIdle(act); });
-        if (needsDrawing)
-            m_drawingActions.append(action);
-        return action;
-    };
-    auto& manager = ap::DocManager::instance();
+QAction* MainWindow::addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, bool needsDrawing,
+                               Act act) {
+    QAction* action = menu->addAction(text);
+    action->setShortcut(shortcut);
+    connect(action, &QAction::triggered, this, [this, act] { whenIdle(act); });
+    if (needsDrawing)
+        m_drawingActions.append(action);
+    return action;
+}
+
+void MainWindow::buildFileMenu() {
     QMenu* file = menuBar()->addMenu(tr("&File"));
-    add(file, tr("&New"), QKeySequence::New, false, [&manager] { manager.create(); });
-    add(file, tr("&Open…"), QKeySequence::Open, false, [this] { openDialog(); });
+    const auto onBar = [this](QAction* action, const char* icon) {
+        action->setIcon(iconNamed(QLatin1String(icon)));
+        m_bar->addAction(action);
+    };
+    onBar(addAction(file, tr("&New"), QKeySequence::New, false, [] { ap::DocManager::instance().create(); }), "NEW");
+    onBar(addAction(file, tr("&Open…"), QKeySequence::Open, false, [this] { openDialog(); }), "OPEN");
     file->addSeparator();
-    add(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*current(), false); });
-    add(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*current(), true); });
+    onBar(addAction(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*current(), false); }), "SAVE");
+    addAction(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*current(), true); });
     file->addSeparator();
-    add(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*current()); });
-    add(file, tr("&Quit"), keys("Ctrl+Q"), false, [this] { close(); });
+    addAction(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*current()); });
+    addAction(file, tr("&Quit"), keys("Ctrl+Q"), false, [this] { close(); });
+}
 
+void MainWindow::buildEditMenu() {
+    auto& manager = ap::DocManager::instance();
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    add(edit, tr("&Undo"), QKeySequence::Undo, true, [this, &manager] { manager.undo(*current()); });
-    add(edit, tr("&Redo"), keys("Ctrl+Y"), true, [this, &manager] { manager.redo(*current()); });
+    m_undo = addAction(edit, tr("&Undo"), QKeySequence::Undo, true, [this, &manager] { manager.undo(*current()); });
+    m_redo = addAction(edit, tr("&Redo"), keys("Ctrl+Y"), true, [this, &manager] { manager.redo(*current()); });
+    m_bar->addSeparator();
+    for (const auto& [action, icon] : {std::pair{m_undo, "UNDO"}, {m_redo, "REDO"}}) {
+        action->setIcon(iconNamed(QLatin1String(icon)));
+        m_bar->addAction(action);
+    }
+    edit->addSeparator();
+    m_commands.fill("Edit", *edit, *m_bar);
+    edit->addSeparator();
+    addAction(edit, tr("Select &All"), QKeySequence::SelectAll, true, [this] { m_view->selectAll(); });
+}
 
-    QMenu* view = menuBar()->addMenu(tr("&View"));
-    add(view, tr("Zoom &Extents"), keys("Ctrl+0"), true, [this] { m_view->zoomExtents(); });
+void MainWindow::buildMenus() {
+    m_bar = new QToolBar(tr("Tools"));
+    m_bar->setObjectName(QStringLiteral("toolBar"));
+    m_bar->setMovable(false);
+    m_bar->setIconSize({20, 20});
+    m_bar->setFocusPolicy(Qt::NoFocus);
+    m_bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    addToolBar(m_bar);
+    buildFileMenu();
+    buildEditMenu();
+    for (const auto& [name, text] :
+         {std::pair{"View", tr("&View")}, {"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Insert", tr("&Insert")}})
+        m_commands.fill(name, *menuBar()->addMenu(text), *m_bar);
+    m_bar->addSeparator();
+    m_layerBox = new LayerBox;
+    m_bar->addWidget(m_layerBox);
+    // What a key or a button of the window was for, the next typing is for the command line.
+    connect(m_layerBox, qOverload<int>(&QComboBox::activated), this, [this] { m_commandLine->entry()->setFocus(); });
 }
 
 void MainWindow::buildStatusBar() {
@@ -220,6 +268,19 @@ void MainWindow::activated(ap::Document* document) {
         action->setEnabled(document);
     showTitles();
     showLayouts();
+    showState();
+}
+
+void MainWindow::showState() {
+    const ap::Document* document = current();
+    const db::UndoRecorder* undo = document ? &document->database()->imp().undo : nullptr;
+    const bool back = undo && undo->canUndo(), forth = undo && undo->canRedo();
+    m_undo->setEnabled(back);
+    m_redo->setEnabled(forth);
+    m_undo->setText(back ? tr("&Undo %1").arg(readable(undo->undoUnits().back().name)) : tr("&Undo"));
+    m_redo->setText(forth ? tr("&Redo %1").arg(readable(undo->redoUnits().back().name)) : tr("&Redo"));
+    m_layerBox->showLayers(current());
+    m_commands.refresh(document);
 }
 
 void MainWindow::showTitles() {

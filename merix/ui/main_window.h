@@ -3,8 +3,10 @@
 #pragma once
 
 #include "merix/ap/document_imp.h"
+#include "merix/ui/command_actions.h"
 #include "merix/ui/command_line.h"
 #include "merix/ui/drawing_view.h"
+#include "merix/ui/layer_box.h"
 
 #include <QMainWindow>
 
@@ -12,6 +14,7 @@
 
 class QLabel;
 class QTabBar;
+class QToolBar;
 
 namespace merix::ui {
 
@@ -44,6 +47,10 @@ protected:
 
 private:
     void buildMenus();
+    using Act = std::function<void()>;
+    QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, bool needsDrawing, Act act);
+    void buildFileMenu();
+    void buildEditMenu();
     void buildCentre();
     void buildStatusBar();
     void connectDocuments();
@@ -52,6 +59,8 @@ private:
     void activated(ap::Document* document);
     void showTitles();
     void showLayouts();
+    /// Undo, redo and the layers as they are in the drawing now.
+    void showState();
     void showCursor(const MxGePoint3d& world);
     void openDialog();
     void showFailure(const QString& message);
@@ -67,6 +76,11 @@ private:
     CommandLine* m_commandLine = nullptr;
     QLabel* m_coordinates = nullptr;
     QLabel* m_drawingName = nullptr;
+    QToolBar* m_bar = nullptr;
+    LayerBox* m_layerBox = nullptr;
+    CommandActions m_commands{this};
+    QAction* m_undo = nullptr;
+    QAction* m_redo = nullptr;
     QList<QAction*> m_drawingActions; ///< of use only while a drawing is open
     QTimer m_titles;
     bool m_unattended = false;

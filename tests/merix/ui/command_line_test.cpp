@@ -85,6 +85,46 @@ TEST_F(CommandLineTest, UpAndDownRecallWhatWasTyped) {
     EXPECT_TRUE(entry()->text().isEmpty());
 }
 
+TEST_F(CommandLineTest, TheTabulatorCompletesACommandsName) {
+    type(entry(), QStringLiteral("rege"));
+    key(entry(), Qt::Key_Tab);
+    EXPECT_EQ(entry()->text(), QStringLiteral("REGEN"));
+}
+
+TEST_F(CommandLineTest, KeywordsAreReachedByTheKeyboard) {
+    auto& prompter = ed::Prompter::instance();
+    prompter.init(0, QStringLiteral("Point Region _ Point Region"));
+    QString keyword;
+    QTimer::singleShot(0, &window, [&] {
+        auto* label = window.commandLine()->findChild<QLabel*>();
+        label->setFocus(Qt::TabFocusReason);
+        key(label, Qt::Key_Tab);
+        key(label, Qt::Key_Tab);
+        key(label, Qt::Key_Return, QStringLiteral("\r"));
+        if (prompter.isWaiting())
+            QTimer::singleShot(0, &window, [&] { prompter.cancel(); });
+    });
+    EXPECT_EQ(prompter.getKeyword(QStringLiteral("Type [Point/Region]: "), keyword), kInputNormal);
+    EXPECT_FALSE(keyword.isEmpty());
+}
+
+TEST_F(CommandLineTest, EditingKeysAreTheDrawingsWhileNothingIsTyped) {
+    const auto takenByEntry = [&](int code, Qt::KeyboardModifiers modifiers) {
+        QKeyEvent event(QEvent::ShortcutOverride, code, modifiers);
+        event.ignore();
+        QApplication::sendEvent(entry(), &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(takenByEntry(Qt::Key_A, Qt::ControlModifier));
+    EXPECT_FALSE(takenByEntry(Qt::Key_C, Qt::ControlModifier));
+    EXPECT_FALSE(takenByEntry(Qt::Key_V, Qt::ControlModifier));
+    EXPECT_FALSE(takenByEntry(Qt::Key_Delete, Qt::NoModifier));
+    entry()->setText(QStringLiteral("zoom"));
+    EXPECT_TRUE(takenByEntry(Qt::Key_A, Qt::ControlModifier));
+    EXPECT_TRUE(takenByEntry(Qt::Key_V, Qt::ControlModifier));
+    EXPECT_TRUE(takenByEntry(Qt::Key_Delete, Qt::NoModifier));
+}
+
 TEST_F(CommandLineTest, ACommandTypedRuns) {
     addLine({-900, 0, 0}, {900, 0, 0});
     type(entry(), QStringLiteral("zoom\n"));

@@ -3,6 +3,7 @@
 
 #include "tests/merix/ui/window_test.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStatusBar>
@@ -78,6 +79,26 @@ TEST_F(MainWindowTest, AFileThatCannotBeReadIsToldOfOnTheCommandLine) {
     EXPECT_FALSE(window.openFile(QStringLiteral("/nowhere/plan.dxf")));
     EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("/nowhere/plan.dxf")));
     EXPECT_EQ(drawingTabs()->count(), 1);
+}
+
+TEST_F(MainWindowTest, UndoAndRedoNameWhatTheyWouldDo) {
+    const auto entry = [&](const QString& text) {
+        const auto all = window.findChildren<QAction*>();
+        return std::find_if(all.begin(), all.end(), [&](const QAction* action) {
+                   return action->text() == text && action->isEnabled();
+               }) != all.end();
+    };
+    document->database()->imp().undo.clear();
+    document->database()->imp().undo.begin(L"GRIP_STRETCH");
+    addLine({0, 0, 0}, {1, 1, 0});
+    document->database()->imp().undo.end();
+    settle();
+    EXPECT_TRUE(entry(QStringLiteral("&Undo Grip stretch")));
+    EXPECT_FALSE(entry(QStringLiteral("&Redo Grip stretch")));
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+    settle();
+    EXPECT_FALSE(entry(QStringLiteral("&Undo Grip stretch")));
+    EXPECT_TRUE(entry(QStringLiteral("&Redo Grip stretch")));
 }
 
 TEST_F(MainWindowTest, ClosingTheWindowClosesTheDrawings) {

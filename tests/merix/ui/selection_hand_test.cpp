@@ -18,7 +18,7 @@ protected:
     }
     static const Ids& selected() { return ed::Selection::instance().ids(); }
     QPointF at(double x, double y) { return view().toWidget({x, y, 0}); }
-    QColor pixel(const QPointF& p) { return view().grab().toImage().pixelColor(p.toPoint()); }
+    QColor pixel(const QPointF& p) { return view().grab().toImage().pixelColor(int(p.x()), int(p.y())); }
     void erase(MxDbObjectId id) {
         MxDbEntity* entity = nullptr;
         ASSERT_EQ(mxdbOpenObject(entity, id, Mx::kForWrite), Mx::eOk);

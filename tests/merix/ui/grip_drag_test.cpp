@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ui/grip_drag.h"
+
+#include "merix/ed/editor.h"
+#include "merix/ui/look.h"
+#include "tests/merix/ui/window_test.h"
+
+using namespace merix;
+
+namespace {
+
+class CommandWatch final : public MxEditorReactor {
+public:
+    CommandWatch() { ed::Editor::instance().addReactor(this); }
+    ~CommandWatch() override { ed::Editor::instance().removeReactor(this); }
+    void commandWillStart(const wchar_t* name) override { told.push_back(std::wstring(L"start ") + name); }
+    void commandEnded(const wchar_t* name) override { told.push_back(std::wstring(L"end ") + name); }
+    void commandCancelled(const wchar_t* name) override { told.push_back(std::wstring(L"cancel ") + name); }
+    std::vector<std::wstring> told;
+};
+using Told = std::vector<std::wstring>;
+
+class GripDragTest : public WindowTest {
+protected:
+    GripDragTest() {
+        first = addLine({100, 100, 0}, {200, 100, 0});
+        second = addLine({200, 100, 0}, {200, 200, 0});
+        undo().clear();
+        ed::Selection::instance().set({first, second});
+    }
+    db::UndoRecorder& undo() { return document->database()->imp().undo; }
+    QPointF at(double x, double y) { return view().toWidget({x, y, 0}); }
+    static const db::Line& line(MxDbObjectId id) {
+        return *static_cast<const db::Line*>(db::DatabaseImp::peek(id, true));
+    }
+    static bool near(const MxGePoint3d& a, double x, double y) { return std::hypot(a.x - x, a.y - y) < 2.0; }
+    void lockLayer() {
+        MxDbLayerTableRecord* layer = nullptr;
+        ASSERT_EQ(mxdbOpenObject(layer, document->database()->imp().layerNamed(L"0"), Mx::kForWrite), Mx::eOk);
+        layer->setIsLocked(true);
+        layer->close();
+        undo().clear();
+    }
+    QRgb pixel(const QPointF& p) { return view().grab().toImage().pixel(int(p.x()), int(p.y())); }
+
+    MxDbObjectId first, second;
+};
+
+TEST_F(GripDragTest, AGripGoesWithTheHandAndSharedCornersStayTogether) {
+    drag(at(200, 100), at(260, 130));
+    EXPECT_TRUE(near(line(first).end, 260, 130));
+    EXPECT_EQ(line(first).end, line(second).start);
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    EXPECT_EQ(line(second).end, MxGePoint3d(200, 200, 0));
+}
+
+TEST_F(GripDragTest, ItIsOneUndoStepOfThatName) {
+    drag(at(200, 100), at(260, 130));
+    ASSERT_EQ(undo().undoUnits().size(), 1U);
+    EXPECT_EQ(undo().undoUnits()[0].name, L"Grip stretch");
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+    EXPECT_EQ(line(second).start, MxGePoint3d(200, 100, 0));
+}
+
+TEST_F(GripDragTest, AClickTakesTheGripAndTheNextLetsItGo) {
+    click(at(100, 100));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    mouse(QEvent::MouseMove, at(130, 150));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0)) << "nothing moves before the hand lets go";
+    click(at(50, 60));
+    EXPECT_TRUE(near(line(first).start, 50, 60));
+}
+
+TEST_F(GripDragTest, WithShiftSeveralGripsMoveTogether) {
+    click(at(100, 100), Qt::ShiftModifier);
+    click(at(200, 200), Qt::ShiftModifier);
+    drag(at(200, 200), at(200, 240));
+    EXPECT_TRUE(near(line(first).start, 100, 140));
+    EXPECT_TRUE(near(line(second).end, 200, 240));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+}
+
+TEST_F(GripDragTest, EscapeLeavesEverythingAsItWas) {
+    click(at(100, 100));
+    mouse(QEvent::MouseMove, at(130, 150));
+    key(&view(), Qt::Key_Escape);
+    click(at(20, 20)); // begins a box, moves nothing
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    EXPECT_TRUE(undo().undoUnits().empty());
+    EXPECT_EQ(ed::Selection::instance().ids().size(), 2U);
+}
+
+TEST_F(GripDragTest, TheEditorIsToldOfACommand) {
+    CommandWatch watch;
+    press(at(100, 100));
+    EXPECT_EQ(watch.told, Told{L"start GRIP_STRETCH"});
+    release(at(50, 60));
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"end GRIP_STRETCH"}));
+    watch.told.clear();
+    press(at(50, 60));
+    key(&view(), Qt::Key_Escape);
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH"}));
+}
+
+TEST_F(GripDragTest, APromptOrAnotherDrawingEndsTheDrag) {
+    CommandWatch watch;
+    click(at(100, 100));
+    MxGePoint3d picked;
+    QTimer::singleShot(0, &window, [&] { click(at(20, 20)); });
+    EXPECT_EQ(ed::Prompter::instance().getPoint(nullptr, QStringLiteral("Point: "), picked), kInputNormal);
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH"}));
+    click(at(100, 100));
+    ap::DocManager::instance().create();
+    EXPECT_EQ(watch.told.back(), L"cancel GRIP_STRETCH");
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+}
+
+TEST_F(GripDragTest, OnALockedLayerTheGripIsRefusedWithAMessage) {
+    lockLayer();
+    CommandWatch watch;
+    ed::Console::instance().markRead();
+    drag(at(100, 100), at(50, 60));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    EXPECT_TRUE(undo().undoUnits().empty());
+    EXPECT_TRUE(watch.told.empty());
+    EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("The layer 0 is locked")));
+}
+
+TEST_F(GripDragTest, TheEntityIsShownAsItWillBe) {
+    press(at(100, 100));
+    mouse(QEvent::MouseMove, at(200, 5), Qt::NoButton, Qt::LeftButton);
+    EXPECT_EQ(pixel(at(200, 50)), qRgb(255, 0, 0)); // from the hand to the other end
+    key(&view(), Qt::Key_Escape);
+    EXPECT_EQ(pixel(at(200, 50)), ui::kCanvas.rgb());
+}
+
+TEST_F(GripDragTest, GripsAreBlueSquaresOfConstantSize) {
+    const QColor blue = ui::kGrip;
+    EXPECT_EQ(pixel(at(100, 100) + QPointF(2, 2)), blue.rgb());
+    ge::ViewTransform zoomed = view().transform();
+    zoomed.zoomAbout(at(100, 100).x(), at(100, 100).y(), 4.0);
+    view().setTransform(zoomed);
+    EXPECT_EQ(pixel(at(100, 100) + QPointF(2, 2)), blue.rgb());
+    EXPECT_NE(pixel(at(100, 100) + QPointF(7, 7)), blue.rgb());
+    mouse(QEvent::MouseMove, at(100, 100) + QPointF(3, 3));
+    EXPECT_EQ(pixel(at(100, 100) + QPointF(1, 1)), ui::kHoveredGrip.rgb());
+}
+
+} // namespace
