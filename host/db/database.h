@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class MxDbSortentsTable;
+
 namespace merix::db {
 class DatabaseImp;
 }
@@ -22,7 +24,12 @@ public:
     /// for write. eAlreadyInDatabase for an entity that has an id.
     Mx::ErrorStatus appendMxDbEntity(MxDbObjectId& id, MxDbEntity* entity);
 
-    /// The entities in drawing order, erased ones included.
+    /// Opens the table that holds the block's draw order; the caller closes it. Without one it is made when
+    /// `createIfNecessary`, else eKeyNotFound. The record must be open; it stays open for write when it had to be given
+    /// an extension dictionary. eOpenForRead when that is kept from it by other readers.
+    Mx::ErrorStatus getSortentsTable(MxDbSortentsTable*& table, Mx::OpenMode mode, bool createIfNecessary);
+
+    /// The entities in the order in which they were added, erased ones included.
     const std::vector<MxDbObjectId>& entityIds() const { return m_entities; }
     const std::wstring& name() const { return m_name; }
     const MxGePoint3d& origin() const { return m_origin; }
@@ -59,6 +66,12 @@ public:
     MxDbObjectId blockTableId() const;
     MxDbObjectId linetypeTableId() const;
     Mx::ErrorStatus getNamedObjectsDictionary(MxDbDictionary*& dictionary, Mx::OpenMode mode);
+
+    /// Adds the line type `name` as the line type file `file` defines it, with undo. A file name without a folder is
+    /// looked for beside the program's data files; names are compared without regard to case. eDuplicateKey when the
+    /// drawing has it already; eFileNotFound, eFileUnreadable; eKeyNotFound when the file has none of that name,
+    /// eFileDamaged when it has lines without sense besides.
+    Mx::ErrorStatus loadLineTypeFile(const wchar_t* name, const wchar_t* file);
 
     merix::db::DatabaseImp& imp() const { return *m_imp; }
 

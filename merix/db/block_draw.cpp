@@ -4,6 +4,7 @@
 #include "merix/db/access.h"
 #include "merix/db/database_imp.h"
 #include "merix/db/draw.h"
+#include "merix/db/draw_order.h"
 #include "merix/db/placed_geometry.h"
 #include "merix/db/tables.h"
 
@@ -170,7 +171,8 @@ bool drawBlock(MxGiWorldDraw& draw, MxDbObjectId blockId, const ge::Affine& toOw
     if (!level.isAllowed() || !level.spend())
         return false;
     bool all = true;
-    for (const MxDbObjectId& id : static_cast<MxDbBlockTableRecord*>(object)->entityIds()) {
+    std::vector<MxDbObjectId> sorted;
+    for (const MxDbObjectId& id : drawOrder(static_cast<const MxDbBlockTableRecord&>(*object), sorted)) {
         MxDbObject* part = DatabaseImp::peek(id);
         if (!part || !part->data().isEntity)
             continue;

@@ -118,22 +118,34 @@ bool isExtensionDictionary(const MxDbObject& object) {
 /// is not eOk.
 Mx::ErrorStatus place(const MxDbObject& original, MxDbObject& clone, MxDbObject& owner) {
     MxDbObjectId id;
-    if (owner.isKindOf(MxDbBlockTableRecord::desc())) {
-        if (!clone.data().isEntity)
-            return Mx::eWrongClass;
-        return static_cast<MxDbBlockTableRecord&>(owner).appendMxDbEntity(id, static_cast<MxDbEntity*>(&clone));
+    if (isExtensionDictionary(original)) {
+        if (!owner.extensionDictionary().isNull())
+            return Mx::eHasExtensionDictionary;
+        owner.assertWriteEnabled();
+        const auto status = owner.data().stub->database->append(&clone, owner.objectId(), id);
+        if (status == Mx::eOk)
+            owner.data().extensionDictionary = id;
+        return status;
     }
-    if (clone.data().isEntity)
-        return Mx::eNotApplicable;
-    if (owner.isKindOf(MxDbDictionary::desc()) && !isExtensionDictionary(original))
+    if (owner.isKindOf(MxDbBlockTableRecord::desc()) && clone.data().isEntity)
+        return static_cast<MxDbBlockTableRecord&>(owner).appendMxDbEntity(id, static_cast<MxDbEntity*>(&clone));
+    if (owner.isKindOf(MxDbDictionary::desc()) && !clone.data().isEntity)
         return static_cast<MxDbDictionary&>(owner).setAt(keyOf(original).c_str(), &clone, id);
-    if (!isExtensionDictionary(original) || !owner.extensionDictionary().isNull())
-        return Mx::eNotApplicable;
-    owner.assertWriteEnabled();
-    const auto status = owner.data().stub->database->append(&clone, owner.objectId(), id);
-    if (status == Mx::eOk)
-        owner.data().extensionDictionary = id;
-    return status;
+    return Mx::eNotApplicable;
+}
+
+void cloneExtension(const MxDbObject& original, MxDbObject& clone, MxDbIdMapping& map, bool wblock) {
+    const MxDbObject* extension = DatabaseImp::peek(original.extensionDictionary());
+    if (!extension)
+        return;
+    MxDbObject* copy = nullptr;
+    const ReadAccess readable(*extension);
+    if (wblock)
+        extension->wblockClone(&clone, copy, map, false);
+    else
+        extension->deepClone(&clone, copy, map, false);
+    if (copy)
+        copy->close();
 }
 
 Mx::ErrorStatus cloneInto(const MxDbObject& original, MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
@@ -166,16 +178,7 @@ Mx::ErrorStatus cloneInto(const MxDbObject& original, MxDbObject* owner, MxDbObj
     clone = made.release();
     map.assign(original.objectId(), clone->objectId());
 
-    if (const MxDbObject* extension = DatabaseImp::peek(original.extensionDictionary())) {
-        MxDbObject* copy = nullptr;
-        const ReadAccess readable(*extension);
-        if (wblock)
-            extension->wblockClone(clone, copy, map, false);
-        else
-            extension->deepClone(clone, copy, map, false);
-        if (copy)
-            copy->close();
-    }
+    cloneExtension(original, *clone, map, wblock);
     tellPersistent(original, [&](MxDbObject& reactor) { reactor.copied(&original, clone); });
     return Mx::eOk;
 }
@@ -197,6 +200,8 @@ void fillBlock(const MxDbBlockTableRecord& original, MxDbBlockTableRecord& copy,
         if (entity->wblockClone(&copy, clone, map, false) == Mx::eOk && clone)
             made.push_back(clone);
     }
+    // What hangs on the block may sort its entities.
+    cloneExtension(original, copy, map, true);
     closeAll(made);
     copy.close();
 }

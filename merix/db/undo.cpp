@@ -4,6 +4,7 @@
 #include "merix/db/database_imp.h"
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
+#include "merix/rx/text.h"
 
 #include <utility>
 
@@ -46,6 +47,16 @@ void setPresent(MxDbObject& object, bool present, bool ofAppend) {
         else
             reactor.unappended(&object);
     });
+}
+
+/// `layer` became the current one, or was it before.
+void swapCurrentLayer(MxDbObject& layer, UndoStep& step) {
+    DatabaseImp& database = *layer.data().stub->database;
+    std::string now = rx::toUtf8(database.header.currentLayer);
+    database.header.currentLayer = rx::fromUtf8(std::exchange(step.image, std::move(now)));
+    database.markChanged(layer);
+    const ReadAccess readable(layer);
+    database.notifyModified(layer);
 }
 
 } // namespace
@@ -133,6 +144,9 @@ void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
             break;
         case UndoStep::Kind::kErase:
             setPresent(*object, !redoing, false);
+            break;
+        case UndoStep::Kind::kCurrentLayer:
+            swapCurrentLayer(*object, step);
             break;
         }
     };

@@ -11,10 +11,10 @@
 namespace merix::db {
 
 struct UndoStep {
-    enum class Kind { kAppend, kModify, kErase, kUnerase };
+    enum class Kind { kAppend, kModify, kErase, kUnerase, kCurrentLayer };
     Kind kind;
     MxDbObjectId id;
-    std::string image;      ///< kModify: the binary filing of the state before
+    std::string image;      ///< kModify: the binary filing of the state before; kCurrentLayer: its name before
     std::wstring className; ///< kModify: the class whose filing it is
 };
 

@@ -3,6 +3,7 @@
 // are merged; what was written is what the objects are compared with from then on.
 #include "merix/io/dxf_writer.h"
 
+#include "host/db/sortents_table.h"
 #include "merix/db/tables.h"
 #include "merix/io/dxf_binary.h"
 #include "merix/io/dxf_record.h"
@@ -88,24 +89,26 @@ struct ClassRecord {
 
 std::optional<ClassRecord> classRecord(const MxDbObject& object) {
     const MxRxClass* aClass = object.isA();
+    // A kind of ours that DXF counts among those of applications.
+    if (aClass == MxDbSortentsTable::desc())
+        return ClassRecord{"AcDbSortentsTable", "ObjectDBX Classes", 0, false, 0};
     if (!isModuleClass(aClass))
         return std::nullopt;
     return ClassRecord{toUtf8(aClass->name()), toUtf8(aClass->appName()), aClass->proxyFlags(), object.data().isEntity,
                        0};
 }
 
-/// Every class of a module that writes a record is named in the CLASSES section.
+/// Every class that DXF does not define itself and that writes a record is named in the CLASSES section.
 void Writer::addClasses() {
     std::map<std::string, ClassRecord> missing;
     for (const Part& part : m_parts->parts) {
         for (const ObjectStub* stub : part.run) {
             // Only for records that are written anew: a file that lacks the name has reason to, until it is changed.
-            if (!m_texts.contains(stub) || !isModuleClass(stub->object->isA()))
+            const auto record = m_texts.contains(stub) ? classRecord(*stub->object) : std::nullopt;
+            if (!record)
                 continue;
             const std::string name = dxfNameOf(*stub->object);
-            if (m_parts->classNames.contains(name))
-                continue;
-            if (const auto record = classRecord(*stub->object))
+            if (!m_parts->classNames.contains(name))
                 ++missing.try_emplace(name, *record).first->second.count;
         }
     }
