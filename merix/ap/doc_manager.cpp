@@ -237,15 +237,15 @@ Result DocManager::save(Document& document) {
     return saveTo(document, document.path());
 }
 
-Result DocManager::saveAs(Document& document, const QString& path) {
+Result DocManager::saveAs(Document& document, const QString& path, std::optional<io::DxfForm> form) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     for (const auto& other : m->documents)
         if (other.get() != &document && !other->path().isEmpty() && QFileInfo(other->path()) == QFileInfo(absolute))
             return {false, QStringLiteral("%1: it is open as another drawing").arg(path)};
-    return saveTo(document, absolute);
+    return saveTo(document, absolute, form);
 }
 
-io::FileResult DocManager::write(Document& document, const QString& path) {
+io::FileResult DocManager::write(Document& document, const QString& path, std::optional<io::DxfForm> form) {
     {
         const db::WorkingDatabaseScope scope(document.database());
         const db::UndoRecorder::Pause pause(document.database()->imp().undo); // what reactors write is no step to undo
@@ -253,11 +253,11 @@ io::FileResult DocManager::write(Document& document, const QString& path) {
         ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
         --document.m->commands;
     }
-    return io::writeDrawing(path.toStdString(), *document.database());
+    return io::writeDrawing(path.toStdString(), *document.database(), form);
 }
 
-Result DocManager::saveTo(Document& document, const QString& path) {
-    const io::FileResult result = write(document, path);
+Result DocManager::saveTo(Document& document, const QString& path, std::optional<io::DxfForm> form) {
+    const io::FileResult result = write(document, path, form);
     if (!result)
         return failure(result, path);
     printNotes(result);

@@ -6,12 +6,14 @@
 #include "host/db/database.h"
 #include "merix/ed/input_points.h"
 #include "merix/ge/view_transform.h"
+#include "merix/io/dxf_form.h"
 
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 namespace merix::io {
 struct FileResult;
@@ -76,7 +78,8 @@ public:
     Result open(const QString& path, Document** opened = nullptr);
     /// By suffix: .dxf or .merix. beginSave goes out first.
     Result save(Document& document);
-    Result saveAs(Document& document, const QString& path);
+    /// `form` is that of a .dxf file; without it the one it has, text for a new one.
+    Result saveAs(Document& document, const QString& path, std::optional<io::DxfForm> form = {});
     /// Destroys without asking; asking is the window's. While a command is under way in the document, cancels the
     /// command's prompt and destroys when it is over. Afterwards another document, if there is one, is active.
     void close(Document& document);
@@ -123,9 +126,9 @@ private:
     DocManager();
     ~DocManager() override;
     Document* add(std::unique_ptr<Document> document);
-    Result saveTo(Document& document, const QString& path);
+    Result saveTo(Document& document, const QString& path, std::optional<io::DxfForm> form = {});
     /// Tells of the save, then writes.
-    io::FileResult write(Document& document, const QString& path);
+    io::FileResult write(Document& document, const QString& path, std::optional<io::DxfForm> form = {});
     Document* find(const MxApDocument* document) const;
     void makeCurrent(Document* document);
     void forEachDrawing(const std::function<void()>& call);

@@ -71,6 +71,15 @@ bool readOption(const QString& argument, Options& o, Reader& reader) {
         return setMode(o, convert ? Options::Mode::kConvert : Options::Mode::kRender, argument, reader) &&
                reader.value(argument, o.input) && reader.value(argument + QLatin1Char(' ') + o.input, o.output);
     }
+    if (argument == QLatin1String("--form")) {
+        QString text;
+        if (!reader.value(argument, text))
+            return false;
+        if (text != QLatin1String("text") && text != QLatin1String("binary"))
+            return reader.fail(QStringLiteral("--form %1: a form is text or binary").arg(text));
+        o.form = text == QLatin1String("text") ? io::DxfForm::kText : io::DxfForm::kBinary;
+        return true;
+    }
     if (argument == QLatin1String("--size")) {
         QString text;
         if (!reader.value(argument, text))
@@ -103,12 +112,16 @@ Options parseOptions(const QStringList& arguments) {
     const bool files = options.mode == Options::Mode::kConvert || options.mode == Options::Mode::kRender;
     if (files && !options.drawings.isEmpty())
         options.error = QStringLiteral("%1: one file in and one file out is all").arg(options.drawings.first());
+    else if (options.form && options.mode != Options::Mode::kConvert)
+        options.error = QStringLiteral("--form: it is for --convert");
+    else if (options.form && !options.output.endsWith(QLatin1String(".dxf"), Qt::CaseInsensitive))
+        options.error = QStringLiteral("--form: %1 is no .dxf file").arg(options.output);
     return options;
 }
 
 QString helpText() {
     return QStringLiteral("usage: merix [OPTION...] [DRAWING...]\n"
-                          "       merix --convert IN OUT\n"
+                          "       merix --convert IN OUT [--form text|binary]\n"
                           "       merix --render IN OUT.png [--size WxH]\n"
                           "\n"
                           "Opens drawings (.dxf, .merix) with the voice notes in them.\n"
@@ -117,6 +130,7 @@ QString helpText() {
                           "                   without one when the drawings are open\n"
                           "  --script FILE    runs FILE (- is standard input) line by line, then ends\n"
                           "  --convert        writes drawing IN as OUT, the kind by its suffix\n"
+                          "  --form FORM      a .dxf file is written as text or as binary DXF (else the form it has)\n"
                           "  --render         paints the whole drawing IN into the picture OUT\n"
                           "  --size WxH       size of the picture in pixels (1600x1200)\n"
                           "  --module FILE    loads this module (libMrxPhonomark.mrx beside the program)\n"

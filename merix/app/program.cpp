@@ -49,7 +49,7 @@ QString convert(const Options& options) {
     ap::Document* document = nullptr;
     if (const ap::Result result = manager.open(options.input, &document); !result.ok)
         return result.message;
-    return manager.saveAs(*document, options.output).message;
+    return manager.saveAs(*document, options.output, options.form).message;
 }
 
 QString render(const Options& options) {

@@ -5,6 +5,7 @@
 #include "merix/ed/prompter.h"
 #include "merix/ui/icons.h"
 #include "merix/ui/look.h"
+#include "merix/ui/plot.h"
 
 #include <QDockWidget>
 #include <QDragEnterEvent>
@@ -51,6 +52,7 @@ MainWindow::MainWindow() {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     resize(1280, 800);
+    registerPlotCommands(ed::CommandStack::instance());
     buildCentre();
     buildMenus();
     buildStatusBar();
@@ -154,6 +156,11 @@ void MainWindow::buildFileMenu() {
     file->addSeparator();
     onBar(addAction(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*current(), false); }), "SAVE");
     addAction(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*current(), true); });
+    file->addSeparator();
+    addAction(file, tr("&Export…"), keys("Ctrl+E"), true, [this] { exportDialog(); });
+    addAction(file, tr("&Print…"), QKeySequence::Print, true, [this] {
+        printWithDialog({current()->database(), {}, {}}, this);
+    });
     file->addSeparator();
     addAction(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*current()); });
     addAction(file, tr("&Quit"), keys("Ctrl+Q"), false, [this] { close(); });
@@ -345,6 +352,22 @@ void MainWindow::openDialog() {
     const QStringList paths = QFileDialog::getOpenFileNames(this, tr("Open"), folder, fileFilter());
     for (const QString& path : paths)
         openFile(path);
+}
+
+void MainWindow::exportDialog() {
+    const QFileInfo drawing(current()->path().isEmpty() ? current()->title() : current()->path());
+    QString kind = tr("PDF (*.pdf)");
+    QString path =
+        QFileDialog::getSaveFileName(this, tr("Export"), drawing.path() + QLatin1Char('/') + drawing.completeBaseName(),
+                                     kind + tr(";;SVG (*.svg);;PNG (*.png)"), &kind);
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QLatin1Char('.') + kind.left(3).toLower();
+    if (const QString why = plotToFile({current()->database(), {}, {}}, path); !why.isEmpty())
+        showFailure(why);
+    else
+        ed::Console::instance().print(tr("\nExported %1").arg(path));
 }
 
 bool MainWindow::save(ap::Document& document, bool askForName) {

@@ -31,6 +31,7 @@ public:
 
     /// Nobody sits before the window (headless, scripts): nothing is asked, changed drawings close as they are.
     void setUnattended(bool unattended) { m_unattended = unattended; }
+    bool isUnattended() const { return m_unattended; }
 
     /// Opens a drawing, or activates its tab when it is open; a message tells why when it cannot be read.
     bool openFile(const QString& path);
@@ -63,6 +64,7 @@ private:
     void showState();
     void showCursor(const MxGePoint3d& world);
     void openDialog();
+    void exportDialog();
     void showFailure(const QString& message);
     int indexOf(const ap::Document* document) const;
     ap::Document* documentAt(int index) const;

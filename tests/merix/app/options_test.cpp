@@ -52,3 +52,12 @@ TEST(Options, HelpNamesEveryOption) {
                                "--version", "--help"})
         EXPECT_TRUE(help.contains(QLatin1String(option))) << option;
 }
+
+TEST(Options, TheFormOfADxfFileIsForConvertingToOne) {
+    EXPECT_FALSE(parse("--convert a.merix b.DXF").form);
+    EXPECT_EQ(parse("--convert a.merix b.DXF --form binary").form, merix::io::DxfForm::kBinary);
+    EXPECT_EQ(parse("--convert a.merix b.DXF --form text").form, merix::io::DxfForm::kText);
+    for (const char* wrong : {"--convert a.merix b.dxf --form hex", "--convert a.merix b.dxf --form",
+                              "--convert a.dxf b.merix --form text", "--form text a.dxf"})
+        EXPECT_NE(parse(wrong).error, QString()) << wrong;
+}

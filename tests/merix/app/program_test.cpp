@@ -106,6 +106,20 @@ TEST_F(ProgramTest, ConvertsByTheSuffixAndBack) {
     EXPECT_THAT(read("c.dxf").toStdString(), HasSubstr("LINE"));
 }
 
+TEST_F(ProgramTest, ADrawingIsConvertedBetweenTextAndBinaryDxf) {
+    writeDrawing("a.dxf");
+    const auto convert = [&](const char* from, const char* to, const char* form) {
+        const Outcome outcome = merix(
+            {QStringLiteral("--convert"), path(from), path(to), QStringLiteral("--form"), QString::fromLatin1(form)});
+        EXPECT_EQ(outcome.status, 0) << outcome.err.constData();
+    };
+    convert("a.dxf", "b.dxf", "binary");
+    EXPECT_TRUE(read("b.dxf").contains("Binary DXF"));
+    convert("b.dxf", "c.dxf", "text");
+    EXPECT_FALSE(read("c.dxf").contains("Binary DXF"));
+    EXPECT_TRUE(read("c.dxf").contains("LINE"));
+}
+
 TEST_F(ProgramTest, AFileThatCannotBeWrittenIsNamed) {
     writeDrawing("a.dxf");
     const QString in = QStringLiteral("a.dxf");
