@@ -17,6 +17,7 @@ namespace merix::ui {
 namespace {
 
 constexpr double kPickBox = 5.0;                         ///< half the side of the pick box, pixels of the widget
+constexpr double kSnapReach = 10.0;                      ///< of a snap point, pixels of the widget
 constexpr double kHaloWidth = 2.5;                       ///< to each side of a selected stroke, pixels of the widget
 constexpr double kCrossArm = 32.0;                       ///< from the middle to the cross hair's ends
 constexpr double kWheelStep = 1.2;                       ///< zoom of one notch of the wheel
@@ -299,6 +300,8 @@ void DrawingView::paintCursor(QPainter& painter) const {
     const QPointF c(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
     if (wantsPoint && prompter.base())
         paintRubberBand(painter, c);
+    if (m_snap)
+        paintSnap(painter, m_snap->mode, toWidget(m_snap->point));
     painter.setPen(QPen(kCrossHair, 1));
     // With a point asked for the cross runs through; else it leaves the pick box open.
     const double gap = wantsPoint ? 0.0 : kPickBox;
@@ -313,28 +316,69 @@ void DrawingView::paintCursor(QPainter& painter) const {
 void DrawingView::paintRubberBand(QPainter& painter, const QPointF& cursor) const {
     const ed::Prompter& prompter = ed::Prompter::instance();
     const QPointF base = toWidget(*prompter.base());
+    QPointF end = cursor;
+    if (m_snap)
+        end = toWidget(m_snap->point);
+    else if (m_ortho && !prompter.isCornerWanted())
+        end = toWidget(squared(*prompter.base(), toWorld(cursor)));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(kRubberBand, 1, Qt::DashLine));
     if (prompter.isCornerWanted())
-        painter.drawRect(QRectF(base, cursor).normalized());
+        painter.drawRect(QRectF(base, end).normalized());
     else
-        painter.drawLine(base, cursor);
+        painter.drawLine(base, end);
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 QRegion DrawingView::cursorRegion() const {
     if (!m_cursor)
         return {};
-    if (ed::Prompter::instance().base() || m_hand.isUnderWay())
+    if (ed::Prompter::instance().base() || m_hand.isUnderWay() || m_snap)
         return rect(); // the rubber band
     const int reach = static_cast<int>(kCrossArm) + 2;
     const QPoint c = m_cursor->toPoint();
     return QRect(c.x() - reach, c.y() - reach, 2 * reach + 1, 2 * reach + 1);
 }
 
+void DrawingView::setSnapping(bool on) {
+    m_snapping = on;
+    m_snap.reset();
+    QWidget::update();
+}
+
+void DrawingView::setOrtho(bool on) {
+    m_ortho = on;
+    QWidget::update();
+}
+
+void DrawingView::aim(const QPointF& position) {
+    m_snap.reset();
+    const ed::Prompter& prompter = ed::Prompter::instance();
+    if (!m_snapping || !m_document || prompter.wants() != ed::Prompter::Wants::kPoint)
+        return;
+    const MxGePoint3d world = toWorld(position);
+    const double reach = kSnapReach * devicePixelRatioF() * transform().unitsPerPixel;
+    m_snap = findSnap(scene().pick(space(), world, reach), world, prompter.base().value_or(world), reach);
+}
+
+MxGePoint3d DrawingView::aimedAt(const QPointF& position) {
+    aim(position);
+    const ed::Prompter& prompter = ed::Prompter::instance();
+    const MxGePoint3d world = toWorld(position);
+    if (m_snap)
+        return m_snap->point;
+    const bool straight =
+        m_ortho && prompter.wants() == ed::Prompter::Wants::kPoint && prompter.base() && !prompter.isCornerWanted();
+    return straight ? squared(*prompter.base(), world) : world;
+}
+
 void DrawingView::moveCursor(std::optional<QPointF> position) {
     const QRegion before = cursorRegion();
     m_cursor = position;
+    if (position)
+        aim(*position);
+    else
+        m_snap.reset();
     QWidget::update(before | cursorRegion());
     if (m_cursor)
         Q_EMIT cursorMoved(toWorld(*m_cursor));
@@ -385,7 +429,9 @@ void DrawingView::leftPress(QMouseEvent* event) {
     moveCursor(event->localPos());
     if (ed::Prompter::instance().isWaiting()) {
         m_answeredAt = event->localPos();
-        ed::Prompter::instance().submitPoint(toWorld(event->localPos()));
+        const MxGePoint3d point = aimedAt(event->localPos());
+        m_snap.reset();
+        ed::Prompter::instance().submitPoint(point);
     } else if (!ed::CommandStack::instance().isRunning()) {
         m_hand.press(event->localPos(), event->modifiers());
         QWidget::update();
@@ -399,7 +445,7 @@ void DrawingView::leftRelease(QMouseEvent* event) {
         m_hand.release(event->localPos(), event->modifiers());
     else if (ed::Prompter::instance().isCornerWanted() &&
              QLineF(*answeredAt, event->localPos()).length() > kDragDistance)
-        ed::Prompter::instance().submitPoint(toWorld(event->localPos())); // the corner was dragged open
+        ed::Prompter::instance().submitPoint(aimedAt(event->localPos())); // the corner was dragged open
     m_hover.start(0);
 }
 

@@ -10,6 +10,7 @@
 #include "merix/gi/scene.h"
 #include "merix/ui/highlights.h"
 #include "merix/ui/selection_hand.h"
+#include "merix/ui/snap.h"
 
 #include <QPixmap>
 #include <QTimer>
@@ -36,6 +37,10 @@ public:
     void selectAll();
     /// Esc while nothing is asked: gives up a box or a drag under way, else clears the selection.
     void escape();
+    /// Points asked for are taken on the ends, middles and centres near the cursor.
+    void setSnapping(bool on);
+    /// Points asked for are taken straight beside or above the point before.
+    void setOrtho(bool on);
     gi::PaintOptions paintOptions() const;
     /// What is selected, highlighted or gripped looks different now.
     void repaintMarks();
@@ -83,6 +88,9 @@ private:
     void paintCursor(QPainter& painter) const;
     void paintHint(QPainter& painter) const;
     QRegion cursorRegion() const;
+    /// What the hand means by a place while a point is asked for; `m_snap` tells why.
+    MxGePoint3d aimedAt(const QPointF& position);
+    void aim(const QPointF& position);
     void moveCursor(std::optional<QPointF> position);
     /// Half the side of the pick box in drawing units.
     double aperture() const;
@@ -102,6 +110,8 @@ private:
     QPointF m_panFrom;
     bool m_panning = false;
     SelectionHand m_hand{*this};
+    std::optional<SnapPoint> m_snap; ///< where a click would go
+    bool m_snapping = true, m_ortho = false;
     std::optional<QPointF> m_answeredAt; ///< where the button went down to answer a prompt and is still held
     QTimer m_hover;                      ///< one look at what is under the cursor for all the moves that come at once
 };

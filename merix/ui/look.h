@@ -13,6 +13,7 @@ inline const QColor kCanvas(33, 40, 48);
 inline const QColor kCanvasText(150, 163, 176);
 inline const QColor kCrossHair(214, 222, 230);
 inline const QColor kRubberBand(240, 170, 80);
+inline const QColor kSnapMarker(120, 220, 60);
 inline const QColor kHalo(70, 150, 255); ///< around what is selected or meant
 constexpr double kHaloOpacity = 0.55;
 inline const QColor kWindowBox(90, 160, 255);

@@ -131,7 +131,10 @@ void MainWindow::buildCentre() {
     connect(m_layouts, &QTabBar::currentChanged, this, [this](int index) {
         ap::Document* document = current();
         if (index >= 0 && document && m_layouts->tabText(index) != document->currentLayout())
-            document->setCurrentLayout(m_layouts->tabText(index));
+            whenIdle([guard = QPointer<ap::Document>(document), name = m_layouts->tabText(index)] {
+                if (guard)
+                    guard->setCurrentLayout(name);
+            });
     });
 }
 
@@ -196,6 +199,16 @@ void MainWindow::buildMenus() {
          {std::pair{"View", tr("&View")}, {"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Insert", tr("&Insert")}})
         m_commands.fill(name, *menuBar()->addMenu(text), *m_bar);
     m_bar->addSeparator();
+    QMenu* aids = menuBar()->addMenu(tr("&Aids"));
+    const auto aid = [&](const QString& text, const char* key, bool on, void (DrawingView::*set)(bool)) {
+        QAction* action = aids->addAction(text);
+        action->setShortcut(keys(key));
+        action->setCheckable(true);
+        action->setChecked(on);
+        connect(action, &QAction::toggled, m_view, set);
+    };
+    aid(tr("Object &Snap"), "F3", true, &DrawingView::setSnapping);
+    aid(tr("&Ortho"), "F8", false, &DrawingView::setOrtho);
     m_layerBox = new LayerBox;
     m_bar->addWidget(m_layerBox);
     // What a key or a button of the window was for, the next typing is for the command line.

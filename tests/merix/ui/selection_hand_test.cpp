@@ -176,12 +176,12 @@ TEST_F(SelectionHandTest, AClickForTheFirstCornerIsNotTheSecond) {
         press({100, 100});
         QTimer::singleShot(0, &window, [&] {
             release({102, 101});
-            click({300, 200});
+            click({400, 260});
         });
     });
     ASSERT_EQ(prompter.getPoint(nullptr, QStringLiteral("First corner: "), from), kInputNormal);
     ASSERT_EQ(prompter.getCorner(from, QStringLiteral("Other corner: "), to), kInputNormal);
-    EXPECT_EQ(to, view().toWorld({300, 200}));
+    EXPECT_EQ(to, view().toWorld({400, 260}));
 }
 
 } // namespace
