@@ -21,8 +21,8 @@ public:
     /// Adds `object` (open for write afterwards, owned by the database) under `key`; replaces the entry of that key.
     /// The key "*U" stands for a new name of the dictionary's own making.
     Mx::ErrorStatus setAt(const wchar_t* key, MxDbObject* object, MxDbObjectId& id);
-    /// Keys with ids in order, entries of erased objects left out.
-    std::vector<std::pair<std::wstring, MxDbObjectId>> entries() const;
+    /// Keys with ids in order. Without `all`, entries of objects that are erased or do not exist are left out.
+    std::vector<std::pair<std::wstring, MxDbObjectId>> entries(bool all = false) const;
 
     /// A copy holds copies of what the dictionary owns; what is never copied is not in it.
     Mx::ErrorStatus subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,

@@ -23,6 +23,8 @@ public:
     Mx::ErrorStatus moveToTop(const std::vector<MxDbObjectId>& entities);
     /// The handle that puts the entity in its place.
     MxDbHandle sortHandle(MxDbObjectId entity) const;
+    /// The entities whose sort handle is not their own.
+    std::vector<MxDbObjectId> listedEntities() const;
     /// All entities of the block, the lowest first; erased ones too.
     std::vector<MxDbObjectId> fullDrawOrder() const;
 

@@ -73,8 +73,10 @@ Mx::ErrorStatus MxDbDictionary::setAt(const wchar_t* key, MxDbObject* object, Mx
     return Mx::eOk;
 }
 
-std::vector<std::pair<std::wstring, MxDbObjectId>> MxDbDictionary::entries() const {
+std::vector<std::pair<std::wstring, MxDbObjectId>> MxDbDictionary::entries(bool all) const {
     assertReadEnabled();
+    if (all)
+        return m_entries;
     std::vector<std::pair<std::wstring, MxDbObjectId>> present;
     for (const auto& entry : m_entries) {
         if (DatabaseImp::peek(entry.second))

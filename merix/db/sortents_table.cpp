@@ -37,6 +37,13 @@ MxDbHandle MxDbSortentsTable::sortHandle(MxDbObjectId entity) const {
     return found == m_entries.end() ? entity.handle() : found->sort;
 }
 
+std::vector<MxDbObjectId> MxDbSortentsTable::listedEntities() const {
+    std::vector<MxDbObjectId> ids;
+    for (const Entry& entry : m_entries)
+        ids.push_back(entry.entity);
+    return ids;
+}
+
 std::vector<MxDbObjectId> MxDbSortentsTable::fullDrawOrder() const {
     const MxDbBlockTableRecord* block = blockOf(m_block);
     if (!block)
