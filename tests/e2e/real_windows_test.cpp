@@ -4,6 +4,7 @@
 #include "tests/support/process.h"
 
 #include <QElapsedTimer>
+#include <QPointF>
 #include <QThread>
 
 #include <functional>
@@ -110,13 +111,80 @@ struct RealWindows : testing::Test {
     Outcome hand(const QStringList& doing) { return run("xdotool", doing, folder.path(), {}, environment); }
     void moveTo(int x, int y) { hand({"mousemove", "--window", window, QString::number(x), QString::number(y)}); }
 
-    /// The note's record in the saved drawing; empty while there is none.
-    Record savedNote() const {
+    /// The records of notes in the saved drawing.
+    std::vector<Record> savedNotes() const {
+        std::vector<Record> notes;
         for (const Record& record : records(readTags(drawing), "ENTITIES"))
             if (record[0].value == "PHONOMARK")
+                notes.push_back(record);
+        return notes;
+    }
+    /// The first; empty while there is none.
+    Record savedNote() const {
+        const std::vector<Record> notes = savedNotes();
+        return notes.empty() ? Record() : notes.front();
+    }
+};
+
+QPointF point(const Record& record, int code) {
+    return {number(record, code), number(record, code + 10)};
+}
+
+/// Two notes put at known places of the window tell where the drawing lies in it.
+struct RealSelection : RealWindows {
+    void SetUp() override {
+        RealWindows::SetUp();
+        if (HasFatalFailure())
+            return;
+        hand({"key", "F3"}); // the notes go where the hand is, not to an end of a line beside it
+        for (const QPoint& place : {m_left, m_right}) {
+            moveTo(place.x(), place.y());
+            hand({"type", "PHONOMARK"});
+            hand({"key", "Return"});
+            hand({"click", "1"});
+        }
+        ASSERT_TRUE(saved([&] { return savedNotes().size() == 2; }));
+        m_leftPoint = point(savedNotes()[0], 10);
+        m_scale = (m_right.x() - m_left.x()) / (point(savedNotes()[1], 10).x() - m_leftPoint.x());
+        ASSERT_GT(m_scale, 0.0);
+    }
+    /// Saves until `condition` holds of the file.
+    bool saved(const std::function<bool()>& condition) {
+        return comesTrue([&] {
+            hand({"key", "ctrl+s"});
+            return condition();
+        });
+    }
+    QPoint pixel(const QPointF& world) const {
+        const QPointF from = (world - m_leftPoint) * m_scale;
+        return m_left + QPoint(qRound(from.x()), qRound(-from.y()));
+    }
+    void drag(const QPoint& from, const QPoint& to) {
+        moveTo(from.x(), from.y());
+        hand({"mousedown", "1"});
+        moveTo((from.x() + to.x()) / 2, (from.y() + to.y()) / 2);
+        moveTo(to.x(), to.y());
+        hand({"mouseup", "1"});
+    }
+    void click(const QPoint& at) {
+        moveTo(at.x(), at.y());
+        hand({"click", "1"});
+    }
+    Record savedLine(const char* handle) const {
+        for (const Record& record : records(readTags(drawing), "ENTITIES"))
+            if (value(record, 5) == handle)
                 return record;
         return {};
     }
+    /// True when `now` lies where a hand would have put what it took at `before` and moved by `step` pixels.
+    bool movedBy(const QPointF& before, const QPointF& now, const QPoint& step) const {
+        const QPointF off = (now - before) * m_scale - QPointF(step.x(), -step.y());
+        return std::abs(off.x()) < 2.5 && std::abs(off.y()) < 2.5;
+    }
+
+    const QPoint m_left{500, 330}, m_right{560, 585}; // the right one with nothing around it
+    QPointF m_leftPoint;
+    double m_scale = 0.0; ///< pixels in a drawing unit
 };
 
 TEST_F(RealWindows, ANoteIsPlacedRecordedAndSavedWithMouseAndKeyboard) {
@@ -150,6 +218,38 @@ TEST_F(RealWindows, ANoteIsPlacedRecordedAndSavedWithMouseAndKeyboard) {
     ASSERT_TRUE(merix->process().waitForFinished(30'000));
     EXPECT_EQ(merix->process().exitCode(), 0);
     EXPECT_EQ(merix->process().exitStatus(), QProcess::NormalExit);
+}
+
+TEST_F(RealSelection, GripsOfWhatWasClickedOrBoxedAreDraggedAndTakenBack) {
+    const char* const kLine = "D6"; // a dimension's line, from left to right
+    const QPointF start = point(savedLine(kLine), 10), end = point(savedLine(kLine), 11);
+    const QPoint step(-40, 60);
+
+    click(pixel({2600, start.y()}));
+    drag(pixel(start), pixel(start) + step);
+    EXPECT_TRUE(saved([&] { return movedBy(start, point(savedLine(kLine), 10), step); }));
+    EXPECT_EQ(point(savedLine(kLine), 11), end);
+    hand({"key", "ctrl+z"});
+    EXPECT_TRUE(saved([&] { return point(savedLine(kLine), 10) == start; }));
+    hand({"key", "Escape"});
+
+    // A crossing box, from right to left, over a part of the line.
+    drag(pixel({2400, start.y()}) - QPoint(0, 12), pixel({1400, start.y()}) + QPoint(0, 2));
+    drag(pixel(end), pixel(end) + step);
+    EXPECT_TRUE(saved([&] { return movedBy(end, point(savedLine(kLine), 11), step); }));
+    hand({"key", "ctrl+z"});
+    EXPECT_TRUE(saved([&] { return point(savedLine(kLine), 11) == end; }));
+    hand({"key", "Escape"});
+
+    // A window, from left to right, around the whole of a note.
+    const QPointF note = point(savedNotes()[1], 10);
+    drag(m_right + QPoint(-12, 12), m_right + QPoint(60, -75));
+    const QPoint up(-40, -30);
+    drag(m_right, m_right + up);
+    EXPECT_TRUE(saved([&] { return movedBy(note, point(savedNotes()[1], 10), up); }));
+    EXPECT_EQ(point(savedNotes()[0], 10), m_leftPoint);
+    hand({"key", "ctrl+z"});
+    EXPECT_TRUE(saved([&] { return point(savedNotes()[1], 10) == note; }));
 }
 
 } // namespace
