@@ -145,6 +145,8 @@ void MxDbObject::assertWriteEnabled() {
     database.markChanged(*this);
     if (std::exchange(data.changedInOpen, true) || data.isNew)
         return;
+    if (data.isEntity && static_cast<EntityData&>(data).traits.layer.handle().isNull())
+        database.listImplicitLayers(); // a before-image names the layer by its handle
     if (!database.undo.isRecording())
         database.undo.noteUnrecorded();
     else if (!data.beforeImage)

@@ -205,6 +205,18 @@ TEST(Undo, AppendingToABlockCopiesNoneOfItsEntities) {
     EXPECT_TRUE(drawing.imp.undo.undoUnits()[0].steps[0].image.empty());
 }
 
+TEST(Undo, AnEntityKeepsALayerThatItsDrawingDoesNotList) {
+    Drawing drawing;
+    const MxDbObjectId id = drawing.addLine({}, {1, 0, 0}), layer = drawing.imp.layerForName(L"Unlisted");
+    merix::db::traits(drawing.at<Line>(id)).layer = layer;
+    drawing.imp.undo.clear();
+    drawing.moveLine(id, {2, 0, 0});
+    drawing.imp.undo.undo();
+    EXPECT_EQ(drawing.at<Line>(id).end.x, 1);
+    EXPECT_EQ(drawing.at<Line>(id).layerId(), layer);
+    EXPECT_EQ(drawing.imp.layerNamed(L"Unlisted"), layer);
+}
+
 TEST(Undo, ReadingADrawingRecordsNothing) {
     Drawing drawing;
     EXPECT_FALSE(drawing.imp.undo.canUndo());
