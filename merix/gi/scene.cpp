@@ -5,6 +5,7 @@
 #include "merix/gi/scene.h"
 
 #include "merix/db/access.h"
+#include "merix/db/draw_order.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
 #include "merix/gi/graphics_builder.h"
@@ -63,6 +64,11 @@ struct Space {
     std::unordered_map<db::ObjectStub*, std::uint32_t> slotOf;
     std::vector<std::uint32_t> dirty;
     Index index;
+
+    /// The slots' places in the draw order; empty: that of the slots.
+    std::vector<std::uint32_t> rank;
+    const MxDbSortentsTable* ranking = nullptr; ///< the table, and its state, that `rank` follows
+    std::uint32_t rankVersion = 0;
 
     void markDirty(std::uint32_t i) {
         if (!slots[i].dirty) {
@@ -153,6 +159,7 @@ struct Scene::Private {
             space = Space();
         if (space.slots.size() < ids.size())
             addNew(space, ids);
+        rank(space, *block);
         for (const std::uint32_t i : std::exchange(space.dirty, {})) {
             Slot& slot = space.slots[i];
             slot.dirty = false;
@@ -165,6 +172,27 @@ struct Scene::Private {
                 listOf(space, i, *entity);
         }
         return &space;
+    }
+
+    /// Follows the draw order of the block.
+    static void rank(Space& space, const MxDbBlockTableRecord& block) {
+        const MxDbSortentsTable* table = db::sortentsTable(block);
+        const std::uint32_t version = table ? table->data().graphicsVersion : 0;
+        if (table == space.ranking && version == space.rankVersion &&
+            (!table || space.rank.size() == space.slots.size()))
+            return;
+        space.ranking = table;
+        space.rankVersion = version;
+        space.rank.clear();
+        if (!table)
+            return;
+        std::vector<MxDbObjectId> sorted;
+        space.rank.resize(space.slots.size());
+        std::uint32_t place = 0;
+        for (const MxDbObjectId& id : db::drawOrder(block, sorted)) {
+            if (const auto slot = space.slotOf.find(id.stub()); slot != space.slotOf.end())
+                space.rank[slot->second] = place++;
+        }
     }
 
     void addNew(Space& space, const std::vector<MxDbObjectId>& ids) {
@@ -220,11 +248,14 @@ struct Scene::Private {
             for (std::uint32_t i = 0; i < space.slots.size(); ++i)
                 if (!space.slots[i].box.isEmpty())
                     found.push_back(i);
-            return found;
+        } else {
+            for (auto it = space.index.qbegin(bg::index::intersects(boxOf(window))); it != space.index.qend(); ++it)
+                found.push_back(it->second);
+            std::sort(found.begin(), found.end());
         }
-        for (auto it = space.index.qbegin(bg::index::intersects(boxOf(window))); it != space.index.qend(); ++it)
-            found.push_back(it->second);
-        std::sort(found.begin(), found.end());
+        if (!space.rank.empty())
+            std::sort(found.begin(), found.end(),
+                      [&space](std::uint32_t a, std::uint32_t b) { return space.rank[a] < space.rank[b]; });
         return found;
     }
 };
@@ -362,6 +393,12 @@ void Scene::objectModified(MxDbObject& object) {
     }
     if (object.isKindOf(db::LinetypeRecord::desc())) {
         m->allStale = true;
+        return;
+    }
+    if (object.isKindOf(MxDbSortentsTable::desc())) {
+        // Spaces look at their table themselves; the order inside a block shows wherever the block is inserted.
+        const auto* sorted = m->database.block(static_cast<MxDbSortentsTable&>(object).blockId());
+        m->allStale = m->allStale || (sorted && !isSpace(*sorted));
         return;
     }
     if (!object.isKindOf(MxDbEntity::desc()))

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/gi/scene.h"
 
+#include "host/db/sortents_table.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
 #include "tests/merix/gi/gui_test.h"
@@ -116,6 +117,36 @@ TEST_F(SceneTest, EntitiesAreDrawnInTheirColours) {
     EXPECT_EQ(at(10, 50), kRed);
     EXPECT_EQ(at(20, 50), kBlue);
     EXPECT_EQ(at(15, 50), kBackground);
+}
+
+TEST_F(SceneTest, EntitiesLieOverEachOtherAndArePickedInTheDrawOrder) {
+    const MxDbObjectId red = addLine({10.5, 0, 0}, {10.5, 100, 0}, 1), blue = addLine({10.5, 0, 0}, {10.5, 100, 0}, 5);
+    EXPECT_EQ(at(10, 50), kBlue);
+    const auto toBottom = [&](MxDbObjectId id) {
+        MxDbBlockTableRecord* space = nullptr;
+        mxdbOpenObject(space, model(), Mx::kForWrite);
+        MxDbSortentsTable* table = nullptr;
+        ASSERT_EQ(space->getSortentsTable(table, Mx::kForWrite, true), Mx::eOk);
+        table->moveToBottom({id});
+        table->close();
+        space->close();
+    };
+    database.imp().undo.clear();
+    database.imp().undo.begin(L"Order");
+    toBottom(blue);
+    database.imp().undo.end();
+    EXPECT_EQ(at(10, 50), kRed);
+    EXPECT_EQ(scene.pick(model(), {10.5, 50, 0}, 1).front(), red);
+    toBottom(red);
+    EXPECT_EQ(at(10, 50), kBlue) << "a table that changes is followed";
+    view.unitsPerPixel = 0.5;
+    view.center = {25, 50};
+    EXPECT_EQ(at(21, 50), kBlue) << "also when only a part is in view";
+    toBottom(blue);
+    EXPECT_EQ(at(21, 50), kRed);
+    while (database.imp().undo.undo()) {
+    }
+    EXPECT_EQ(at(21, 50), kBlue);
 }
 
 TEST_F(SceneTest, ACircleIsDrawnOnItsRadius) {
