@@ -36,12 +36,19 @@ DrawingView::DrawingView(QWidget* parent)
     setMinimumSize(120, 90);
     m_hover.setSingleShot(true);
     connect(&m_hover, &QTimer::timeout, this, &DrawingView::hover);
-    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] {
-        if (ed::Prompter::instance().isWaiting() && m_hand.isUnderWay())
-            m_hand.abandon();
-        QWidget::update();
-    });
+    connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, &DrawingView::promptChanged);
     connect(&ed::Selection::instance(), &ed::Selection::changed, this, &DrawingView::repaintMarks);
+}
+
+void DrawingView::promptChanged() {
+    const ed::Prompter& prompter = ed::Prompter::instance();
+    if (prompter.isWaiting()) {
+        if (m_hand.isUnderWay())
+            m_hand.abandon();
+        m_boxSelects = prompter.isCornerWanted() && m_lastWanted == ed::Prompter::Wants::kPick;
+        m_lastWanted = prompter.wants();
+    }
+    QWidget::update();
 }
 
 DrawingView::~DrawingView() {
@@ -316,6 +323,8 @@ void DrawingView::paintCursor(QPainter& painter) const {
 void DrawingView::paintRubberBand(QPainter& painter, const QPointF& cursor) const {
     const ed::Prompter& prompter = ed::Prompter::instance();
     const QPointF base = toWidget(*prompter.base());
+    if (m_boxSelects && prompter.isCornerWanted())
+        return paintSelectionBox(painter, {base, cursor});
     QPointF end = cursor;
     if (m_snap)
         end = toWidget(m_snap->point);
@@ -354,7 +363,7 @@ void DrawingView::setOrtho(bool on) {
 void DrawingView::aim(const QPointF& position) {
     m_snap.reset();
     const ed::Prompter& prompter = ed::Prompter::instance();
-    if (!m_snapping || !m_document || prompter.wants() != ed::Prompter::Wants::kPoint)
+    if (!m_snapping || !m_document || m_boxSelects || prompter.wants() != ed::Prompter::Wants::kPoint)
         return;
     const MxGePoint3d world = toWorld(position);
     const double reach = kSnapReach * devicePixelRatioF() * transform().unitsPerPixel;

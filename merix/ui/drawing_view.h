@@ -7,6 +7,7 @@
 
 #include "merix/ap/document_imp.h"
 #include "merix/ed/active_view.h"
+#include "merix/ed/prompter.h"
 #include "merix/gi/scene.h"
 #include "merix/ui/highlights.h"
 #include "merix/ui/selection_hand.h"
@@ -91,6 +92,7 @@ private:
     /// What the hand means by a place while a point is asked for; `m_snap` tells why.
     MxGePoint3d aimedAt(const QPointF& position);
     void aim(const QPointF& position);
+    void promptChanged();
     void moveCursor(std::optional<QPointF> position);
     /// Half the side of the pick box in drawing units.
     double aperture() const;
@@ -112,6 +114,8 @@ private:
     SelectionHand m_hand{*this};
     std::optional<SnapPoint> m_snap; ///< where a click would go
     bool m_snapping = true, m_ortho = false;
+    ed::Prompter::Wants m_lastWanted = ed::Prompter::Wants::kNothing; ///< by the prompt in force or, after it, the last
+    bool m_boxSelects = false;           ///< the corner asked for is of a box that began where nothing was picked
     std::optional<QPointF> m_answeredAt; ///< where the button went down to answer a prompt and is still held
     QTimer m_hover;                      ///< one look at what is under the cursor for all the moves that come at once
 };

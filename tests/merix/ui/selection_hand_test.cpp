@@ -125,6 +125,36 @@ TEST_F(SelectionHandTest, AWindowIsBlueAndSolidACrossingGreenAndDashed) {
     EXPECT_LT(dashed, 55);
 }
 
+TEST_F(SelectionHandTest, ABoxOfASelectionPromptLooksAsItSelects) {
+    auto& prompter = ed::Prompter::instance();
+    MxGePoint3d from, to;
+    int crossing = 0, plain = 0;
+    const auto count = [&](const QColor& color) {
+        mouse(QEvent::MouseMove, {300, 240});
+        const QImage image = view().grab().toImage();
+        int found = 0;
+        for (int y = 240; y < 300; ++y)
+            found += image.pixelColor(400, y) == color;
+        return found;
+    };
+    QTimer::singleShot(0, &window, [&] {
+        click({400, 300});
+        QTimer::singleShot(0, &window, [&] {
+            crossing = count(ui::kCrossingBox);
+            click({300, 240});
+        });
+    });
+    ASSERT_EQ(prompter.getPick(QStringLiteral("Select objects: "), from), kInputNormal);
+    ASSERT_EQ(prompter.getCorner(from, QStringLiteral("Opposite corner: "), to), kInputNormal);
+    EXPECT_GT(crossing, 20);
+    QTimer::singleShot(0, &window, [&] {
+        plain = count(ui::kCrossingBox);
+        click({300, 240});
+    });
+    ASSERT_EQ(prompter.getCorner(from, QStringLiteral("Opposite corner: "), to), kInputNormal);
+    EXPECT_EQ(plain, 0) << "the corner of a rectangle that is drawn";
+}
+
 TEST_F(SelectionHandTest, AHaloShowsWhatIsSelectedAndWhatAModuleHighlights) {
     const QPointF beside = at(130, 50) + QPointF(0, 2);
     EXPECT_EQ(pixel(beside), ui::kCanvas);
