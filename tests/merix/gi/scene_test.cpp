@@ -377,4 +377,30 @@ TEST_F(SceneTest, PlotsLeaveOutLayersThatAreNotPlotted) {
     EXPECT_EQ(at(10, 50), kRed);
 }
 
+TEST_F(SceneTest, TheSortEntitiesTableSaysWhatLiesOverWhat) {
+    const MxDbObjectId red = addLine({0, 50.5, 0}, {100, 50.5, 0}, 1);
+    const MxDbObjectId blue = addLine({50.5, 0, 0}, {50.5, 100, 0}, 5);
+    EXPECT_EQ(at(50, 50), kBlue) << "the later one";
+    MxDbSortentsTable* table = nullptr;
+    change<MxDbBlockTableRecord>(model(), [&](MxDbBlockTableRecord& block) {
+        ASSERT_EQ(block.getSortentsTable(table, Mx::kForWrite, true), Mx::eOk);
+    });
+    ASSERT_TRUE(table);
+    const MxDbObjectId tableId = table->objectId();
+    ASSERT_EQ(table->moveToTop({red}), Mx::eOk);
+    table->close();
+    EXPECT_EQ(at(50, 50), kRed);
+    EXPECT_EQ(scene.pick(model(), {50.5, 50.5, 0}, 1), (std::vector<MxDbObjectId>{red, blue})) << "topmost first";
+    // Also where only a part is in view, and for what comes later.
+    view.center = {60, 60};
+    EXPECT_EQ(paint().pixel(40, 59), kRed);
+    view.center = {50, 50};
+    addLine({50.5, 0, 0}, {50.5, 100, 0}, 3);
+    EXPECT_EQ(at(50, 50), kGreen) << "what is added lies on top of all";
+    change<MxDbSortentsTable>(tableId, [&](MxDbSortentsTable& order) { order.moveToTop({blue}); });
+    EXPECT_EQ(at(50, 50), kBlue);
+    change<MxDbSortentsTable>(tableId, [](MxDbSortentsTable& order) { order.erase(); });
+    EXPECT_EQ(at(50, 50), kGreen);
+}
+
 } // namespace
