@@ -319,6 +319,21 @@ Mx::ErrorStatus readFields(const MxDbObject& object, MxDbDatabase& database, con
     return status;
 }
 
+/// The tags of `old` in the subclasses that `now` has: what stands for the fields of a class that cannot be asked.
+std::vector<DxfOutTag> sectionsAlsoIn(const std::vector<DxfOutTag>& now, const std::vector<DxfTag>& old) {
+    std::vector<DxfOutTag> result;
+    bool inside = false;
+    for (const DxfTag& tag : old) {
+        if (tag.code == 100)
+            inside = std::any_of(now.begin(), now.end(), [&](const DxfOutTag& marker) {
+                return marker.code == 100 && marker.value == trimmed(tag.value);
+            });
+        if (inside)
+            result.push_back({tag.code, std::string(tag.value)});
+    }
+    return result;
+}
+
 void appendHandles(std::string& text, std::string_view group, int code, const std::vector<std::uint64_t>& handles,
                    std::string_view lineEnd) {
     if (handles.empty())
@@ -374,13 +389,14 @@ std::string currentRecord(const MxDbObject& object, const DrawingParts& parts) {
     std::vector<DxfOutTag> before;
     if (const auto twin = makeTwin(object, encoding, data.source.text))
         readFields(*twin, database, encoding, before);
+    else if (const std::string* kept = keptTags(object); kept && !kept->empty())
+        before = sectionsAlsoIn(now.body, fieldsOf(data.source.text));
     return mergeRecord(data.source.text, now, before, parts);
 }
 
-namespace {
-
-/// Both for objects whose module comes and goes while the drawing is open.
 std::string tagsForKeeping(const MxDbObject& object) {
+    if (const std::string* kept = keptTags(object))
+        return *kept;
     std::vector<DxfOutTag> body;
     std::string text;
     if (readFields(object, *object.database(), keptEncoding(), body) == Mx::eOk) {
@@ -390,6 +406,9 @@ std::string tagsForKeeping(const MxDbObject& object) {
     return text;
 }
 
+namespace {
+
+/// For objects whose module comes back while the drawing is open.
 Mx::ErrorStatus readKeptTags(const MxDbObject& kept, MxDbObject& fresh) {
     MxDbDatabase& database = *kept.database();
     const std::string* tags = keptTags(kept);

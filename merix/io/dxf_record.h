@@ -58,6 +58,10 @@ std::string newRecord(const DxfImage& image, const DrawingParts& parts);
 /// The DXF name of an object's record.
 std::string dxfNameOf(const MxDbObject& object);
 
+/// The tags from the first subclass marker on that stand for the object in DXF while its module is absent; those of a
+/// kept record are what was kept with it.
+std::string tagsForKeeping(const MxDbObject& object);
+
 /// The text that stands for a changed object in the file: its source merged with what it says now, a new record when
 /// it has none. Empty for an object that has no DXF form.
 std::string currentRecord(const MxDbObject& object, const DrawingParts& parts);

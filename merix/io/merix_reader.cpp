@@ -2,6 +2,7 @@
 #include "merix/io/merix_reader.h"
 
 #include "merix/db/database_imp.h"
+#include "merix/db/dwg_filer.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
 #include "merix/io/database_filler.h"
@@ -11,6 +12,7 @@
 #include "merix/io/file_access.h"
 #include "merix/io/merix_schema.h"
 #include "merix/io/sqlite_file.h"
+#include "merix/io/stream_tags.h"
 
 #include <algorithm>
 #include <limits>
@@ -36,7 +38,7 @@ struct Row {
     std::uint64_t owner = 0;
     bool stale = false;
     std::string_view text;
-    std::string stream;
+    std::string stream, tags;
     ObjectStub* stub = nullptr;
 };
 
@@ -237,15 +239,18 @@ void Reader::readStreams() {
     std::uint64_t total = 0;
     SqliteStatement rows(m_file, "SELECT object, size, data FROM bytes");
     while (rows.step()) {
-        const auto found = byHandle.find(static_cast<std::uint64_t>(rows.integer(0)));
+        const bool ofTags = rows.integer(0) < 0 && rows.integer(0) > std::numeric_limits<std::int64_t>::min();
+        const std::int64_t handle = ofTags ? tagsKey(rows.integer(0)) : rows.integer(0);
+        const auto found = byHandle.find(static_cast<std::uint64_t>(handle));
         const std::int64_t size = rows.integer(1);
         if (size < 0 || size > std::numeric_limits<std::int32_t>::max())
             throw Damaged("the drawing is damaged: a stream is out of range");
         total += static_cast<std::uint64_t>(size);
-        if (total > bound || (found != byHandle.end() &&
-                              !m_packer.unpack(rows.bytes(2), static_cast<std::size_t>(size), found->second->stream)))
+        if (total > bound ||
+            (found != byHandle.end() && !m_packer.unpack(rows.bytes(2), static_cast<std::size_t>(size),
+                                                         ofTags ? found->second->tags : found->second->stream)))
             throw Damaged("the drawing is damaged: the stream of object " +
-                          fromHandle(static_cast<std::uint64_t>(rows.integer(0))) + " cannot be read");
+                          fromHandle(static_cast<std::uint64_t>(handle)) + " cannot be read");
     }
 }
 
@@ -274,11 +279,16 @@ bool Reader::isOfModule(const Row& row) const {
     return isModuleClass(mxrxFindMxRxClass(fromUtf8(name.name).c_str())) || isModuleRecord(name.dxf, placeOf(row));
 }
 
-template <class Kept> std::unique_ptr<MxDbObject> keepStream(const ClassName& name, const std::string& stream) {
+template <class Kept, class Base>
+std::unique_ptr<MxDbObject> keepStream(MxDbDatabase& database, const ClassName& name, const Row& row) {
     auto kept = std::make_unique<Kept>();
+    // What every object has stands at the beginning of its stream.
+    db::DwgReader base(row.stream, MxDbFilerType::kFile, &database);
+    kept->Base::dwgInFields(&base);
     kept->dxfName = name.dxf;
     kept->className = fromUtf8(name.name);
-    kept->image = stream;
+    kept->image = row.stream;
+    unpackTags(row.tags, row.stream, kept->dxfTags);
     return kept;
 }
 
@@ -303,7 +313,8 @@ std::unique_ptr<MxDbObject> Reader::makeObject(const Row& row, RecordPlace place
     }
     if (!isModuleClass(aClass) && !row.text.empty() && !row.stale)
         return makeKeptObject(m_database, m_parts->encoding(), row.text, place);
-    return entity ? keepStream<db::KeptEntity>(name, row.stream) : keepStream<db::KeptObject>(name, row.stream);
+    return entity ? keepStream<db::KeptEntity, MxDbEntity>(m_database, name, row)
+                  : keepStream<db::KeptObject, MxDbObject>(m_database, name, row);
 }
 
 void Reader::make(Row& row) {

@@ -33,6 +33,10 @@ constexpr std::array<SchemaTable, 6> kMerixSchema = {{
 constexpr std::int64_t kImpliedRun = -1;
 /// Streams up to this size stand in the object's own row, as they are.
 constexpr std::size_t kLongestInlineStream = 2048;
+/// The row of bytes with the DXF tags of an object, beside the one with its stream.
+constexpr std::int64_t tagsKey(std::int64_t handle) {
+    return -handle;
+}
 /// The skeleton's text is stored in pieces of at most this size.
 constexpr std::size_t kTextPiece = std::size_t{1} << 20;
 

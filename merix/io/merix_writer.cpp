@@ -10,6 +10,7 @@
 #include "merix/io/merix_schema.h"
 #include "merix/io/object_placement.h"
 #include "merix/io/sqlite_file.h"
+#include "merix/io/stream_tags.h"
 
 #include <array>
 #include <cerrno>
@@ -39,7 +40,13 @@ std::int64_t handleOf(const ObjectStub* stub) {
 /// What a row says of an object's content.
 struct Content {
     std::string className, dxfName, stream;
+    std::string tags; ///< packed DXF tags of a class that may be absent when the drawing is opened
 };
+
+/// The DXF text that the object came with says it all.
+bool hasTrueText(const MxDbObject& object) {
+    return !object.data().source.empty() && !object.data().sourceStale;
+}
 
 Content contentOf(const MxDbObject& object) {
     Content content;
@@ -47,8 +54,10 @@ Content contentOf(const MxDbObject& object) {
     if (object.isA() == db::KeptEntity::desc() || object.isA() == db::KeptObject::desc()) {
         content.stream = object.data().isEntity ? static_cast<const db::KeptEntity&>(object).image
                                                 : static_cast<const db::KeptObject&>(object).image;
-        if (!content.stream.empty())
+        if (!content.stream.empty()) {
             content.className = toUtf8(db::keptClassName(object));
+            content.tags = packTags(tagsForKeeping(object), content.stream);
+        }
         return content;
     }
     content.className = toUtf8(object.isA()->name());
@@ -56,6 +65,8 @@ Content contentOf(const MxDbObject& object) {
     // is one row more and not a new list.
     const bool block = object.isKindOf(MxDbBlockTableRecord::desc());
     content.stream = db::dwgImage(object, block ? MxDbFilerType::kUndo : MxDbFilerType::kFile);
+    if (isModuleClass(object.isA()) && !hasTrueText(object))
+        content.tags = packTags(tagsForKeeping(object), content.stream);
     return content;
 }
 
@@ -143,14 +154,14 @@ public:
             m_updateText.bind(1, m_text.append(text)).bind(2, static_cast<std::int64_t>(text.size()));
             m_updateText.bind(3, handleOf(&stub)).execute();
         }
-        m_deleteBytes.bind(1, handleOf(&stub)).execute();
+        removeBytes(stub);
         writeBytes(stub, content);
         return true;
     }
 
     void remove(const ObjectStub& stub) {
         m_delete.bind(1, handleOf(&stub)).execute();
-        m_deleteBytes.bind(1, handleOf(&stub)).execute();
+        removeBytes(stub);
     }
 
     void writeParts() {
@@ -220,7 +231,7 @@ private:
     /// The DXF text that belongs to the row. What has no stream says all it has to say in its text.
     std::string_view currentText(const ObjectStub& stub, const Content& content) {
         const db::ObjectData& data = stub.object->data();
-        if (!content.stream.empty() || !data.sourceStale || data.source.empty())
+        if (!content.stream.empty() || (!data.sourceStale && !data.source.empty()))
             return data.source.text;
         auto text = std::make_shared<const std::string>(currentRecord(*stub.object, m_parts));
         return *m_newTexts.insert_or_assign(&stub, std::move(text)).first->second;
@@ -236,11 +247,20 @@ private:
             row.bindNull(4);
     }
 
+    void removeBytes(const ObjectStub& stub) {
+        for (const std::int64_t key : {handleOf(&stub), tagsKey(handleOf(&stub))})
+            m_deleteBytes.bind(1, key).execute();
+    }
+
     void writeBytes(const ObjectStub& stub, const Content& content) {
-        if (content.stream.size() <= kLongestInlineStream)
-            return;
-        m_insertBytes.bind(1, handleOf(&stub)).bind(2, static_cast<std::int64_t>(content.stream.size()));
-        m_insertBytes.bindBlob(3, m_packer.pack(content.stream)).execute();
+        if (content.stream.size() > kLongestInlineStream)
+            writeBytes(handleOf(&stub), content.stream);
+        if (!content.tags.empty())
+            writeBytes(tagsKey(handleOf(&stub)), content.tags);
+    }
+    void writeBytes(std::int64_t key, std::string_view bytes) {
+        m_insertBytes.bind(1, key).bind(2, static_cast<std::int64_t>(bytes.size()));
+        m_insertBytes.bindBlob(3, m_packer.pack(bytes)).execute();
     }
 
     SqliteFile& m_file;

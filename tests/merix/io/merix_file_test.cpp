@@ -217,6 +217,38 @@ TEST_F(MerixFile, AnObjectWhoseModuleIsAbsentIsKeptAndComesBack) {
     EXPECT_EQ(object<SampleNote>(handle)->bytes, std::vector<std::uint8_t>(5000, 3));
 }
 
+TEST_F(MerixFile, ANewDrawingComesBackWholeWithoutHavingBeenDxf) {
+    database.imp().createDefaults();
+    saveAs("a.merix");
+    const std::string native = asDxf("a.merix");
+    EXPECT_EQ(native, saved());
+    for (const char* record : {"0\nAPPID\n", "0\nDIMSTYLE\n", "0\nVPORT\n"})
+        EXPECT_THAT(native, HasSubstr(record));
+}
+
+TEST_F(MerixFile, AnObjectWhoseModuleIsAbsentBecomesDxf) {
+    const std::string text = drawing(kEntities);
+    {
+        const WithSampleClass sample;
+        ASSERT_TRUE(load(text));
+        modify<SampleNote>(0x32, [this](SampleNote& note) {
+            note.bytes.assign(300, 7);
+            note.data().reactors.push_back({nullptr, idOf(0xC)});
+        });
+        saveAs("a.merix");
+    }
+    const auto record = [](const std::string& dxf) {
+        const std::size_t begin = dxf.find("0\nSAMPLENOTE\n");
+        return dxf.substr(begin, dxf.find("\n0\nCIRCLE", begin) - begin);
+    };
+    const std::string without = record(asDxf("a.merix"));
+    EXPECT_THAT(without, HasSubstr("0707"));
+    const WithSampleClass sample;
+    EXPECT_EQ(record(asDxf("a.merix")), without);
+    sql("a.merix", "UPDATE bytes SET data = x'00', size = 1 WHERE object = -50");
+    EXPECT_TRUE(reopen("a.merix")) << "its tags cost an object nothing but its DXF";
+}
+
 TEST_F(MerixFile, DamageGivesOneLine) {
     ASSERT_TRUE(load(drawing(kEntities)));
     saveAs("good.merix");

@@ -7,6 +7,8 @@
 #include "merix/db/access.h"
 #include "merix/io/drawing_file.h"
 #include "merix/io/dxf_binary.h"
+#include "phonomark/app/entry_point.h"
+#include "phonomark/app/phonomark_app.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/entity/ps_reactor.h"
 #include "phonomark/registry/phonomark_manager.h"
@@ -410,4 +412,41 @@ TEST_F(NoteFilesTest, TextsOfEveryKindSurvive) {
         EXPECT_TRUE(stateOf(note(id)).speaker == expected) << "undo";
         livePhManager()->ErasePhonomark(id, &document());
     }
+}
+
+TEST_F(NoteFilesTest, ANativeDrawingBecomesDxfWithoutTheModule) {
+    fill();
+    const auto before = notesOf(database());
+    const auto list = listOf(database());
+    const std::string native = write(database(), Kind::kNative, "a");
+    const auto tags = tagsOf(write(database(), Kind::kText, "direct"));
+    merix::ap::DocManager::instance().close(document());
+    mxrxEntryPoint(kUnloadAppMsg, this);
+    ASSERT_FALSE(mxrxFindMxRxClass(L"MxDbPhonomark"));
+    std::string text, binary;
+    {
+        const auto without = read(native);
+        text = write(*without, Kind::kText, "text");
+        // Once more through a native file that knows the module only by name.
+        binary = write(*read(write(*without, Kind::kNative, "b")), Kind::kBinary, "binary");
+    }
+    const auto entities = merix::test::records(tags, "ENTITIES");
+    const auto kept = merix::test::records(tagsOf(text), "ENTITIES");
+    ASSERT_EQ(kept.size(), entities.size());
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        EXPECT_EQ(kept[i], entities[i]) << i;
+    ASSERT_EQ(mxrxEntryPoint(kInitAppMsg, this), 0);
+    for (const std::string& path : {text, binary}) {
+        const auto with = read(path);
+        EXPECT_EQ(notesOf(*with), withoutReplies(before)) << path;
+        EXPECT_EQ(listOf(*with), list) << path;
+    }
+}
+
+TEST_F(NoteFilesTest, TheDxfOfARecordingCostsANativeDrawingNothing) {
+    const MxDbObjectId id = addNote();
+    const auto silent = bytesOf(write(database(), Kind::kNative, "silent")).size();
+    change(id, [](MxDbPhonomark& note) { record(note, 480'000); });
+    const auto recorded = bytesOf(write(database(), Kind::kNative, "recorded")).size();
+    EXPECT_LT(recorded - silent, 480'000 + 3 * 65'536) << "the recording once, in whole pages";
 }
