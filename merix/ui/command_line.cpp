@@ -153,6 +153,16 @@ void CommandLine::completeName() {
         m_entry->setText(common);
 }
 
+/// The keyboard goes to the first keyword of the prompt; false when it has none.
+bool CommandLine::focusKeyword() {
+    if (ed::Console::instance().keywords().empty())
+        return false;
+    m_prompt->setFocus(Qt::TabFocusReason);
+    QKeyEvent next(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier); // onto the first link of the text
+    QApplication::sendEvent(m_prompt, &next);
+    return true;
+}
+
 bool CommandLine::handleKey(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Return:
@@ -170,7 +180,9 @@ bool CommandLine::handleKey(QKeyEvent* event) {
         escape();
         return true;
     case Qt::Key_Tab:
-        if (m_entry->text().isEmpty() || ed::Prompter::instance().isWaiting())
+        if (ed::Prompter::instance().isWaiting())
+            return focusKeyword();
+        if (m_entry->text().isEmpty())
             return false;
         completeName();
         return true;

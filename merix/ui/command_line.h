@@ -32,6 +32,7 @@ private:
     bool handleKey(QKeyEvent* event);
     bool isForDrawing(const QKeyEvent& event) const;
     void completeName();
+    bool focusKeyword();
     void submit();
     void submitLine(const QString& line);
     void recall(int step);
