@@ -21,6 +21,8 @@ public:
     /// Adds `object` (open for write afterwards, owned by the database) under `key`; replaces the entry of that key.
     /// The key "*U" stands for a new name of the dictionary's own making.
     Mx::ErrorStatus setAt(const wchar_t* key, MxDbObject* object, MxDbObjectId& id);
+    /// Gives an entry another key. eKeyNotFound, eDuplicateKey; eInvalidInput for an empty key.
+    Mx::ErrorStatus rename(const wchar_t* key, const wchar_t* newKey);
     /// Keys with ids in order. Without `all`, entries of objects that are erased or do not exist are left out.
     std::vector<std::pair<std::wstring, MxDbObjectId>> entries(bool all = false) const;
 

@@ -2,8 +2,13 @@
 // Commands and host-language functions. Main thread only.
 #pragma once
 
+#include "host/ge/geometry.h"
 #include "host/rx/rx_class.h"
 #include "host/rx/status.h"
+
+#include <string>
+#include <variant>
+#include <vector>
 
 /// A command's body.
 using MxEdCommandFunction = void (*)();
@@ -34,6 +39,15 @@ public:
                                        int functionCode = -1, void* resourceHandle = nullptr,
                                        MxEdCommand** created = nullptr) = 0;
 };
+
+/// One answer to a command's prompts: a text as it would be typed, or a point in user coordinates.
+using MxEdAnswer = std::variant<std::wstring, MxGePoint3d>;
+
+/// Runs a host command (`_NAME`: by its global name) to its end with these answers; a prompt that is left without one
+/// is cancelled. Inside a command it is part of that command's undo unit. While the variable CMDECHO is 0 neither the
+/// command nor its prompts and answers are shown. kInputNormal; kInputCancel when the command ended cancelled;
+/// kInputError when there is no such command, it failed, works on the set of open drawings, or a prompt waits.
+int mxedCommand(const wchar_t* name, const std::vector<MxEdAnswer>& answers = {});
 
 /// Defines and undefines a host-language function of the calling module in the current document; calling it sends
 /// the module message 5 with this code.

@@ -15,6 +15,8 @@ enum ErrorStatus : int {
     eInvalidExtents = 9,           ///< the entity has no extents
     eNotApplicable = 10,           ///< the object has nothing of what the operation works on
     eCannotScaleNonUniformly = 11, ///< the entity cannot take a map that is no similarity
+    eReadOnly = 12,                ///< the variable can be read only
+    eOutOfRange = 13,              ///< the value is of the right type and outside its range
     eNullEntity = 20,              ///< a null pointer where an entity is needed
     eNullObjectId = 21,            ///< the id names nothing
     eKeyNotFound = 22,             ///< a table or dictionary has no such key

@@ -31,6 +31,7 @@ void DocManager::Private::end(bool failed) {
         undo.end();
     }
     --state.commands;
+    commandTarget->followLayouts();
     commandTarget->noteChange();
     commandTarget = nullptr;
 }

@@ -2,10 +2,16 @@
 // The document manager: the set of open drawings and the order of what is told when it changes.
 #include "merix/ap/doc_manager_private.h"
 #include "merix/ap/drawing_commands.h"
+#include "merix/ap/layout_commands.h"
 #include "merix/ap/recovery.h"
+#include "merix/ap/undo_commands.h"
+#include "merix/ap/wblock_command.h"
 #include "merix/ed/editor.h"
 #include "merix/ed/host_functions.h"
 #include "merix/ed/prompter.h"
+#include "merix/ed/select_entities.h"
+#include "merix/ed/selection.h"
+#include "merix/ed/view_commands.h"
 #include "merix/io/drawing_file.h"
 #include "merix/rx/class_registry.h"
 #include "merix/rx/module_loader.h"
@@ -54,6 +60,9 @@ DocManager::DocManager()
     ed::startEditor();
     ed::CommandStack::instance().setScope(m.get());
     registerDrawingCommands(ed::CommandStack::instance());
+    registerUndoCommands(ed::CommandStack::instance());
+    registerLayoutCommands(ed::CommandStack::instance());
+    registerWblockCommand(ed::CommandStack::instance());
     rx::ModuleLoader::instance().setForEachDrawing([this](const auto& call) { forEachDrawing(call); });
     rx::ModuleLoader::instance().setAroundUnload([this](const auto& unload) {
         // What a module writes down as it goes is no step of the user's.
@@ -191,6 +200,7 @@ void DocManager::activate(Document* document) {
     if (document == before || (document && !find(document)))
         return;
     ed::Prompter::instance().cancel();
+    ed::Selection::instance().clear(); // it is of the drawing that was active
     if (before)
         m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDeactivated(before); });
     if (document)
@@ -215,6 +225,10 @@ void DocManager::close(Document& document) {
     m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
     rx::ModuleLoader::instance().drawingToBeUnloaded();
     makeCurrent(before == &document ? nullptr : before);
+    if (before == &document)
+        ed::Selection::instance().clear();
+    ed::forgetSelection(document.database());
+    ed::forgetViews(document.database());
     ed::HostFunctions::instance().dropContext(&document);
 
     const auto place = std::find_if(m->documents.begin(), m->documents.end(),
@@ -274,6 +288,7 @@ bool DocManager::undo(Document& document) {
     document.m->releaseLocks(); // of nobody who still works
     if (!document.database()->imp().undo.undo())
         return false;
+    document.followLayouts();
     Q_EMIT document.graphicsChanged();
     return true;
 }
@@ -284,6 +299,7 @@ bool DocManager::redo(Document& document) {
     document.m->releaseLocks();
     if (!document.database()->imp().undo.redo())
         return false;
+    document.followLayouts();
     Q_EMIT document.graphicsChanged();
     return true;
 }

@@ -2,6 +2,7 @@
 #include "merix/ap/document_private.h"
 
 #include "merix/ed/editor.h"
+#include "merix/ed/selection.h"
 #include "merix/rx/class_registry.h"
 
 #include <QFileInfo>
@@ -20,6 +21,9 @@ void Document::Private::objectGraphicsModified(MxDbObject&) {
     Q_EMIT owner.graphicsChanged();
 }
 void Document::Private::objectErased(MxDbObject&, bool) {
+    tellChanged();
+}
+void Document::Private::headerChanged() {
     tellChanged();
 }
 void Document::Private::tellChanged() {
@@ -98,11 +102,27 @@ bool Document::setCurrentLayout(const QString& name) {
             return true;
         m->layout = known;
         m->database->imp().currentSpace = layout.space;
+        ed::Selection::instance().clear(); // it is of the space that was current
         Q_EMIT layoutChanged();
         ed::Editor::instance().notifyLayoutSwitched(layout.name);
         return true;
     }
     return false;
+}
+
+void Document::followLayouts() {
+    const MxDbObjectId space = m->database->imp().currentSpace;
+    for (const auto& layout : m->database->imp().layouts()) {
+        const QString name = QString::fromStdWString(layout.name);
+        if (layout.space != space)
+            continue;
+        if (name != m->layout) {
+            m->layout = name;
+            Q_EMIT layoutChanged();
+        }
+        return;
+    }
+    setCurrentLayout(QStringLiteral("Model"));
 }
 
 } // namespace merix::ap

@@ -55,6 +55,8 @@ private:
     friend class DocManager;
     explicit Document(std::unique_ptr<MxDbDatabase> database, const QString& path, const QString& title);
     void noteChange();
+    /// The layout worked on was renamed, or it is gone: then model space is worked on.
+    void followLayouts();
     struct Private;
     std::unique_ptr<Private> m;
 };

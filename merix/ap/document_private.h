@@ -14,6 +14,7 @@ struct Document::Private : db::DatabaseListener {
     void objectModified(MxDbObject& object) override;
     void objectGraphicsModified(MxDbObject& object) override;
     void objectErased(MxDbObject& object, bool erasing) override;
+    void headerChanged() override;
     void tellChanged();
     /// Ends the locks and their undo units, whoever took them.
     void releaseLocks();

@@ -2,11 +2,14 @@
 // The commands on whole drawings. They ask on the command line; menus with file dialogs call the manager themselves.
 #include "merix/ap/drawing_commands.h"
 
+#include "merix/ap/ask_path.h"
 #include "merix/ap/document_imp.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/view_commands.h"
 
-#include <QDir>
+#include <QPointer>
+
+#include <algorithm>
 
 namespace merix::ap {
 
@@ -23,48 +26,41 @@ Document* currentOrTell() {
     return document;
 }
 
-/// A path typed at the command line: quotes around it and a leading ~ are understood. Empty when none was given.
-QString askPath(const QString& prompt) {
-    QString path;
-    if (ed::Prompter::instance().getString(true, prompt, path) != kInputNormal)
-        return {};
-    if (path.size() >= 2 && path.startsWith(QLatin1Char('"')) && path.endsWith(QLatin1Char('"')))
-        path = path.mid(1, path.size() - 2);
-    if (path.startsWith(QLatin1String("~/")))
-        path = QDir::homePath() + path.mid(1);
-    return path;
-}
-
 bool report(const Result& result, const QString& done) {
     tell(result.ok ? done : result.message);
     return result.ok;
 }
 
-bool saveUnder(Document& document) {
+/// While a prompt waits the user may close any drawing, also the one that is asked about: null from then on.
+using OpenDocument = QPointer<Document>;
+
+bool saveUnder(const OpenDocument& document) {
     const QString path = askPath(QStringLiteral("Save drawing as: "));
-    return !path.isEmpty() &&
-           report(DocManager::instance().saveAs(document, path), QStringLiteral("Saved %1").arg(path));
+    return document && !path.isEmpty() &&
+           report(DocManager::instance().saveAs(*document, path), QStringLiteral("Saved %1").arg(path));
 }
 
-bool saveOrAsk(Document& document) {
-    if (document.path().isEmpty())
+bool saveOrAsk(const OpenDocument& document) {
+    if (document->path().isEmpty())
         return saveUnder(document);
-    return report(DocManager::instance().save(document), QStringLiteral("Saved %1").arg(document.path()));
+    return report(DocManager::instance().save(*document), QStringLiteral("Saved %1").arg(document->path()));
 }
 
-/// True when the drawing may be closed: nothing to lose, saved now, or the user lets the changes go.
-bool mayClose(Document& document) {
-    if (!document.isChanged())
+/// True when the drawing may be closed: nothing to lose, saved now, the user lets the changes go, or it is closed.
+bool mayClose(const OpenDocument& document) {
+    if (!document->isChanged())
         return true;
     ed::Prompter& prompter = ed::Prompter::instance();
     prompter.init(0, QStringLiteral("Yes No Cancel"));
     QString answer = QStringLiteral("Yes");
     const int result = prompter.getKeyword(
-        QStringLiteral("Save changes to %1? [Yes/No/Cancel] <Yes>: ").arg(document.title()), answer);
+        QStringLiteral("Save changes to %1? [Yes/No/Cancel] <Yes>: ").arg(document->title()), answer);
+    if (!document)
+        return true;
     if (result != kInputNormal && result != kInputNone)
         return false;
     if (answer == QLatin1String("Yes"))
-        return saveOrAsk(document);
+        return saveOrAsk(document) || !document;
     return answer == QLatin1String("No");
 }
 
@@ -80,39 +76,37 @@ void open() {
 
 void save() {
     if (Document* document = currentOrTell())
-        saveOrAsk(*document);
+        saveOrAsk(document);
 }
 
 void saveAs() {
     if (Document* document = currentOrTell())
-        saveUnder(*document);
+        saveUnder(document);
 }
 
 void close() {
-    if (Document* document = currentOrTell(); document && mayClose(*document))
+    const OpenDocument document(currentOrTell());
+    if (document && mayClose(document) && document)
         DocManager::instance().close(*document);
 }
 
+OpenDocument nextChanged(const std::vector<OpenDocument>& settled) {
+    for (Document* document : DocManager::instance().all())
+        if (document->isChanged() && std::find(settled.begin(), settled.end(), document) == settled.end())
+            return document;
+    return nullptr;
+}
+
+/// Drawings may be closed and opened while the user is asked about another one.
 void quit() {
-    DocManager& manager = DocManager::instance();
-    for (Document* document : manager.all()) {
-        if (!document->isChanged())
-            continue;
-        manager.activate(document);
-        if (!mayClose(*document))
+    std::vector<OpenDocument> settled;
+    while (const OpenDocument document = nextChanged(settled)) {
+        settled.push_back(document);
+        DocManager::instance().activate(document);
+        if (document && !mayClose(document))
             return;
     }
-    manager.requestQuit();
-}
-
-void undo() {
-    if (Document* document = currentOrTell(); document && !DocManager::instance().undo(*document))
-        tell(QStringLiteral("Nothing to undo."));
-}
-
-void redo() {
-    if (Document* document = currentOrTell(); document && !DocManager::instance().redo(*document))
-        tell(QStringLiteral("Nothing to redo."));
+    DocManager::instance().requestQuit();
 }
 
 } // namespace
@@ -127,9 +121,6 @@ void registerDrawingCommands(ed::CommandStack& stack) {
     add(L"SAVEAS", saveAs);
     add(L"CLOSE", close);
     add(L"QUIT", quit);
-    add(L"U", undo);
-    add(L"UNDO", undo);
-    add(L"REDO", redo);
 }
 
 } // namespace merix::ap

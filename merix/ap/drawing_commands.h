@@ -5,7 +5,7 @@
 
 namespace merix::ap {
 
-/// NEW, OPEN, SAVE, SAVEAS, CLOSE, QUIT, UNDO (U), REDO.
+/// NEW, OPEN, SAVE, SAVEAS, CLOSE and QUIT.
 void registerDrawingCommands(ed::CommandStack& stack);
 
 } // namespace merix::ap

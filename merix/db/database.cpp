@@ -304,6 +304,20 @@ void DatabaseImp::notifyHighlighted(MxDbObject& entity, bool highlighted) {
         m_listeners[i]->entityHighlighted(entity, highlighted);
 }
 
+void DatabaseImp::changeHeader(const Header& changed) {
+    if (changed == header)
+        return;
+    undo.record({UndoStep::Kind::kHeader, {}, {}, {}, std::make_shared<Header>(header)});
+    header = changed;
+    notifyHeaderChanged();
+}
+
+void DatabaseImp::notifyHeaderChanged() {
+    m_headerChanged = true;
+    for (std::size_t i = 0; i < m_listeners.size(); ++i)
+        m_listeners[i]->headerChanged();
+}
+
 void DatabaseImp::markChanged(MxDbObject& object) {
     ObjectData& data = object.data();
     data.sourceStale = true;
@@ -319,6 +333,7 @@ void DatabaseImp::clearChanged() {
             object->data().changedSinceSave = false;
     }
     m_changed.clear();
+    m_headerChanged = false;
 }
 
 void setWorkingDatabase(MxDbDatabase* database) {

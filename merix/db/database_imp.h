@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/db/database.h"
+#include "merix/db/header.h"
 #include "merix/db/object_data.h"
 #include "merix/db/undo.h"
 
@@ -23,6 +24,8 @@ public:
     virtual void objectErased(MxDbObject&, bool /*erasing*/) {}
     /// Shown as one that is meant, or no longer.
     virtual void entityHighlighted(MxDbObject&, bool /*highlighted*/) {}
+    /// Variables of the header were changed; undo and redo too.
+    virtual void headerChanged() {}
 };
 
 /// Everything of a drawing file that is no object: kept by the file readers and writers (floor io), opaque here.
@@ -122,16 +125,16 @@ public:
     void markChanged(MxDbObject& object);
     /// After a save or a load.
     void clearChanged();
-    bool isChanged() const { return !m_changed.empty(); }
+    bool isChanged() const { return m_headerChanged || !m_changed.empty(); }
 
-    /// Header variables that the host itself uses, by name without `$`; points as three numbers.
-    struct Header {
-        MxGePoint3d extMin{1e20, 1e20, 0}, extMax{-1e20, -1e20, 0};
-        std::wstring currentLayer = L"0";
-        double linetypeScale = 1.0;
-        double textSize = 2.5;
-        std::int16_t insUnits = 4;
-    } header;
+    /// Written directly while a drawing is read; later by changeHeader.
+    using Header = DrawingHeader;
+    Header header;
+    /// Replaces the header's variables: a step that can be undone, told to listeners. The same values are no change.
+    void changeHeader(const Header& changed);
+    bool isHeaderChanged() const { return m_headerChanged; }
+    /// The header was replaced by undo, redo or changeHeader.
+    void notifyHeaderChanged();
 
     std::unique_ptr<FileParts> fileParts;
 
@@ -152,6 +155,7 @@ private:
     std::unordered_map<std::uint64_t, ObjectStub*> m_byHandle;
     std::uint64_t m_nextHandle = 1;
     std::vector<MxDbObjectId> m_changed;
+    bool m_headerChanged = false; ///< since the last save or load
     std::vector<DatabaseListener*> m_listeners;
     std::uint64_t m_namesVersion = 0;
     mutable NameIndex m_blockNames, m_layerNames, m_linetypeNames, m_textStyleNames;

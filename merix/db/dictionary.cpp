@@ -73,6 +73,26 @@ Mx::ErrorStatus MxDbDictionary::setAt(const wchar_t* key, MxDbObject* object, Mx
     return Mx::eOk;
 }
 
+Mx::ErrorStatus MxDbDictionary::rename(const wchar_t* key, const wchar_t* newKey) {
+    if (!newKey || !*newKey)
+        return Mx::eInvalidInput;
+    const std::size_t place = find(key);
+    if (place == m_entries.size() || !DatabaseImp::peek(m_entries[place].second))
+        return Mx::eKeyNotFound;
+    if (const std::size_t other = find(newKey); other != m_entries.size() && other != place) {
+        if (DatabaseImp::peek(m_entries[other].second))
+            return Mx::eDuplicateKey;
+        assertWriteEnabled();
+        m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(other)); // of an erased object
+        m_index.clear();
+        return rename(key, newKey);
+    }
+    assertWriteEnabled();
+    m_entries[place].first = newKey;
+    m_index.clear();
+    return Mx::eOk;
+}
+
 std::vector<std::pair<std::wstring, MxDbObjectId>> MxDbDictionary::entries(bool all) const {
     assertReadEnabled();
     if (all)

@@ -2,7 +2,6 @@
 #include "merix/db/layers.h"
 
 #include "merix/db/clone.h"
-#include "merix/rx/text.h"
 
 #include <algorithm>
 #include <array>
@@ -150,13 +149,9 @@ Mx::ErrorStatus setCurrentLayer(MxDbObjectId id) {
     if (layer.isFrozen())
         return Mx::eNotApplicable;
     DatabaseImp& database = *layer.data().stub->database;
-    if (database.header.currentLayer != layer.name) {
-        database.undo.record({UndoStep::Kind::kCurrentLayer, id, rx::toUtf8(database.header.currentLayer), {}});
-        database.header.currentLayer = layer.name;
-        // The header belongs to no object: this makes the drawing one that is to be saved.
-        database.markChanged(layer);
-        database.notifyModified(layer);
-    }
+    DatabaseImp::Header header = database.header;
+    header.currentLayer = layer.name;
+    database.changeHeader(header);
     return Mx::eOk;
 }
 

@@ -4,7 +4,6 @@
 #include "merix/db/database_imp.h"
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
-#include "merix/rx/text.h"
 
 #include <utility>
 
@@ -47,16 +46,6 @@ void setPresent(MxDbObject& object, bool present, bool ofAppend) {
         else
             reactor.unappended(&object);
     });
-}
-
-/// `layer` became the current one, or was it before.
-void swapCurrentLayer(MxDbObject& layer, UndoStep& step) {
-    DatabaseImp& database = *layer.data().stub->database;
-    std::string now = rx::toUtf8(database.header.currentLayer);
-    database.header.currentLayer = rx::fromUtf8(std::exchange(step.image, std::move(now)));
-    database.markChanged(layer);
-    const ReadAccess readable(layer);
-    database.notifyModified(layer);
 }
 
 } // namespace
@@ -128,7 +117,12 @@ void UndoRecorder::clear() {
 
 void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
     m_applying = true;
-    const auto applyStep = [redoing](UndoStep& step) {
+    const auto applyStep = [this, redoing](UndoStep& step) {
+        if (step.kind == UndoStep::Kind::kHeader) {
+            std::swap(m_database.header, *step.header);
+            m_database.notifyHeaderChanged();
+            return;
+        }
         MxDbObject* object = DatabaseImp::peek(step.id, true);
         if (!object)
             return;
@@ -145,9 +139,8 @@ void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
         case UndoStep::Kind::kErase:
             setPresent(*object, !redoing, false);
             break;
-        case UndoStep::Kind::kCurrentLayer:
-            swapCurrentLayer(*object, step);
-            break;
+        case UndoStep::Kind::kHeader:
+            break; // done above: it is of no object
         }
     };
     if (redoing) {

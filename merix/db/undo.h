@@ -5,17 +5,21 @@
 
 #include "merix/db/object_data.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace merix::db {
 
+struct DrawingHeader;
+
 struct UndoStep {
-    enum class Kind { kAppend, kModify, kErase, kUnerase, kCurrentLayer };
+    enum class Kind { kAppend, kModify, kErase, kUnerase, kHeader };
     Kind kind;
     MxDbObjectId id;
-    std::string image;      ///< kModify: the binary filing of the state before; kCurrentLayer: its name before
-    std::wstring className; ///< kModify: the class whose filing it is
+    std::string image;                               ///< kModify: the binary filing of the state before
+    std::wstring className;                          ///< kModify: the class whose filing it is
+    std::shared_ptr<DrawingHeader> header = nullptr; ///< kHeader: the variables before
 };
 
 struct UndoUnit {

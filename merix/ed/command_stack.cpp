@@ -4,6 +4,7 @@
 #include "merix/ed/editor.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/reactor_list.h"
+#include "merix/ed/variables.h"
 
 #include <QTimer>
 
@@ -109,53 +110,94 @@ CommandStack::Outcome CommandStack::runLine(const QString& line) {
         return Outcome::kRefused;
     }
     const int blank = typed.indexOf(QLatin1Char(' '));
-    QString name = typed.left(blank);
+    const auto command = resolve(typed.left(blank));
+    if (!command)
+        return Outcome::kUnknown;
+    m_last = typed.left(blank);
+    return run(command, blank < 0 ? QString() : typed.mid(blank + 1));
+}
+
+std::shared_ptr<CommandStack::Command> CommandStack::resolve(QString name) const {
+    Console& console = Console::instance();
     bool global = false;
     while (!name.isEmpty() && QStringLiteral("'._").contains(name[0])) {
         global = global || name[0] == QLatin1Char('_');
         name.remove(0, 1);
     }
-    const auto command = find(name, global);
+    auto command = find(name, global);
+    if (!command)
+        command = find(m_aliases.value(name.toUpper()), true);
     if (!command) {
         console.print(QStringLiteral("\nUnknown command \"%1\".").arg(name));
-        return Outcome::kUnknown;
+        return nullptr;
     }
     if (originOf(command->function) != command->origin) {
         console.print(QStringLiteral("\nThe module of the command %1 is not loaded.").arg(name));
-        return Outcome::kUnknown;
+        return nullptr;
     }
-    m_last = typed.left(blank);
-    return run(command, blank < 0 ? QString() : typed.mid(blank + 1));
+    return command;
+}
+
+void CommandStack::addAlias(const QString& alias, const QString& globalName) {
+    m_aliases[alias.toUpper()] = globalName;
 }
 
 CommandStack::Outcome CommandStack::run(const std::shared_ptr<Command>& command, const QString& answers) {
-    const QString name = QString::fromStdWString(command->global);
     const bool scoped = m_scope && !(command->bits & kSessionCommand);
-    if (scoped && !m_scope->begin(name))
+    if (scoped && !m_scope->begin(QString::fromStdWString(command->global)))
         return Outcome::kRefused;
     m_running = command;
     Prompter& prompter = Prompter::instance();
-    Editor& editor = Editor::instance();
     prompter.beginCommand(answers);
-    editor.notifyCommandWillStart(command->global);
-    const bool done = guarded(qPrintable(name), command->function);
-    const bool cancelled = prompter.wasCancelled();
+    const Outcome outcome = runBody(*command);
     prompter.endCommand();
     if (scoped)
-        m_scope->end(!done);
+        m_scope->end(outcome == Outcome::kFailed);
     m_running.reset();
-    Outcome outcome = Outcome::kEnded;
-    if (!done) {
-        outcome = Outcome::kFailed;
-        editor.notifyCommandFailed(command->global);
-    } else if (cancelled) {
-        outcome = Outcome::kCancelled;
-        editor.notifyCommandCancelled(command->global);
-    } else {
-        editor.notifyCommandEnded(command->global);
-    }
+    tellEnd(*command, outcome);
     if (m_scope)
         m_scope->idle();
+    return outcome;
+}
+
+CommandStack::Outcome CommandStack::runBody(const Command& command) {
+    Editor::instance().notifyCommandWillStart(command.global);
+    if (!guarded(qPrintable(QString::fromStdWString(command.global)), command.function))
+        return Outcome::kFailed;
+    return Prompter::instance().wasCancelled() ? Outcome::kCancelled : Outcome::kEnded;
+}
+
+void CommandStack::tellEnd(const Command& command, Outcome outcome) {
+    Editor& editor = Editor::instance();
+    if (outcome == Outcome::kFailed)
+        editor.notifyCommandFailed(command.global);
+    else if (outcome == Outcome::kCancelled)
+        editor.notifyCommandCancelled(command.global);
+    else
+        editor.notifyCommandEnded(command.global);
+}
+
+CommandStack::Outcome CommandStack::runGiven(const QString& name, std::vector<MxEdAnswer> answers) {
+    Prompter& prompter = Prompter::instance();
+    if (prompter.isWaiting())
+        return Outcome::kRefused;
+    const bool echo = isCommandEchoOn();
+    const Prompter::Given given(std::move(answers), echo);
+    if (echo)
+        Console::instance().print(QStringLiteral("\nCommand: ") + name);
+    const auto command = resolve(name.trimmed());
+    if (!command)
+        return Outcome::kUnknown;
+    if (command->bits & kSessionCommand)
+        return Outcome::kRefused;
+    if (!isRunning())
+        return run(command, {});
+    const auto outer = std::exchange(m_running, command);
+    prompter.beginCommand({});
+    const Outcome outcome = runBody(*command);
+    prompter.endCommand();
+    m_running = outer;
+    tellEnd(*command, outcome);
     return outcome;
 }
 

@@ -4,6 +4,7 @@
 
 #include "host/ed/commands.h"
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -50,6 +51,9 @@ public:
     /// its first answers; an empty line repeats the last command. `'` and `.` before a name are passed over. Returns
     /// when the command is over.
     Outcome runLine(const QString& line);
+    /// Runs a command by name with these answers, inside the command under way as part of it. Nothing is shown of it
+    /// while the variable CMDECHO is 0. kRefused for session commands and while a prompt waits.
+    Outcome runGiven(const QString& name, std::vector<MxEdAnswer> answers);
     /// For menus and keys: cancels the prompt under way and runs the line as soon as nothing runs.
     void submit(const QString& line);
 
@@ -59,17 +63,30 @@ public:
     /// "GROUP.GLOBAL" of every command in the order of registration.
     QStringList commands() const;
 
+    /// A short name that the user may type for a host command; the name of a command comes before it. A second one of
+    /// the same name replaces the first.
+    void addAlias(const QString& alias, const QString& globalName);
+    /// Upper-case alias to global name.
+    const QMap<QString, QString>& aliases() const { return m_aliases; }
+
     /// Null: commands run without undo. Not owned.
     void setScope(CommandScope* scope) { m_scope = scope; }
+    CommandScope* scope() const { return m_scope; }
 
 private:
     struct Command;
     CommandStack();
     std::shared_ptr<Command> find(const QString& name, bool global) const;
+    /// What was typed stands for; null after the console was told why.
+    std::shared_ptr<Command> resolve(QString name) const;
     Outcome run(const std::shared_ptr<Command>& command, const QString& answers);
+    /// The command itself between its events.
+    Outcome runBody(const Command& command);
+    static void tellEnd(const Command& command, Outcome outcome);
 
     std::vector<std::shared_ptr<Command>> m_commands;
     std::shared_ptr<Command> m_running;
+    QMap<QString, QString> m_aliases;
     QString m_last;
     CommandScope* m_scope = nullptr;
 };

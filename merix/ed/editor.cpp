@@ -1,7 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ed/editor.h"
 
+#include "merix/ed/audit_command.h"
+#include "merix/ed/clipboard_commands.h"
 #include "merix/ed/command_stack.h"
+#include "merix/ed/draw_commands.h"
+#include "merix/ed/draw_order_command.h"
+#include "merix/ed/edit_commands.h"
+#include "merix/ed/layer_command.h"
+#include "merix/ed/polyline_command.h"
+#include "merix/ed/setvar_command.h"
+#include "merix/ed/transform_commands.h"
 #include "merix/ed/view_commands.h"
 #include "merix/rx/system_registry.h"
 
@@ -48,7 +57,17 @@ void Editor::notifyViewChanged() {
 void startEditor() {
     rx::setSystemRegistryEntry(L"MERIX_REGISTERED_COMMANDS", &CommandStack::instance());
     rx::setSystemRegistryEntry(L"MxEditor", &Editor::instance());
-    registerViewCommands(CommandStack::instance());
+    CommandStack& stack = CommandStack::instance();
+    registerAuditCommand(stack);
+    registerClipboardCommands(stack);
+    registerDrawCommands(stack);
+    registerDrawOrderCommand(stack);
+    registerEditCommands(stack);
+    registerLayerCommand(stack);
+    registerPolylineCommand(stack);
+    registerSetvarCommand(stack);
+    registerTransformCommands(stack);
+    registerViewCommands(stack);
 }
 
 } // namespace merix::ed

@@ -6,9 +6,11 @@
 #include "host/ed/commands.h"
 #include "merix/db/database_imp.h"
 #include "merix/ed/active_view.h"
+#include "merix/ed/command_stack.h"
 #include "merix/ed/host_functions.h"
 #include "merix/ed/printf_format.h"
 #include "merix/ed/prompter.h"
+#include "merix/ed/selection.h"
 
 #include <algorithm>
 #include <cmath>
@@ -151,7 +153,20 @@ Mx::ErrorStatus mxdbEntUpd(MxDbObjectId entity) {
 }
 
 int mxedSSClearFirst() {
-    return kInputNormal; // commands begin without a selection: there is no way to make one before them
+    merix::ed::Selection::instance().clear();
+    return kInputNormal;
+}
+
+int mxedCommand(const wchar_t* name, const std::vector<MxEdAnswer>& answers) {
+    using Outcome = merix::ed::CommandStack::Outcome;
+    switch (merix::ed::CommandStack::instance().runGiven(fromWide(name), answers)) {
+    case Outcome::kEnded:
+        return kInputNormal;
+    case Outcome::kCancelled:
+        return kInputCancel;
+    default:
+        return kInputError;
+    }
 }
 
 int mxedDefun(const wchar_t* name, int code) {

@@ -7,10 +7,22 @@
 
 #include <QEventLoop>
 
+#include <cmath>
+
 namespace merix::ed {
 
-namespace {
-constexpr int kNoEmptyAnswer = 1;
+Prompter::Given::Given(std::vector<MxEdAnswer> answers, bool echo)
+    : m_answers(answers.begin(), answers.end())
+    , m_echo(echo)
+    , m_outer(std::exchange(instance().m_given, this))
+    , m_typeAhead(instance().m_typeAhead)
+    , m_result(instance().m_result) {}
+
+Prompter::Given::~Given() {
+    Prompter& prompter = instance();
+    prompter.m_given = m_outer;
+    prompter.m_typeAhead = m_typeAhead;
+    prompter.m_result = m_result;
 }
 
 Prompter& Prompter::instance() {
@@ -55,6 +67,60 @@ int Prompter::waitForPoint(Wants wants, const QString& prompt, MxGePoint3d& poin
     return result;
 }
 
+int Prompter::waitForNumber(Wants wants, const QString& prompt) {
+    m_isMeasured = false;
+    const int result = wait(wants, prompt);
+    m_base.reset();
+    return result;
+}
+
+int Prompter::getMeasure(Wants wants, const MxGePoint3d* base, const QString& prompt, double& value) {
+    if (isWaiting())
+        return kInputError;
+    const int control = m_control;
+    m_base = base ? std::optional(*base) : std::nullopt;
+    int result = waitForNumber(wants, prompt);
+    if (result == kInputNormal && m_isMeasured) {
+        m_base = m_point;
+        m_control = control | kNotEmpty;
+        result = waitForNumber(wants, QStringLiteral("Second point: "));
+    }
+    if (result == kInputNormal)
+        value = m_number;
+    return result;
+}
+
+int Prompter::getDistance(const MxGePoint3d* base, const QString& prompt, double& distance) {
+    return getMeasure(Wants::kDistance, base, prompt, distance);
+}
+
+int Prompter::getAngle(const MxGePoint3d* base, const QString& prompt, double& radians) {
+    return getMeasure(Wants::kAngle, base, prompt, radians);
+}
+
+int Prompter::getReal(const QString& prompt, double& value) {
+    if (isWaiting())
+        return kInputError;
+    const int result = waitForNumber(Wants::kReal, prompt);
+    if (result == kInputNormal)
+        value = m_number;
+    return result;
+}
+
+int Prompter::getInteger(const QString& prompt, int& value) {
+    if (isWaiting())
+        return kInputError;
+    const int result = waitForNumber(Wants::kInteger, prompt);
+    if (result == kInputNormal)
+        value = static_cast<int>(m_number);
+    return result;
+}
+
+bool Prompter::isPointTaken() const {
+    return m_wants == Wants::kPoint || m_wants == Wants::kPick || m_wants == Wants::kDistance ||
+           m_wants == Wants::kAngle;
+}
+
 int Prompter::getKeyword(const QString& prompt, QString& keyword) {
     const int result = wait(Wants::kKeyword, prompt);
     if (result == kInputNormal)
@@ -82,20 +148,12 @@ int Prompter::wait(Wants wants, const QString& prompt) {
     Console::instance().setPrompt(prompt, m_keywords);
     Q_EMIT changed();
     while (!m_answered) {
-        if (!m_typeAhead.isEmpty()) {
+        if (!m_typeAhead.isEmpty())
             take(std::exchange(m_typeAhead, QString()));
-            continue;
-        }
-        if (m_source && m_source->feed())
-            continue;
-        if (m_answered)
-            break;
-        QEventLoop loop;
-        m_loop = &loop;
-        loop.exec();
-        m_loop = nullptr;
-        if (!m_answered)
-            cancel(); // the program ends: the loop was left without an answer
+        else if (m_given)
+            takeGiven();
+        else if (!m_source || !m_source->feed())
+            waitForEvents();
     }
     m_wants = Wants::kNothing;
     m_control = 0;
@@ -103,6 +161,37 @@ int Prompter::wait(Wants wants, const QString& prompt) {
     Console::instance().setPrompt(QString(), {});
     Q_EMIT changed();
     return m_result;
+}
+
+void Prompter::waitForEvents() {
+    if (m_answered)
+        return;
+    QEventLoop loop;
+    m_loop = &loop;
+    loop.exec();
+    m_loop = nullptr;
+    if (!m_answered)
+        cancel(); // the program ends: the loop was left without an answer
+}
+
+void Prompter::takeGiven() {
+    if (m_given->m_answers.empty()) {
+        cancel();
+        return;
+    }
+    const MxEdAnswer answer = std::move(m_given->m_answers.front());
+    m_given->m_answers.pop_front();
+    if (const auto* text = std::get_if<std::wstring>(&answer))
+        take(QString::fromStdWString(*text));
+    else if (isPointTaken())
+        submitPoint(std::get<MxGePoint3d>(answer));
+    else
+        askAgain(QStringLiteral("A point is no answer here."));
+}
+
+void Prompter::echo(const QString& text) const {
+    if (!m_given || m_given->m_echo)
+        Console::instance().print(text);
 }
 
 void Prompter::finish(int result) {
@@ -121,19 +210,47 @@ void Prompter::submitLine(const QString& line) {
         CommandStack::instance().runLine(line);
 }
 
-void Prompter::submitPoint(const MxGePoint3d& world) {
-    if ((m_wants != Wants::kPoint && m_wants != Wants::kPick) || m_answered)
+void Prompter::submitPoint(const MxGePoint3d& world, bool takesAway) {
+    if (!isPointTaken() || m_answered)
         return;
-    Console::instance().print(QLatin1Char('\n') + Console::instance().prompt() + formatPoint(world));
-    m_point = m_lastPoint = world;
-    finish(kInputNormal);
+    echo(QLatin1Char('\n') + Console::instance().prompt() + formatPoint(world));
+    m_takesAway = takesAway;
+    finishPoint(world);
+}
+
+/// A point answers a prompt for a number too: by its distance or direction from the base, or as the base.
+void Prompter::finishPoint(const MxGePoint3d& point) {
+    m_point = m_lastPoint = point;
+    if (m_wants == Wants::kPoint || m_wants == Wants::kPick) {
+        finish(kInputNormal);
+    } else if (!m_base) {
+        m_isMeasured = true;
+        finish(kInputNormal);
+    } else {
+        const MxGeVector3d v = point - *m_base;
+        finishNumber(m_wants == Wants::kAngle ? std::atan2(v.y, v.x) : v.length());
+    }
+}
+
+void Prompter::finishNumber(double number) {
+    if ((m_control & kNotZero) && (m_control & kNotNegative) && number <= 0.0) {
+        askAgain(QStringLiteral("A number above 0 is needed."));
+    } else if ((m_control & kNotZero) && number == 0.0) {
+        askAgain(QStringLiteral("A number other than 0 is needed."));
+    } else if ((m_control & kNotNegative) && number < 0.0) {
+        askAgain(QStringLiteral("A number that is not below 0 is needed."));
+    } else {
+        m_isMeasured = false;
+        m_number = number;
+        finish(kInputNormal);
+    }
 }
 
 void Prompter::cancel() {
     if (!isWaiting() || m_answered)
         return;
     m_typeAhead.clear();
-    Console::instance().print(QLatin1Char('\n') + Console::instance().prompt() + QStringLiteral("*Cancel*"));
+    echo(QLatin1Char('\n') + Console::instance().prompt() + QStringLiteral("*Cancel*"));
     finish(kInputCancel);
 }
 
@@ -145,9 +262,10 @@ void Prompter::take(const QString& line) {
             m_typeAhead = answer.mid(blank + 1).trimmed();
             answer.truncate(blank);
         }
-    Console::instance().print(QLatin1Char('\n') + Console::instance().prompt() + answer);
+    echo(QLatin1Char('\n') + Console::instance().prompt() + answer);
+    m_takesAway = false;
     if (answer.isEmpty()) {
-        if (m_control & kNoEmptyAnswer)
+        if (m_control & kNotEmpty)
             askAgain(QStringLiteral("An answer is needed."));
         else
             finish(kInputNone);
@@ -155,20 +273,42 @@ void Prompter::take(const QString& line) {
         takePoint(answer);
     } else if (m_wants == Wants::kKeyword) {
         takeKeyword(answer);
-    } else {
+    } else if (m_wants == Wants::kString) {
         m_text = answer;
         finish(kInputNormal);
+    } else {
+        takeNumber(answer);
     }
 }
 
+void Prompter::takeNumber(const QString& answer) {
+    bool ok = false;
+    const double number = m_wants == Wants::kInteger ? answer.toInt(&ok) : answer.toDouble(&ok);
+    if (ok && std::isfinite(number)) {
+        finishNumber(m_wants == Wants::kAngle ? degreesToRadians(number) : number);
+        return;
+    }
+    if (isPointTaken())
+        if (const auto point = parseTypedPoint(answer, m_base.value_or(m_lastPoint))) {
+            finishPoint(*point);
+            return;
+        }
+    if (takeAsKeyword(answer, kInputKeyword))
+        return;
+    const QString what = m_wants == Wants::kInteger    ? QStringLiteral("A whole number")
+                         : m_wants == Wants::kDistance ? QStringLiteral("A distance")
+                         : m_wants == Wants::kAngle    ? QStringLiteral("An angle")
+                                                       : QStringLiteral("A number");
+    askAgain(what + (m_keywords.empty() ? QStringLiteral(" is needed.")
+                                        : QStringLiteral(" or one of the options is needed.")));
+}
+
 void Prompter::takePoint(const QString& answer) {
-    if (const auto point = parseTypedPoint(answer, m_base.value_or(m_lastPoint))) {
-        m_point = m_lastPoint = *point;
-        finish(kInputNormal);
-    } else if (!takeAsKeyword(answer, kInputKeyword)) {
+    if (const auto point = parseTypedPoint(answer, m_base.value_or(m_lastPoint)))
+        finishPoint(*point);
+    else if (!takeAsKeyword(answer, kInputKeyword))
         askAgain(m_keywords.empty() ? QStringLiteral("A point is needed.")
                                     : QStringLiteral("A point or one of the options is needed."));
-    }
 }
 
 void Prompter::takeKeyword(const QString& answer) {
@@ -180,6 +320,11 @@ bool Prompter::takeAsKeyword(const QString& answer, int result) {
     const KeywordMatch match = matchKeyword(m_keywords, answer);
     if (match.keyword) {
         m_lastKeyword = match.keyword->global;
+        finish(result);
+        return true;
+    }
+    if (match.candidates.isEmpty() && (m_control & kAnyText)) {
+        m_lastKeyword = answer;
         finish(result);
         return true;
     }

@@ -3,12 +3,17 @@
 
 #include "merix/ed/command_stack.h"
 
+class MxDbDatabase;
+
 namespace merix::ed {
 
 /// The group of the host's own commands.
 inline constexpr const wchar_t* kHostGroup = L"MERIX";
 
-/// ZOOM and REGEN.
+/// The views to go back to of a drawing that is closed.
+void forgetViews(const MxDbDatabase* database);
+
+/// ZOOM, PAN (-PAN), REGEN and REDRAW.
 void registerViewCommands(CommandStack& stack);
 
 } // namespace merix::ed

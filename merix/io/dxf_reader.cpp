@@ -64,6 +64,8 @@ FileResult Reader::run() {
     m_imp.header = m_split.header;
     if (!m_split.currentLayer.empty())
         m_imp.header.currentLayer = m_encoding.decode(m_split.currentLayer);
+    if (!m_split.currentLinetype.empty())
+        m_imp.header.currentLinetype = m_encoding.decode(m_split.currentLinetype);
     m_stubs.assign(m_split.records.size(), nullptr);
     // Handles that the file gives are taken before any is given out.
     for (const DxfRecord& record : m_split.records) {

@@ -242,6 +242,14 @@ void Splitter::takeHeaderTag(const DxfTag& tag) {
         setPoint(header.extMax);
     else if (m_variable == "$CLAYER")
         m_split.currentLayer = tag.value;
+    else if (m_variable == "$CELTYPE")
+        m_split.currentLinetype = tag.value;
+    else if (m_variable == "$CECOLOR")
+        header.currentColor = static_cast<std::int16_t>(std::clamp<std::int64_t>(toInteger(tag.value), 0, 256));
+    else if (m_variable == "$CELWEIGHT")
+        header.currentLineWeight = static_cast<std::int16_t>(std::clamp<std::int64_t>(toInteger(tag.value), -3, 211));
+    else if (m_variable == "$CELTSCALE")
+        header.currentLinetypeScale = toDouble(tag.value);
     else if (m_variable == "$LTSCALE")
         header.linetypeScale = toDouble(tag.value);
     else if (m_variable == "$TEXTSIZE")

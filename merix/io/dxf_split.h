@@ -32,9 +32,9 @@ struct DxfSplit {
     std::vector<DxfRecord> records; ///< of all runs, in file order
     std::vector<DxfRecord> blocks;  ///< BLOCK records; `part` is that of kBlockBegin
     db::DatabaseImp::Header header;
-    std::string_view currentLayer; ///< $CLAYER, as bytes of the file
-    std::uint64_t lastHandle = 0;  ///< the greatest handle that the file names
-    std::string error;             ///< one line, empty when all is well
+    std::string_view currentLayer, currentLinetype; ///< $CLAYER and $CELTYPE, as bytes of the file
+    std::uint64_t lastHandle = 0;                   ///< the greatest handle that the file names
+    std::string error;                              ///< one line, empty when all is well
     std::vector<std::string> notes;
 };
 

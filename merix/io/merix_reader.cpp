@@ -155,6 +155,14 @@ void Reader::readMeta() {
         extents.remove_prefix(end + 1);
     }
     header.currentLayer = fromUtf8(meta("current_layer"));
+    if (const std::string linetype = meta("current_linetype"); !linetype.empty()) { // older drawings lack these four
+        header.currentLinetype = fromUtf8(linetype);
+        header.currentLinetypeScale = toDouble(meta("current_linetype_scale"));
+        header.currentColor =
+            static_cast<std::int16_t>(std::clamp<std::int64_t>(toInteger(meta("current_color")), 0, 256));
+        header.currentLineWeight =
+            static_cast<std::int16_t>(std::clamp<std::int64_t>(toInteger(meta("current_line_weight")), -3, 211));
+    }
     header.linetypeScale = toDouble(meta("linetype_scale"));
     header.textSize = toDouble(meta("text_size"));
     header.insUnits = static_cast<std::int16_t>(std::clamp<std::int64_t>(toInteger(meta("ins_units")), 0, 100));

@@ -192,7 +192,11 @@ public:
         const std::map<std::string, std::string> values = {
             {"class_names", classNames},
             {"code_page", m_parts.codePage},
+            {"current_color", std::to_string(header.currentColor)},
             {"current_layer", toUtf8(header.currentLayer)},
+            {"current_line_weight", std::to_string(header.currentLineWeight)},
+            {"current_linetype", toUtf8(header.currentLinetype)},
+            {"current_linetype_scale", fromDouble(header.currentLinetypeScale)},
             {"dxf_form", std::to_string(static_cast<int>(m_parts.form))},
             {"dxf_source_form", std::to_string(static_cast<int>(m_parts.sourceForm))},
             {"dxf_version", m_parts.version},

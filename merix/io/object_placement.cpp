@@ -5,6 +5,7 @@
 #include "merix/io/dxf_out_filer.h"
 #include "merix/io/dxf_split.h"
 #include "merix/io/dxf_value.h"
+#include "merix/io/header_variables.h"
 
 #include <algorithm>
 #include <array>
@@ -62,8 +63,8 @@ std::string newDrawingText(const db::DatabaseImp& database) {
     variable("$TEXTSIZE", 40, fromDouble(header.textSize));
     variable("$TEXTSTYLE", 7, "Standard");
     variable("$CLAYER", 8, DxfEncoding("AC1021", "").encode(header.currentLayer));
-    variable("$CELTYPE", 6, "ByLayer");
-    variable("$CECOLOR", 62, "256");
+    variable("$CELTYPE", 6, DxfEncoding("AC1021", "").encode(header.currentLinetype));
+    variable("$CECOLOR", 62, std::to_string(header.currentColor));
     variable("$INSUNITS", 70, std::to_string(header.insUnits));
     variable("$MEASUREMENT", 70, "1");
     tag(0, "ENDSEC");
@@ -272,6 +273,8 @@ void leaveOutErasedReactors(db::DatabaseImp& database, DrawingParts& parts) {
 std::unique_ptr<DrawingParts> placedParts(db::DatabaseImp& database) {
     std::unique_ptr<DrawingParts> parts = Placer(database).run();
     leaveOutErasedReactors(database, *parts);
+    if (database.isHeaderChanged())
+        storeHeader(*parts, database.header);
     return parts;
 }
 

@@ -303,7 +303,7 @@ void DrawingView::paintCursor(QPainter& painter) const {
     if (!m_cursor || m_panning)
         return;
     const ed::Prompter& prompter = ed::Prompter::instance();
-    const bool wantsPoint = prompter.wants() == ed::Prompter::Wants::kPoint;
+    const bool wantsPoint = prompter.isPointTaken() && prompter.wants() != ed::Prompter::Wants::kPick;
     const QPointF c(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
     if (wantsPoint && prompter.base())
         paintRubberBand(painter, c);
@@ -440,7 +440,7 @@ void DrawingView::leftPress(QMouseEvent* event) {
         m_answeredAt = event->localPos();
         const MxGePoint3d point = aimedAt(event->localPos());
         m_snap.reset();
-        ed::Prompter::instance().submitPoint(point);
+        ed::Prompter::instance().submitPoint(point, event->modifiers() & Qt::ShiftModifier);
     } else if (!ed::CommandStack::instance().isRunning()) {
         m_hand.press(event->localPos(), event->modifiers());
         QWidget::update();
@@ -454,7 +454,8 @@ void DrawingView::leftRelease(QMouseEvent* event) {
         m_hand.release(event->localPos(), event->modifiers());
     else if (ed::Prompter::instance().isCornerWanted() &&
              QLineF(*answeredAt, event->localPos()).length() > kDragDistance)
-        ed::Prompter::instance().submitPoint(aimedAt(event->localPos())); // the corner was dragged open
+        ed::Prompter::instance().submitPoint(aimedAt(event->localPos()), // the corner was dragged open
+                                             event->modifiers() & Qt::ShiftModifier);
     m_hover.start(0);
 }
 

@@ -2,6 +2,7 @@
 #include "merix/ui/layer_box.h"
 
 #include "merix/db/database_imp.h"
+#include "merix/db/layers.h"
 #include "merix/ed/console.h"
 #include "merix/gi/colors.h"
 #include "merix/ui/icons.h"
@@ -125,7 +126,7 @@ void LayerBox::makeCurrent(int index) {
         ed::Console::instance().print(
             QStringLiteral("\nThe layer %1 is frozen and cannot be current.").arg(row(index).name));
     else
-        m_document->database()->imp().header.currentLayer = row(index).name.toStdWString();
+        db::setCurrentLayer(m_document->database()->imp().layerNamed(row(index).name.toStdWString()));
     showLayers(m_document);
 }
 

@@ -2,8 +2,10 @@
 #include "merix/ed/command_stack.h"
 
 #include "answers.h"
+#include "host/ed/variables.h"
 #include "host/rx/registry.h"
 #include "merix/ed/editor.h"
+#include "merix/ed/prompter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,14 +42,20 @@ public:
 
 struct Scope : CommandScope {
     bool allow = true;
-    Scope() { CommandStack::instance().setScope(this); }
-    ~Scope() override { CommandStack::instance().setScope(nullptr); }
+    Scope()
+        : m_before(CommandStack::instance().scope()) {
+        CommandStack::instance().setScope(this);
+    }
+    ~Scope() override { CommandStack::instance().setScope(m_before); }
     bool begin(const QString& name) override {
         note("begin " + name.toStdString());
         return allow;
     }
     void end(bool failed) override { note(failed ? "take back" : "keep"); }
     void idle() override { note("idle"); }
+
+private:
+    CommandScope* const m_before;
 };
 
 void askTwice() {
@@ -61,14 +69,20 @@ protected:
     CommandStackTest() {
         g_log.clear();
         auto& stack = CommandStack::instance();
+        m_scope = stack.scope();
+        stack.setScope(nullptr);
         stack.addCommand(L"TEST", L"WORK", L"ARBEIT", 1, [] { note("work"); });
         stack.addCommand(L"TEST", L"THROW", L"THROW", 1, [] { throw std::runtime_error("bad day"); });
         stack.addCommand(L"TEST", L"ASK", L"ASK", 1, askTwice);
         stack.addCommand(L"TEST", L"SESSION", L"SESSION", kSessionCommand, [] { note("session"); });
         Console::instance().markRead();
     }
+    ~CommandStackTest() override { CommandStack::instance().setScope(m_scope); }
     static Outcome run(const char* line) { return CommandStack::instance().runLine(QString::fromUtf8(line)); }
     static std::string shown() { return Console::instance().unread().toStdString(); }
+
+private:
+    CommandScope* m_scope; ///< of the documents, when another test has made them
 };
 
 } // namespace
@@ -194,4 +208,65 @@ TEST_F(CommandStackTest, ACommandWithoutNameOrBodyIsRefused) {
     EXPECT_EQ(stack.addCommand(L"T", L"", L"X", 0, [] {}), Mx::eInvalidInput);
     EXPECT_EQ(stack.addCommand(L"T", L"X", nullptr, 0, [] {}), Mx::eInvalidInput);
     EXPECT_EQ(stack.addCommand(L"T", L"X", L"X", 0, nullptr), Mx::eInvalidInput);
+}
+
+TEST_F(CommandStackTest, AnAliasStandsForACommandUnlessACommandHasItsName) {
+    auto& stack = CommandStack::instance();
+    stack.addAlias(QStringLiteral("wk"), QStringLiteral("WORK"));
+    stack.addAlias(QStringLiteral("ARBEIT"), QStringLiteral("ASK"));
+    EXPECT_EQ(run("WK"), Outcome::kEnded);
+    EXPECT_EQ(run("_wk"), Outcome::kEnded);
+    EXPECT_EQ(run("arbeit"), Outcome::kEnded);
+    EXPECT_THAT(g_log, ElementsAre("work", "work", "work"));
+}
+
+TEST_F(CommandStackTest, AModuleRunsACommandWithTextsAndPointsForAnswers) {
+    const Recorder recorder;
+    EXPECT_EQ(mxedCommand(L"_.Ask", {L"1,1", MxGePoint3d(2, 3, 0)}), 5100);
+    EXPECT_THAT(g_log, ElementsAre("start ASK", "asked 5100", "asked 5100", "ended ASK"));
+    EXPECT_EQ(shown(), "\nCommand: _.Ask\nA: 1,1\nB: 2,3");
+}
+
+TEST_F(CommandStackTest, APromptLeftWithoutAnAnswerIsCancelled) {
+    const Answers user({QStringLiteral("9,9")});
+    EXPECT_EQ(mxedCommand(L"_ASK", {L"1,1"}), -5002);
+    EXPECT_THAT(g_log, ElementsAre("asked 5100", "asked -5002"));
+    EXPECT_EQ(user.used(), 0U) << "the answers are not the user's to give";
+}
+
+TEST_F(CommandStackTest, WhatAModuleCannotRunIsAnError) {
+    EXPECT_EQ(mxedCommand(L"_NOSUCH"), -5001);
+    EXPECT_EQ(mxedCommand(nullptr), -5001);
+    EXPECT_EQ(mxedCommand(L"_THROW"), -5001);
+    EXPECT_EQ(mxedCommand(L"_SESSION"), -5001) << "it works on the set of open drawings";
+    Answers answers({QStringLiteral("1,1"), QStringLiteral("1,1")});
+    int inside = 0;
+    answers.before = [&] { inside = mxedCommand(L"_WORK"); };
+    run("ASK");
+    EXPECT_EQ(inside, -5001) << "a prompt waits";
+}
+
+TEST_F(CommandStackTest, ACommandInsideACommandIsPartOfItsUndoUnitAndLeavesItsAnswers) {
+    const Scope scope;
+    CommandStack::instance().addCommand(L"TEST", L"OUTER", L"OUTER", 0, [] {
+        MxGePoint3d point;
+        mxedGetPoint(nullptr, L"\nFirst: ", point);
+        note("inner " + std::to_string(mxedCommand(L"_ASK", {L"1,1"})));
+        note("running " + CommandStack::instance().running().toStdString());
+        mxedGetPoint(nullptr, L"\nSecond: ", point);
+        note("second " + std::to_string(int(point.x)));
+    });
+    EXPECT_EQ(run("OUTER 5,5 6,6"), Outcome::kEnded) << "the cancelled prompt was not the command's own";
+    EXPECT_THAT(g_log, ElementsAre("begin OUTER", "asked 5100", "asked -5002", "inner -5002", "running OUTER",
+                                   "second 6", "keep", "idle"));
+}
+
+TEST_F(CommandStackTest, WithTheEchoOffAModulesCommandIsNotShown) {
+    ASSERT_EQ(mxedSetVar(L"CMDECHO", 0), Mx::eOk);
+    mxedCommand(L"_ASK", {L"1,1"});
+    EXPECT_EQ(shown(), "");
+    const Answers user({QStringLiteral("2,2")});
+    run("ASK 1,1");
+    EXPECT_EQ(shown(), "\nCommand: ASK 1,1\nA: 1,1\nB: 2,2") << "what the user runs is";
+    ASSERT_EQ(mxedSetVar(L"CMDECHO", 1), Mx::eOk);
 }

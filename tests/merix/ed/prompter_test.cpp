@@ -207,3 +207,89 @@ TEST_F(PrompterTest, TheConsoleShowsPromptAndKeywordsWhileItWaits) {
     EXPECT_EQ(Console::instance().prompt(), QString());
     EXPECT_TRUE(Console::instance().keywords().empty());
 }
+
+TEST_F(PrompterTest, ADistanceIsTypedOrMeasured) {
+    auto& prompter = Prompter::instance();
+    const MxGePoint3d base(10, 10, 0);
+    double distance = -1;
+    const Answers answers({QStringLiteral("2.5"), QStringLiteral("13,14"), QStringLiteral("1,1"),
+                           QStringLiteral("@0,7"), QStringLiteral("1,1"), QStringLiteral("4.5")});
+    EXPECT_EQ(prompter.getDistance(&base, QStringLiteral("D: "), distance), 5100);
+    EXPECT_EQ(distance, 2.5);
+    EXPECT_EQ(prompter.getDistance(&base, QStringLiteral("D: "), distance), 5100);
+    EXPECT_EQ(distance, 5.0);
+    EXPECT_EQ(prompter.getDistance(nullptr, QStringLiteral("D: "), distance), 5100) << "between two points";
+    EXPECT_EQ(distance, 7.0);
+    EXPECT_EQ(prompter.getDistance(nullptr, QStringLiteral("D: "), distance), 5100) << "typed at the second prompt";
+    EXPECT_EQ(distance, 4.5);
+    EXPECT_FALSE(prompter.base());
+}
+
+TEST_F(PrompterTest, AnAngleIsTypedInDegreesOrShownAsADirection) {
+    auto& prompter = Prompter::instance();
+    const MxGePoint3d base(10, 10, 0);
+    double angle = 0;
+    const Answers answers(
+        {QStringLiteral("180"), QStringLiteral("10,20"), QStringLiteral("0,0"), QStringLiteral("1,1")});
+    EXPECT_EQ(prompter.getAngle(&base, QStringLiteral("A: "), angle), 5100);
+    EXPECT_DOUBLE_EQ(angle, 3.14159265358979323846);
+    EXPECT_EQ(prompter.getAngle(&base, QStringLiteral("A: "), angle), 5100);
+    EXPECT_DOUBLE_EQ(angle, 3.14159265358979323846 / 2);
+    EXPECT_EQ(prompter.getAngle(nullptr, QStringLiteral("A: "), angle), 5100);
+    EXPECT_DOUBLE_EQ(angle, 3.14159265358979323846 / 4);
+}
+
+TEST_F(PrompterTest, NumbersOutsideWhatIsAskedForAreAskedForAgain) {
+    auto& prompter = Prompter::instance();
+    double value = 0;
+    int count = 0;
+    const Answers answers({QStringLiteral("x"), QStringLiteral("1,2"), QStringLiteral("0"), QStringLiteral("-1"),
+                           QStringLiteral("inf"), QStringLiteral("1e3"), QStringLiteral("2.5"), QStringLiteral("-3")});
+    prompter.init(Prompter::kNotZero | Prompter::kNotNegative, {});
+    EXPECT_EQ(prompter.getReal(QStringLiteral("R: "), value), 5100);
+    EXPECT_EQ(value, 1000.0);
+    EXPECT_EQ(answers.used(), 6U);
+    EXPECT_EQ(shown(), QStringLiteral("\nR: x\nA number is needed.\nR: 1,2\nA number is needed.\n"
+                                      "R: 0\nA number above 0 is needed.\nR: -1\nA number above 0 is needed.\n"
+                                      "R: inf\nA number is needed.\nR: 1e3"));
+    EXPECT_EQ(prompter.getInteger(QStringLiteral("I: "), count), 5100);
+    EXPECT_EQ(count, -3);
+    EXPECT_EQ(shown(), QStringLiteral("\nI: 2.5\nA whole number is needed.\nI: -3"));
+}
+
+TEST_F(PrompterTest, ANumberPromptTakesItsKeywordsAndEnter) {
+    auto& prompter = Prompter::instance();
+    double value = 7;
+    {
+        const Answers answers({QStringLiteral("dia")});
+        prompter.init(0, QStringLiteral("Durchmesser Radius _ Diameter Radius"));
+        EXPECT_EQ(prompter.getDistance(nullptr, QStringLiteral("R: "), value), -5002) << "no such local form";
+    }
+    const Answers more({QStringLiteral("_dia"), QStringLiteral("")});
+    prompter.init(0, QStringLiteral("Durchmesser Radius _ Diameter Radius"));
+    EXPECT_EQ(prompter.getDistance(nullptr, QStringLiteral("R: "), value), -5005);
+    EXPECT_EQ(prompter.lastKeyword(), QStringLiteral("Diameter"));
+    EXPECT_EQ(prompter.getReal(QStringLiteral("R: "), value), 5000);
+    EXPECT_EQ(value, 7) << "left alone";
+}
+
+TEST_F(PrompterTest, AnyTextAnswersAsAKeywordWhereItIsWanted) {
+    auto& prompter = Prompter::instance();
+    const Answers answers({QStringLiteral("2x")});
+    prompter.init(Prompter::kAnyText, QStringLiteral("Extents"));
+    EXPECT_EQ(prompter.getPoint(nullptr, QStringLiteral("Z: "), point), -5005);
+    EXPECT_EQ(prompter.lastKeyword(), QStringLiteral("2x"));
+}
+
+TEST_F(PrompterTest, AClickMayTakeAwayFromTheSelection) {
+    auto& prompter = Prompter::instance();
+    {
+        Answers answers({});
+        answers.before = [&] { prompter.submitPoint({1, 1, 0}, true); };
+        prompter.getPick(QStringLiteral("S: "), point);
+        EXPECT_TRUE(prompter.lastPointTakesAway());
+    }
+    const Answers typed({QStringLiteral("1,1")});
+    prompter.getPick(QStringLiteral("S: "), point);
+    EXPECT_FALSE(prompter.lastPointTakesAway());
+}

@@ -23,6 +23,7 @@ TEST(TypedPoint, AbsoluteCoordinates) {
 
 TEST(TypedPoint, AtCountsFromTheLastPoint) {
     EXPECT_EQ(typed("@1,2"), MxGePoint3d(11, 22, 5));
+    EXPECT_EQ(typed("@"), MxGePoint3d(10, 20, 5));
 }
 
 TEST(TypedPoint, DistanceAndAngleInDegrees) {
@@ -35,7 +36,7 @@ TEST(TypedPoint, DistanceAndAngleInDegrees) {
 
 TEST(TypedPoint, WhatIsNoPointIsNone) {
     for (const char* text :
-         {"", "@", "1", "1,", ",1", "1,2,3,4", "1,x", "nan,1", "inf,1", "1e999,1", "1<", "1<2<3", "1;2", "1,2 3"})
+         {"", "1", "1,", ",1", "1,2,3,4", "1,x", "nan,1", "inf,1", "1e999,1", "1<", "1<2<3", "1;2", "1,2 3"})
         EXPECT_FALSE(typed(text)) << text;
 }
 

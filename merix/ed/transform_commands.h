@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "merix/ed/command_stack.h"
+
+#include "host/db/object_id.h"
+#include "host/ge/matrix.h"
+
+#include <vector>
+
+namespace merix::ed {
+
+/// Applies the map to entities; the user is told how many could not take it, and these stay as they are.
+void transformEntities(const std::vector<MxDbObjectId>& ids, const MxGeMatrix3d& map);
+
+/// MOVE, COPY, ROTATE, SCALE and MIRROR.
+void registerTransformCommands(CommandStack& stack);
+
+} // namespace merix::ed
