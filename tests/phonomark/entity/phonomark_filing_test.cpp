@@ -392,9 +392,9 @@ TEST_F(FilingTest, ATruncatedBinaryRecordGivesTheFilersStatus) {
 
 TEST_F(FilingTest, ACountBeyondTheStreamAllocatesNothing) {
     MxDbPhonomark before, after;
-    fill(before, 5);
+    fill(before, 0x1234); // a number that stands nowhere else in the stream
     std::string stream = dwg(before);
-    const char count[] = {5, 0, 0, 0};
+    const char count[] = {0x34, 0x12, 0, 0};
     const auto at = stream.find(std::string(count, 4));
     ASSERT_NE(at, std::string::npos);
     stream.replace(at, 4, "\xff\xff\xff\xff");
