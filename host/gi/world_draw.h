@@ -35,8 +35,9 @@ public:
     /// 0 by block, 1 to 255 an index of the colour table, 256 by layer.
     virtual void setColor(std::uint16_t) {}
     virtual void setTrueColor(const MxCmEntityColor&) {}
-    /// A record of the drawing's line type table; null is ignored.
+    /// A record of the drawing's line type table; null: by layer.
     virtual void setLineType(MxDbObjectId) {}
+    virtual MxDbObjectId lineType() const { return {}; }
     virtual void setFill(bool) {}
     /// Hundredths of a millimetre; -1 by layer, -2 by block, -3 default.
     virtual void setLineWeight(int) {}

@@ -87,13 +87,12 @@ public:
         apply();
     }
     void setLineType(MxDbObjectId linetype) override {
-        if (linetype.isNull())
-            return;
         EntityTraits set = m_own;
         set.linetype = linetype;
         m_own = resolved(set, m_owner);
         apply();
     }
+    MxDbObjectId lineType() const override { return m_own.linetype; }
     void setEntityTraits(const EntityTraits& inner) override {
         m_own = resolved(inner, m_owner);
         apply();

@@ -340,6 +340,10 @@ void setWorkingDatabase(MxDbDatabase* database) {
     services().m_working = database;
 }
 
+bool leavesFiles(const MxDbObject& container, MxDbObjectId entry) {
+    return container.data().stub && entry.isValid() && !DatabaseImp::peek(entry);
+}
+
 WorkingDatabaseScope::WorkingDatabaseScope(MxDbDatabase* database)
     : m_before(std::exchange(services().m_working, database)) {}
 

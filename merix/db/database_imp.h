@@ -180,6 +180,10 @@ private:
     MxDbDatabase* m_before;
 };
 
+/// True for an entry of `container` whose object is erased: the drawing keeps it, for the erasure may be undone, files do
+/// not. An entry of an object that was never there stays; so do all entries of a container that is in no drawing.
+bool leavesFiles(const MxDbObject& container, MxDbObjectId entry);
+
 /// Files an object's fields into bytes and back with the binary filer.
 std::string dwgImage(const MxDbObject& object, MxDbFilerType type);
 Mx::ErrorStatus readDwgImage(MxDbObject& object, std::string_view image, MxDbFilerType type);

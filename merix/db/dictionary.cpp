@@ -187,10 +187,15 @@ Mx::ErrorStatus MxDbDictionary::dwgOutFields(MxDbDwgFiler* filer) const {
         return status;
     filer->writeBool(m_hardOwner);
     filer->writeInt16(m_cloning);
-    filer->writeUInt32(static_cast<std::uint32_t>(m_entries.size()));
-    for (const auto& [key, id] : m_entries) {
-        filer->writeString(key.c_str());
-        filer->writeSoftPointerId(id);
+    const auto filed = [&](const auto& entry) {
+        return filer->filerType() != MxDbFilerType::kFile || !leavesFiles(*this, entry.second);
+    };
+    filer->writeUInt32(static_cast<std::uint32_t>(std::count_if(m_entries.begin(), m_entries.end(), filed)));
+    for (const auto& entry : m_entries) {
+        if (!filed(entry))
+            continue;
+        filer->writeString(entry.first.c_str());
+        filer->writeSoftPointerId(entry.second);
     }
     return filer->filerStatus();
 }
@@ -233,8 +238,7 @@ Mx::ErrorStatus MxDbDictionary::dxfOutFields(MxDbDxfFiler* filer) const {
         filer->writeInt16(280, 1);
     filer->writeInt16(281, m_cloning);
     for (const auto& [key, id] : m_entries) {
-        // An entry whose object was not read stays; one whose object is erased goes.
-        if (id.isValid() && !DatabaseImp::peek(id))
+        if (leavesFiles(*this, id))
             continue;
         filer->writeString(3, key.c_str());
         filer->writeObjectId(m_hardOwner ? 360 : 350, id);

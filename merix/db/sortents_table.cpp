@@ -147,10 +147,15 @@ Mx::ErrorStatus MxDbSortentsTable::dwgOutFields(MxDbDwgFiler* filer) const {
     if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
         return status;
     filer->writeSoftPointerId(m_block);
-    filer->writeUInt32(static_cast<std::uint32_t>(m_entries.size()));
-    for (const auto& [entity, sort] : m_entries) {
-        filer->writeSoftPointerId(entity);
-        filer->writeHandle(sort);
+    const auto filed = [&](const Entry& entry) {
+        return filer->filerType() != MxDbFilerType::kFile || !merix::db::leavesFiles(*this, entry.entity);
+    };
+    filer->writeUInt32(static_cast<std::uint32_t>(std::count_if(m_entries.begin(), m_entries.end(), filed)));
+    for (const Entry& entry : m_entries) {
+        if (!filed(entry))
+            continue;
+        filer->writeSoftPointerId(entry.entity);
+        filer->writeHandle(entry.sort);
     }
     return filer->filerStatus();
 }
@@ -178,8 +183,7 @@ Mx::ErrorStatus MxDbSortentsTable::dxfOutFields(MxDbDxfFiler* filer) const {
     filer->writeString(100, L"AcDbSortentsTable");
     filer->writeObjectId(330, m_block);
     for (const auto& [entity, sort] : m_entries) {
-        // An entry whose entity was not read stays; one whose entity is erased goes.
-        if (entity.isValid() && !DatabaseImp::peek(entity))
+        if (merix::db::leavesFiles(*this, entity))
             continue;
         wchar_t text[17];
         sort.getIntoAsciiBuffer(text);

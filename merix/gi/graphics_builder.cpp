@@ -104,8 +104,7 @@ void GraphicsBuilder::setTrueColor(const MxCmEntityColor& color) {
 }
 
 void GraphicsBuilder::setLineType(MxDbObjectId linetype) {
-    if (!linetype.isNull())
-        setLinetype(linetype);
+    setLinetype(linetype);
 }
 
 void GraphicsBuilder::setIndexColor(int index) {
@@ -126,6 +125,7 @@ void GraphicsBuilder::setLineWeight(int weight) {
 }
 
 void GraphicsBuilder::setLinetype(MxDbObjectId id) {
+    m_linetype = id;
     const auto* type = record<db::LinetypeRecord>(id);
     const auto isNamed = [](const db::LinetypeRecord& linetype, QLatin1String name) {
         return QString::fromStdWString(linetype.name).compare(name, Qt::CaseInsensitive) == 0;

@@ -45,6 +45,7 @@ private:
     void setColor(std::uint16_t color) override;
     void setTrueColor(const MxCmEntityColor& color) override;
     void setLineType(MxDbObjectId linetype) override;
+    MxDbObjectId lineType() const override { return m_linetype; }
     void setFill(bool fill) override { m_fill = fill; }
     void setLineWeight(int weight) override;
     int lineWeight() const override { return m_weight; }
@@ -68,6 +69,7 @@ private:
     const db::LayerRecord* m_layer = nullptr;
     Style m_style;
     int m_weight = -1;
+    MxDbObjectId m_linetype;
     double m_linetypeScale = 1.0; ///< the entity's own
     bool m_fill = false;
     bool m_unseen = false; ///< on a layer that is not plotted, and this is a plot

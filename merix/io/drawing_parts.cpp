@@ -20,7 +20,7 @@ std::unique_ptr<DrawingParts> DrawingParts::clone() const {
     copy->handSeed = handSeed;
     copy->classNames = classNames;
     copy->implied = implied;
-    copy->reactorsLeftOut = reactorsLeftOut;
+    copy->leftOut = leftOut;
     if (origin)
         copy->origin = std::make_unique<Origin>(*origin);
     copy->changedSinceOrigin = changedSinceOrigin;

@@ -60,8 +60,8 @@ public:
     /// Objects that the program needs and the file lacks (a layer that is named but not defined). They enter the file
     /// when they are changed; block records of the kind never do.
     std::unordered_set<db::ObjectStub*> implied;
-    /// Persistent reactors that objects list and the file does not, for they were erased when it was written.
-    std::unordered_set<const db::ObjectStub*> reactorsLeftOut;
+    /// What objects list and the file does not, for it was erased when the file was written.
+    std::unordered_set<const db::ObjectStub*> leftOut;
 
     /// The native drawing that holds what this database was when it was last read or saved.
     struct Origin {

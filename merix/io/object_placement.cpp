@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "merix/io/object_placement.h"
 
+#include "host/db/dictionary.h"
+#include "host/db/sortents_table.h"
+#include "merix/db/access.h"
 #include "merix/db/tables.h"
 #include "merix/io/dxf_out_filer.h"
 #include "merix/io/dxf_split.h"
@@ -249,30 +252,47 @@ void Placer::placeObject(ObjectStub* stub) {
     m_parts->implied.erase(stub);
 }
 
-/// Objects keep erased reactors in their lists, for the erasure may be undone; files do not hold them. What lists one
-/// that was erased or came back since the last save is filed again.
-void leaveOutErasedReactors(db::DatabaseImp& database, DrawingParts& parts) {
+/// The objects that `object` lists: its reactors, and what a dictionary or a draw order holds.
+template <class Take> void forEachListed(const MxDbObject& object, Take take) {
+    for (const MxDbReactorEntry& entry : object.data().reactors)
+        take(entry.persistent.stub());
+    if (object.data().isEntity)
+        return;
+    if (object.isKindOf(MxDbDictionary::desc())) {
+        for (const auto& [key, id] : static_cast<const MxDbDictionary&>(object).entries(true))
+            take(id.stub());
+    } else if (object.isKindOf(MxDbSortentsTable::desc())) {
+        for (const MxDbObjectId id : static_cast<const MxDbSortentsTable&>(object).listedEntities())
+            take(id.stub());
+    }
+}
+
+/// Lists keep erased objects, for the erasure may be undone; files do not hold them. What lists one that was erased or
+/// came back since the last save is filed again.
+void leaveOutErased(db::DatabaseImp& database, DrawingParts& parts) {
     std::unordered_set<const ObjectStub*> erased;
     for (const ObjectStub& stub : database.stubs()) {
         if (!stub.object)
             continue;
-        for (const MxDbReactorEntry& entry : stub.object->data().reactors) {
-            const ObjectStub* reactor = entry.persistent.stub();
-            const bool gone = reactor && reactor->object && reactor->erased;
+        const db::ReadAccess readable(*stub.object);
+        bool differs = false;
+        forEachListed(*stub.object, [&](const ObjectStub* listed) {
+            const bool gone = listed && listed->object && listed->erased;
             if (gone)
-                erased.insert(reactor);
-            if (gone != parts.reactorsLeftOut.contains(reactor))
-                database.markChanged(*stub.object);
-        }
+                erased.insert(listed);
+            differs = differs || gone != parts.leftOut.contains(listed);
+        });
+        if (differs)
+            database.markChanged(*stub.object);
     }
-    parts.reactorsLeftOut = std::move(erased);
+    parts.leftOut = std::move(erased);
 }
 
 } // namespace
 
 std::unique_ptr<DrawingParts> placedParts(db::DatabaseImp& database) {
     std::unique_ptr<DrawingParts> parts = Placer(database).run();
-    leaveOutErasedReactors(database, *parts);
+    leaveOutErased(database, *parts);
     if (database.isHeaderChanged())
         storeHeader(*parts, database.header);
     return parts;

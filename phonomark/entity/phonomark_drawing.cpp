@@ -11,6 +11,7 @@
 #include "phonomark/entity/icons.h"
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -129,14 +130,19 @@ void MxDbPhonomark::DrawPoint(MxGiWorldDraw* draw) {
 /// The two corners off the diagonal lie at height 0.
 void MxDbPhonomark::DrawRegion(MxGiWorldDraw* draw) {
     setColor(draw, kOutlineColor);
-    changeTraits(draw, [](MxGiSubEntityTraits& traits) {
+    std::optional<MxDbObjectId> before;
+    changeTraits(draw, [&before](MxGiSubEntityTraits& traits) {
         MxDbObjectId dashed;
-        if (getLinetypeIdFromString(kOutlineLinetype, dashed) == Mx::eOk)
-            traits.setLineType(dashed);
+        if (getLinetypeIdFromString(kOutlineLinetype, dashed) != Mx::eOk)
+            return;
+        before = traits.lineType();
+        traits.setLineType(dashed);
     });
     const MxGePoint3d &low = m_extents.minPoint(), &high = m_extents.maxPoint();
     const std::array outline{low, MxGePoint3d(high.x, low.y, 0.0), high, MxGePoint3d(low.x, high.y, 0.0), low};
     draw->geometry().polyline(outline.data(), outline.size());
+    if (before) // the sign is drawn in whole lines at every zoom
+        draw->subEntityTraits().setLineType(*before);
     m_markPoint = high;
 }
 

@@ -205,5 +205,22 @@ TEST_F(DxfWriter, AFileThatCannotBeWrittenChangesNothing) {
     EXPECT_THAT(saved(), HasSubstr("LINE\n"));
 }
 
+TEST_F(DxfWriter, AnEntryOfADictionaryLeavesTheFileWithItsObjectAndComesBackWithIt) {
+    ASSERT_TRUE(load(drawing("")));
+    MxDbDictionary* root = nullptr;
+    ASSERT_EQ(database.getNamedObjectsDictionary(root, Mx::kForWrite), Mx::eOk);
+    MxDbObjectId id;
+    auto* added = new MxDbDictionary;
+    ASSERT_EQ(root->setAt(L"SOMETHING", added, id), Mx::eOk);
+    added->close();
+    root->close();
+    const std::string with = saved();
+    EXPECT_THAT(with, HasSubstr("SOMETHING"));
+    erase(id.handle().value());
+    EXPECT_THAT(saved(), Not(HasSubstr("SOMETHING")));
+    erase(id.handle().value(), false);
+    EXPECT_THAT(saved(), HasSubstr("SOMETHING"));
+}
+
 } // namespace
 } // namespace merix::io::testing

@@ -57,7 +57,7 @@ TEST_F(HeaderVariablesTest, MissingVariablesAreAdded) {
         header.linetypeScale = 2.5;
     });
     const std::string text = written();
-    EXPECT_THAT(text, HasSubstr("9\n$LTSCALE\n40\n2.5\n9\n$CELWEIGHT\n370\n50\n0\nENDSEC\n"));
+    EXPECT_THAT(text, HasSubstr("  9\n$LTSCALE\n 40\n2.5\n  9\n$CELWEIGHT\n370\n50\n0\nENDSEC\n"));
     EXPECT_THAT(text, Not(HasSubstr("$CLAYER")));
 }
 
@@ -68,7 +68,7 @@ TEST_F(HeaderVariablesTest, AnOldDrawingGetsNoVariablesOfLaterVersions) {
         header.textSize = 7.0;
     });
     const std::string text = written();
-    EXPECT_THAT(text, HasSubstr("$TEXTSIZE\n40\n7"));
+    EXPECT_THAT(text, HasSubstr("$TEXTSIZE\n 40\n7.0\n"));
     EXPECT_THAT(text, Not(HasSubstr("$CELWEIGHT")));
 }
 

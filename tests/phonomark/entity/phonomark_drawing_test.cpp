@@ -26,8 +26,9 @@ public:
         trueColor = color;
         note("truecolor", int{color.red});
     }
+    MxDbObjectId lineType() const override { return {}; }
     void setLineType(MxDbObjectId id) override {
-        linetype = id;
+        linetypes.push_back(id);
         note("linetype", !id.isNull());
     }
     void setFill(bool fill) override { note("fill", fill); }
@@ -80,7 +81,7 @@ public:
     std::vector<MxGiPolylineVertex> last;
     bool isClosed = false;
     MxCmEntityColor trueColor;
-    MxDbObjectId linetype;
+    std::vector<MxDbObjectId> linetypes;
     MxDbExtents filled;
     MxGePoint3d textPosition;
     double textHeight = 0;
@@ -289,7 +290,10 @@ TEST_F(DrawingTest, ARegionIsOneDashedFigureOfFivePoints) {
     ASSERT_FALSE(recorder.lines.empty());
     const std::vector<MxGePoint3d> corners{{1, 2, 3}, {30, 2, 0}, {30, 40, 5}, {1, 40, 0}, {1, 2, 3}};
     EXPECT_EQ(recorder.lines[0], corners);
-    EXPECT_EQ(recorder.linetype, database().imp().linetypeNamed(L"DASHEDX2"));
+    EXPECT_EQ(recorder.calls[4], "linetype 0");
+    ASSERT_EQ(recorder.linetypes.size(), 2u) << "dashed, and for the sign what was in force before";
+    EXPECT_EQ(recorder.linetypes[0], database().imp().linetypeNamed(L"DASHEDX2"));
+    EXPECT_EQ(recorder.linetypes[1], recorder.lineType());
 }
 
 TEST_F(DrawingTest, WithoutTheLineTypeTheOutlineKeepsTheOneInForce) {
