@@ -45,6 +45,7 @@ Document::Document(std::unique_ptr<MxDbDatabase> database, const QString& path, 
     m->title = title;
     m->database->imp().clearChanged();
     m->database->imp().addListener(m.get());
+    m->layouts = layouts();
 }
 
 Document::~Document() {
@@ -111,6 +112,10 @@ bool Document::setCurrentLayout(const QString& name) {
 }
 
 void Document::followLayouts() {
+    if (QStringList now = layouts(); now != m->layouts) {
+        m->layouts = std::move(now);
+        Q_EMIT layoutsChanged();
+    }
     const MxDbObjectId space = m->database->imp().currentSpace;
     for (const auto& layout : m->database->imp().layouts()) {
         const QString name = QString::fromStdWString(layout.name);

@@ -47,7 +47,10 @@ public:
 Q_SIGNALS:
     /// The title, the path or the changed mark is another.
     void titleChanged();
+    /// Another layout is the current one, or the current one was renamed.
     void layoutChanged();
+    /// What layouts() answers is another list: one was made, renamed or deleted; undo and redo too.
+    void layoutsChanged();
     /// Graphics are stale.
     void graphicsChanged();
 
@@ -55,7 +58,8 @@ private:
     friend class DocManager;
     explicit Document(std::unique_ptr<MxDbDatabase> database, const QString& path, const QString& title);
     void noteChange();
-    /// The layout worked on was renamed, or it is gone: then model space is worked on.
+    /// Tells of layouts that were made, renamed or deleted. When the layout worked on is gone, model space is worked
+    /// on.
     void followLayouts();
     struct Private;
     std::unique_ptr<Private> m;

@@ -24,6 +24,7 @@ struct Document::Private : db::DatabaseListener {
     QString path, title;
     ed::InputPoints points;
     QString layout = QStringLiteral("Model");
+    QStringList layouts; ///< what layoutsChanged told last
     ge::ViewTransform view;
     bool changed = false;              ///< something was changed that a save would keep
     bool changedBeforeCommand = false; ///< `changed` when the command under way began

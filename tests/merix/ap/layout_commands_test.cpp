@@ -104,6 +104,20 @@ TEST_F(LayoutCommandsTest, ALayoutWithObjectsOnLockedLayersStays) {
     EXPECT_EQ(document.currentLayout(), QStringLiteral("A"));
 }
 
+TEST_F(LayoutCommandsTest, TheListOfLayoutsIsToldOfWhenItIsAnother) {
+    std::vector<QStringList> told;
+    QObject::connect(&document, &ap::Document::layoutsChanged, &document, [&] { told.push_back(document.layouts()); });
+    const QString model = QStringLiteral("Model"), first = QStringLiteral("Layout1");
+    const QString a = QStringLiteral("A"), b = QStringLiteral("B");
+    type({"LAYOUT", "N", "A", "LAYOUT", "R", "A", "B", "LAYOUT", "D", "B", "U", "U", "U", "REDO", ""});
+    EXPECT_THAT(told, ElementsAre(QStringList{model, first, a}, QStringList{model, first, b}, QStringList{model, first},
+                                  QStringList{model, first, b}, QStringList{model, first, a}, QStringList{model, first},
+                                  QStringList{model, first, a}));
+    told.clear();
+    type({"LAYOUT", "S", "Layout1", "LINE", "0,0", "1,1", "", "LAYOUT", "S", "Model", "U"});
+    EXPECT_TRUE(told.empty());
+}
+
 TEST_F(LayoutCommandsTest, TheListMarksTheCurrentOne) {
     typeInVain({"LAYOUT", "?"});
     EXPECT_THAT(shown(), HasSubstr("\nModel (current)\nLayout1"));
