@@ -345,6 +345,7 @@ void Prompter::beginCommand(const QString& typeAhead) {
     m_result = kInputNormal;
     m_control = 0;
     m_keywords.clear();
+    Q_EMIT changed();
 }
 
 void Prompter::endCommand() {

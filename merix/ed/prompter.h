@@ -98,7 +98,7 @@ public:
     void echo(const QString& text) const;
 
 Q_SIGNALS:
-    /// Another prompt, or none, is in force.
+    /// Another prompt, or none, is in force; a command begins.
     void changed();
 
 private:

@@ -42,9 +42,9 @@ DrawingView::DrawingView(QWidget* parent)
 
 void DrawingView::promptChanged() {
     const ed::Prompter& prompter = ed::Prompter::instance();
+    if (prompter.isWaiting() || ed::CommandStack::instance().isRunning())
+        abandon(); // the hand is the command's now
     if (prompter.isWaiting()) {
-        if (m_hand.isUnderWay())
-            m_hand.abandon();
         m_boxSelects = prompter.isCornerWanted() && m_lastWanted == ed::Prompter::Wants::kPick;
         m_lastWanted = prompter.wants();
     }
@@ -178,6 +178,11 @@ void DrawingView::selectAll() {
 
 void DrawingView::escape() {
     m_hand.escape();
+}
+
+void DrawingView::abandon() {
+    if (m_hand.isUnderWay())
+        m_hand.abandon();
 }
 
 void DrawingView::regenerate() {

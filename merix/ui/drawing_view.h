@@ -38,6 +38,8 @@ public:
     void selectAll();
     /// Esc while nothing is asked: gives up a box or a drag under way, else clears the selection.
     void escape();
+    /// Gives up a box or a drag under way.
+    void abandon();
     /// Points asked for are taken on the ends, middles and centres near the cursor.
     void setSnapping(bool on);
     /// Points asked for are taken straight beside or above the point before.

@@ -4,6 +4,7 @@
 #include "merix/db/access.h"
 #include "merix/db/tables.h"
 #include "merix/ed/editor.h"
+#include "merix/ed/selection.h"
 #include "merix/gi/list_painter.h"
 
 #include <algorithm>
@@ -84,6 +85,11 @@ void GripDrag::add(const Grip& grip) {
         moved.image = db::dwgImage(*entity, MxDbFilerType::kCopy);
     }
     m_moved.push_back(std::move(moved));
+}
+
+bool GripDrag::isSelected() const {
+    return std::all_of(m_moved.begin(), m_moved.end(),
+                       [](const Moved& moved) { return ed::Selection::instance().contains(moved.id); });
 }
 
 void GripDrag::moveTo(const MxGePoint3d& point) {

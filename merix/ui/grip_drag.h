@@ -22,6 +22,8 @@ public:
 
     const MxGePoint3d& base() const { return m_base; }
     const MxGePoint3d& at() const { return m_at; }
+    /// All entities that move are still selected.
+    bool isSelected() const;
     void moveTo(const MxGePoint3d& point);
     /// The entities as they will be.
     void paint(QPainter& painter, const ge::ViewTransform& view, const gi::PaintOptions& options) const;

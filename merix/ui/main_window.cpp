@@ -7,6 +7,7 @@
 #include "merix/ui/look.h"
 #include "merix/ui/plot.h"
 
+#include <QApplication>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -142,7 +143,13 @@ QAction* MainWindow::addAction(QMenu* menu, const QString& text, const QKeySeque
                                Act act) {
     QAction* action = menu->addAction(text);
     action->setShortcut(shortcut);
-    connect(action, &QAction::triggered, this, [this, act] { whenIdle(act); });
+    // The drawing may be closed before the action's turn comes.
+    connect(action, &QAction::triggered, this, [this, needsDrawing, act] {
+        whenIdle([this, needsDrawing, act] {
+            if (!needsDrawing || current())
+                act();
+        });
+    });
     if (needsDrawing)
         m_drawingActions.append(action);
     return action;
@@ -338,6 +345,9 @@ void MainWindow::showCursor(const MxGePoint3d& world) {
 // ---------------------------------------------------------------- files
 
 void MainWindow::whenIdle(std::function<void()> action) {
+    if (QApplication::activeModalWidget())
+        return; // a question is open already, perhaps the one that this action would ask
+    m_view->abandon();
     if (!ed::CommandStack::instance().isRunning()) {
         action();
         return;
@@ -368,16 +378,17 @@ void MainWindow::openDialog() {
 }
 
 void MainWindow::exportDialog() {
+    const QPointer<ap::Document> document = current();
     const QFileInfo drawing(current()->path().isEmpty() ? current()->title() : current()->path());
     QString kind = tr("PDF (*.pdf)");
     QString path =
         QFileDialog::getSaveFileName(this, tr("Export"), drawing.path() + QLatin1Char('/') + drawing.completeBaseName(),
                                      kind + tr(";;SVG (*.svg);;PNG (*.png)"), &kind);
-    if (path.isEmpty())
+    if (path.isEmpty() || !document)
         return;
     if (QFileInfo(path).suffix().isEmpty())
         path += QLatin1Char('.') + kind.left(3).toLower();
-    if (const QString why = plotToFile({current()->database(), {}, {}}, path); !why.isEmpty())
+    if (const QString why = plotToFile({document->database(), {}, {}}, path); !why.isEmpty())
         showFailure(why);
     else
         ed::Console::instance().print(tr("\nExported %1").arg(path));
@@ -391,8 +402,9 @@ bool MainWindow::save(ap::Document& document, bool askForName) {
             return false;
         const QString proposal =
             document.path().isEmpty() ? document.title() + QStringLiteral(".dxf") : document.path();
+        const QPointer<ap::Document> guard(&document);
         const QString path = QFileDialog::getSaveFileName(this, tr("Save As"), proposal, fileFilter());
-        if (path.isEmpty())
+        if (path.isEmpty() || !guard)
             return false;
         result = manager.saveAs(document, QFileInfo(path).suffix().isEmpty() ? path + QStringLiteral(".dxf") : path);
     } else {
@@ -405,18 +417,26 @@ bool MainWindow::save(ap::Document& document, bool askForName) {
 }
 
 bool MainWindow::closeDocument(ap::Document& document) {
+    const QPointer<ap::Document> guard(&document); // a module may close it while a question is open
     if (!m_unattended && document.isChanged()) {
         const auto answer =
             QMessageBox::question(this, QStringLiteral("Merix"), tr("Save the changes to %1?").arg(document.title()),
                                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+        if (!guard)
+            return true;
         if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !save(document, false)))
-            return false;
+            return !guard;
     }
-    ap::DocManager::instance().close(document);
+    if (guard)
+        ap::DocManager::instance().close(document);
     return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (QApplication::activeModalWidget()) {
+        event->ignore();
+        return;
+    }
     if (ed::CommandStack::instance().isRunning()) {
         event->ignore();
         whenIdle([this] { close(); });

@@ -35,7 +35,7 @@ public:
 
     /// Opens a drawing, or activates its tab when it is open; a message tells why when it cannot be read.
     bool openFile(const QString& path);
-    /// False when the user did not want to.
+    /// False when the user did not want to; true too when it was closed by another while the user was asked.
     bool closeDocument(ap::Document& document);
     /// Under its own name, or one that is asked for when it has none or `askForName`. False when it was not saved.
     bool save(ap::Document& document, bool askForName);
@@ -69,7 +69,8 @@ private:
     int indexOf(const ap::Document* document) const;
     ap::Document* documentAt(int index) const;
     ap::Document* current() const;
-    /// Runs `action` when no command is under way; one that waits for an answer is cancelled.
+    /// Runs `action` when no command is under way; one that waits for an answer is cancelled, and what the hand has
+    /// under way in the drawing is given up. Nothing happens while a dialog wants its answer first.
     void whenIdle(std::function<void()> action);
 
     QTabBar* m_tabs = nullptr;

@@ -35,7 +35,12 @@ void paintSelectionBox(QPainter& painter, const SelectionBox& box) {
 }
 
 SelectionHand::SelectionHand(DrawingView& view)
-    : m_view(view) {}
+    : m_view(view) {
+    connect(&ed::Selection::instance(), &ed::Selection::changed, this, [this] {
+        if (m_drag && !m_drag->isSelected()) // what is erased is not selected either
+            abandon();
+    });
+}
 
 SelectionHand::~SelectionHand() = default;
 

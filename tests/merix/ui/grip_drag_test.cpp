@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/grip_drag.h"
 
+#include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
 #include "merix/ui/look.h"
 #include "tests/merix/ui/window_test.h"
+
+#include <QAction>
 
 using namespace merix;
 
@@ -114,6 +117,42 @@ TEST_F(GripDragTest, APromptOrAnotherDrawingEndsTheDrag) {
     ap::DocManager::instance().create();
     EXPECT_EQ(watch.told.back(), L"cancel GRIP_STRETCH");
     EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+}
+
+TEST_F(GripDragTest, ACommandEndsTheDragBeforeItBegins) {
+    CommandWatch watch;
+    click(at(100, 100));
+    ed::CommandStack::instance().runLine(QStringLiteral("REGEN"));
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH", L"start REGEN", L"end REGEN"}));
+    click(at(20, 20));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+}
+
+TEST_F(GripDragTest, WhatIsErasedOrNotSelectedAnyMoreIsNotDragged) {
+    CommandWatch watch;
+    click(at(100, 100));
+    MxDbEntity* entity = nullptr;
+    ASSERT_EQ(mxdbOpenObject(entity, second, Mx::kForWrite), Mx::eOk);
+    entity->erase();
+    entity->close();
+    EXPECT_EQ(watch.told, Told{L"start GRIP_STRETCH"}) << "the other one was not dragged";
+    ASSERT_EQ(mxdbOpenObject(entity, first, Mx::kForWrite), Mx::eOk);
+    entity->erase();
+    entity->close();
+    EXPECT_EQ(watch.told.back(), L"cancel GRIP_STRETCH");
+}
+
+TEST_F(GripDragTest, UndoEndsTheDrag) {
+    CommandWatch watch;
+    drag(at(200, 200), at(200, 240));
+    settle();
+    watch.told.clear();
+    click(at(100, 100));
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->text() == QStringLiteral("&Undo Grip stretch"))
+            action->trigger();
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH"}));
+    EXPECT_EQ(line(second).end, MxGePoint3d(200, 200, 0));
 }
 
 TEST_F(GripDragTest, OnALockedLayerTheGripIsRefusedWithAMessage) {

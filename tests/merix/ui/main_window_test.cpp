@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/main_window.h"
 
+#include "merix/ed/command_stack.h"
 #include "tests/merix/ui/window_test.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTabBar>
 
@@ -112,6 +115,87 @@ TEST_F(MainWindowTest, TypingOverTheDrawingGoesToTheCommandLine) {
     EXPECT_EQ(window.commandLine()->entry()->text(), QStringLiteral("zoo"));
     key(&view(), Qt::Key_Escape);
     EXPECT_TRUE(window.commandLine()->entry()->text().isEmpty());
+}
+
+/// A window whose questions are answered by `answer` once they stand.
+class QuestionTest : public MainWindowTest {
+protected:
+    QuestionTest() {
+        addLine({0, 0, 0}, {1, 1, 0});
+        settle();
+        window.setUnattended(false);
+    }
+    ~QuestionTest() override { window.setUnattended(true); }
+    QAction* action(const QString& text) {
+        for (QAction* each : window.findChildren<QAction*>())
+            if (each->text() == text)
+                return each;
+        return nullptr;
+    }
+    static void press(QMessageBox::StandardButton which) {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            box->button(which)->click();
+    }
+    static int questions() {
+        int open = 0;
+        for (const QWidget* widget : QApplication::topLevelWidgets())
+            open += widget->isVisible() && qobject_cast<const QMessageBox*>(widget);
+        return open;
+    }
+};
+
+TEST_F(QuestionTest, AClosedDrawingIsAskedForOnlyOnce) {
+    int asked = 0;
+    QTimer::singleShot(0, &window, [&] {
+        action(QStringLiteral("&Close"))->trigger();
+        action(QStringLiteral("&Close"))->trigger();
+        QTimer::singleShot(100, &window, [&] {
+            asked = questions();
+            press(QMessageBox::Discard);
+            if (asked > 1)
+                QTimer::singleShot(0, &window, [] { press(QMessageBox::Cancel); });
+        });
+    });
+    ed::CommandStack::instance().runLine(QStringLiteral("LINE"));
+    for (int i = 0; i < 100 && ap::DocManager::instance().current(); ++i)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(ap::DocManager::instance().current(), nullptr);
+}
+
+TEST_F(QuestionTest, ADrawingThatAModuleClosesMeanwhileIsClosed) {
+    QTimer::singleShot(0, &window, [&] {
+        ap::DocManager::instance().close(*document);
+        press(QMessageBox::Save);
+    });
+    EXPECT_TRUE(window.closeDocument(*document));
+    EXPECT_TRUE(ap::DocManager::instance().all().empty());
+}
+
+TEST_F(QuestionTest, TheWindowStaysWhileAQuestionIsOpen) {
+    bool closed = true;
+    QTimer::singleShot(0, &window, [&] {
+        closed = window.close();
+        press(QMessageBox::Cancel);
+    });
+    EXPECT_FALSE(window.closeDocument(*document));
+    EXPECT_FALSE(closed);
+    EXPECT_EQ(ap::DocManager::instance().current(), document);
+}
+
+TEST_F(MainWindowTest, AnActionOnADrawingThatIsGoneDoesNothing) {
+    QAction* save = nullptr;
+    for (QAction* each : window.findChildren<QAction*>())
+        if (each->text() == QStringLiteral("&Save"))
+            save = each;
+    ASSERT_TRUE(save);
+    QTimer::singleShot(0, &window, [&] {
+        save->trigger(); // its turn comes after the command's end
+        ap::DocManager::instance().close(*document);
+    });
+    ed::CommandStack::instance().runLine(QStringLiteral("LINE"));
+    settle();
+    EXPECT_EQ(ap::DocManager::instance().current(), nullptr);
 }
 
 } // namespace
