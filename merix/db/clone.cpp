@@ -30,6 +30,18 @@ std::unique_ptr<MxDbObject> makeAnew(const MxDbObject& original) {
     return std::unique_ptr<MxDbObject>(fits ? static_cast<MxDbObject*>(made.release()) : nullptr);
 }
 
+/// A record refers to a line type, that one to a text style; what goes on longer is a damaged file's.
+constexpr std::size_t kDeepestRecord = 8;
+/// Things owned by things owned: deeper ones are not copied, so that a damaged file cannot use up the stack.
+constexpr int kDeepestCopy = 200;
+
+/// How many references an object files before its own fields: its extension dictionary and its reactors.
+std::size_t linksOf(const MxDbObject& object) {
+    const ObjectData& data = object.data();
+    const auto listed = std::count_if(data.reactors.begin(), data.reactors.end(), mxdbIsPersistentReactor);
+    return static_cast<std::size_t>(listed) + (data.extensionDictionary.isNull() ? 0 : 1);
+}
+
 /// A name beginning like `name` (that of an anonymous block, one letter behind the asterisk) that no block has.
 std::wstring freeAnonymousName(const DatabaseImp& database, const std::wstring& name) {
     for (std::size_t number = 0;; ++number) {
@@ -62,10 +74,16 @@ public:
 
 private:
     template <class T> MxDbObjectId bringRecord(const T& record, MxDbObjectId present, MxDbObjectId table) {
-        if (present.isNull()) {
+        const bool takesPart = m_underWay.size() < kDeepestRecord && !m_underWay.contains(record.objectId());
+        if (present.isNull() && takesPart) {
             auto made = std::make_unique<T>();
-            const auto turn = [this](MxDbObjectId id) { return bring(id); };
-            if (copyFields(record, *made, &m_target.self(), turn) != Mx::eOk)
+            m_underWay.insert(record.objectId());
+            const auto turn = [this, links = linksOf(record)](MxDbObjectId id) mutable {
+                return links > 0 && links-- ? MxDbObjectId() : bring(id);
+            };
+            const auto status = copyFields(record, *made, &m_target.self(), turn);
+            m_underWay.erase(record.objectId());
+            if (status != Mx::eOk)
                 return {};
             made->data().extensionDictionary = {};
             made->data().reactors.clear();
@@ -74,7 +92,8 @@ private:
                 added->close();
             }
         }
-        m_map.assign(record.objectId(), present);
+        if (!present.isNull())
+            m_map.assign(record.objectId(), present);
         return present;
     }
 
@@ -95,6 +114,7 @@ private:
 
     DatabaseImp& m_target;
     MxDbIdMapping& m_map;
+    std::set<MxDbObjectId> m_underWay; ///< a damaged record may refer to itself
 };
 
 std::wstring keyOf(const MxDbObject& original) {
@@ -162,8 +182,10 @@ Mx::ErrorStatus cloneInto(const MxDbObject& original, MxDbObject* owner, MxDbObj
     if (!made)
         return Mx::eNotApplicable;
     Records records(target, map);
-    const auto turn = [&](MxDbObjectId id) {
-        if (id.stub()->database == &target)
+    const auto turn = [&, links = linksOf(original)](MxDbObjectId id) mutable {
+        // Reactors are left to finishClones: they come along only when they are copied themselves.
+        const bool isLink = links > 0 && links--;
+        if (isLink || id.stub()->database == &target)
             return id;
         if (const MxDbObjectId known = map.clone(id); !known.isNull())
             return known;
@@ -235,6 +257,17 @@ struct Unit {
     Unit(const Unit&) = delete;
     Unit& operator=(const Unit&) = delete;
     UndoRecorder& undo;
+};
+
+int g_copyDepth = 0;
+
+/// One more level of a copy for as long as it lives.
+struct CopyLevel {
+    CopyLevel() { ++g_copyDepth; }
+    ~CopyLevel() { --g_copyDepth; }
+    CopyLevel(const CopyLevel&) = delete;
+    CopyLevel& operator=(const CopyLevel&) = delete;
+    bool isTooDeep() const { return g_copyDepth > kDeepestCopy; }
 };
 
 } // namespace
@@ -323,13 +356,17 @@ using namespace merix::db;
 
 Mx::ErrorStatus MxDbObject::deepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map, bool isPrimary) const {
     assertReadEnabled();
-    return subDeepClone(owner, clone, map, isPrimary);
+    clone = nullptr;
+    const CopyLevel level;
+    return level.isTooDeep() ? Mx::eNotApplicable : subDeepClone(owner, clone, map, isPrimary);
 }
 
 Mx::ErrorStatus MxDbObject::wblockClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map,
                                         bool isPrimary) const {
     assertReadEnabled();
-    return subWblockClone(owner, clone, map, isPrimary);
+    clone = nullptr;
+    const CopyLevel level;
+    return level.isTooDeep() ? Mx::eNotApplicable : subWblockClone(owner, clone, map, isPrimary);
 }
 
 Mx::ErrorStatus MxDbObject::subDeepClone(MxDbObject* owner, MxDbObject*& clone, MxDbIdMapping& map, bool) const {

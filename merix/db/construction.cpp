@@ -105,16 +105,28 @@ Mx::ErrorStatus MxDbXline::dxfOutFields(MxDbDxfFiler* filer) const {
 }
 
 Mx::ErrorStatus MxDbRay::subTransformBy(const MxGeMatrix3d& map) {
+    MxGePoint3d base = m_basePoint;
+    MxGeVector3d direction = m_direction;
+    if (!place(map, base, direction))
+        return Mx::eCannotScaleNonUniformly;
     assertWriteEnabled();
-    return place(map, m_basePoint, m_direction) ? Mx::eOk : Mx::eCannotScaleNonUniformly;
+    m_basePoint = base;
+    m_direction = direction;
+    return Mx::eOk;
 }
 Mx::ErrorStatus MxDbRay::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
     grips.insert(grips.end(), {m_basePoint, m_basePoint + m_direction});
     return Mx::eOk;
 }
 Mx::ErrorStatus MxDbRay::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    MxGePoint3d base = m_basePoint;
+    MxGeVector3d direction = m_direction;
+    if (!moveGrips(indices, offset, base, direction))
+        return Mx::eInvalidInput;
     assertWriteEnabled();
-    return moveGrips(indices, offset, m_basePoint, m_direction) ? Mx::eOk : Mx::eInvalidInput;
+    m_basePoint = base;
+    m_direction = direction;
+    return Mx::eOk;
 }
 Mx::ErrorStatus MxDbRay::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
                                            std::vector<MxGePoint3d>& points) const {
@@ -123,16 +135,28 @@ Mx::ErrorStatus MxDbRay::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d
 }
 
 Mx::ErrorStatus MxDbXline::subTransformBy(const MxGeMatrix3d& map) {
+    MxGePoint3d base = m_basePoint;
+    MxGeVector3d direction = m_direction;
+    if (!place(map, base, direction))
+        return Mx::eCannotScaleNonUniformly;
     assertWriteEnabled();
-    return place(map, m_basePoint, m_direction) ? Mx::eOk : Mx::eCannotScaleNonUniformly;
+    m_basePoint = base;
+    m_direction = direction;
+    return Mx::eOk;
 }
 Mx::ErrorStatus MxDbXline::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
     grips.insert(grips.end(), {m_basePoint, m_basePoint + m_direction});
     return Mx::eOk;
 }
 Mx::ErrorStatus MxDbXline::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+    MxGePoint3d base = m_basePoint;
+    MxGeVector3d direction = m_direction;
+    if (!moveGrips(indices, offset, base, direction))
+        return Mx::eInvalidInput;
     assertWriteEnabled();
-    return moveGrips(indices, offset, m_basePoint, m_direction) ? Mx::eOk : Mx::eInvalidInput;
+    m_basePoint = base;
+    m_direction = direction;
+    return Mx::eOk;
 }
 Mx::ErrorStatus MxDbXline::subGetOsnapPoints(MxDbOsnapMode mode, const MxGePoint3d&, const MxGePoint3d&,
                                              std::vector<MxGePoint3d>& points) const {

@@ -181,7 +181,8 @@ Mx::ErrorStatus MxDbObject::dxfOutFields(MxDbDxfFiler* filer) const {
             filer->writeObjectId(330, id);
         filer->writeString(102, L"}");
     }
-    if (const MxDbObjectId id = extensionDictionary(); !id.isNull()) {
+    // What a file said stays said, even when the dictionary is another object's.
+    if (const MxDbObjectId id = m_data->extensionDictionary; DatabaseImp::peek(id)) {
         filer->writeString(102, L"{ACAD_XDICTIONARY");
         filer->writeObjectId(360, id);
         filer->writeString(102, L"}");

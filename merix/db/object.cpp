@@ -80,9 +80,31 @@ void closeWriter(MxDbObject& object) {
     tellClosed(object, wasNew, changed, graphics);
 }
 
-void eraseExtensionDictionary(const ObjectData& data, bool erasing) {
+/// Things owned by things owned: deeper ones stay, so that a damaged file cannot use up the stack.
+constexpr int kDeepestErase = 200;
+int g_eraseDepth = 0;
+
+struct EraseLevel {
+    EraseLevel() { ++g_eraseDepth; }
+    ~EraseLevel() { --g_eraseDepth; }
+    EraseLevel(const EraseLevel&) = delete;
+    EraseLevel& operator=(const EraseLevel&) = delete;
+};
+
+/// A file may name any object there, even the named objects dictionary: it counts only when it is the object's own.
+bool ownsExtensionDictionary(const MxDbObject& object) {
+    const ObjectData& data = object.data();
+    const MxDbObject* dictionary = DatabaseImp::peek(data.extensionDictionary, true);
+    if (!dictionary || dictionary == &object || !dictionary->isKindOf(MxDbDictionary::desc()))
+        return false;
+    const bool owned = dictionary->ownerId().isNull() || dictionary->ownerId() == object.objectId();
+    return owned && (!data.stub || data.stub->database->roots.namedObjects != data.extensionDictionary);
+}
+
+void eraseExtensionDictionary(const MxDbObject& object, bool erasing) {
     MxDbDictionary* dictionary = nullptr;
-    if (mxdbOpenObject(dictionary, data.extensionDictionary, Mx::kForWrite, !erasing) != Mx::eOk)
+    if (!ownsExtensionDictionary(object) ||
+        mxdbOpenObject(dictionary, object.data().extensionDictionary, Mx::kForWrite, !erasing) != Mx::eOk)
         return;
     dictionary->erase(erasing);
     dictionary->close();
@@ -214,15 +236,20 @@ Mx::ErrorStatus MxDbObject::erase(bool erasing) {
     if (data.stub->erased == erasing)
         return erasing ? Mx::eWasErased : Mx::eOk;
     data.stub->database->markChanged(*this);
-    if (isKindOf(MxDbDictionary::desc()))
-        static_cast<MxDbDictionary*>(this)->erasing(erasing);
-    eraseExtensionDictionary(data, erasing);
+    if (g_eraseDepth < kDeepestErase) {
+        const EraseLevel level;
+        if (isKindOf(MxDbDictionary::desc()))
+            static_cast<MxDbDictionary*>(this)->erasing(erasing);
+        eraseExtensionDictionary(*this, erasing);
+    }
     setErased(*this, erasing);
     return Mx::eOk;
 }
 
 MxDbObjectId MxDbObject::extensionDictionary() const {
-    return DatabaseImp::peek(m_data->extensionDictionary) ? m_data->extensionDictionary : MxDbObjectId();
+    return DatabaseImp::peek(m_data->extensionDictionary) && ownsExtensionDictionary(*this)
+               ? m_data->extensionDictionary
+               : MxDbObjectId();
 }
 
 Mx::ErrorStatus MxDbObject::createExtensionDictionary() {

@@ -9,14 +9,42 @@
 
 namespace merix::db {
 
+/// Says of the entries of a list, taken in order, whether they are still in it. Searches only where the list changed.
+class StillListed {
+public:
+    explicit StillListed(const std::vector<MxDbReactorEntry>& list)
+        : m_list(list) {}
+    bool operator()(const MxDbReactorEntry& entry) {
+        if (m_next >= m_list.size() || m_list[m_next] != entry)
+            m_next = static_cast<std::size_t>(std::find(m_list.begin(), m_list.end(), entry) - m_list.begin());
+        return m_next < m_list.size() && (++m_next, true);
+    }
+
+private:
+    const std::vector<MxDbReactorEntry>& m_list;
+    std::size_t m_next = 0;
+};
+
+/// Those who are told may change objects that tell others: chains longer than this are a damaged file's, and end.
+constexpr int kLongestTelling = 200;
+inline int g_tellingDepth = 0;
+
+struct TellingLevel {
+    TellingLevel() { ++g_tellingDepth; }
+    ~TellingLevel() { --g_tellingDepth; }
+    TellingLevel(const TellingLevel&) = delete;
+    TellingLevel& operator=(const TellingLevel&) = delete;
+};
+
 /// Calls `tell(MxDbObjectReactor&)` for every transient reactor that is still listed when its turn comes.
 template <class Tell> void tellTransient(const MxDbObject& object, Tell tell) {
     const ObjectData& data = object.data();
     if (data.reactors.empty())
         return;
     const std::vector<MxDbReactorEntry> list = data.reactors;
+    StillListed stillListed(data.reactors);
     for (const MxDbReactorEntry& entry : list) {
-        if (entry.transient && std::find(data.reactors.begin(), data.reactors.end(), entry) != data.reactors.end())
+        if (stillListed(entry) && entry.transient)
             tell(*entry.transient);
     }
 }
@@ -24,12 +52,13 @@ template <class Tell> void tellTransient(const MxDbObject& object, Tell tell) {
 /// Calls `tell(MxDbObject&)` for every persistent reactor that can be opened for read.
 template <class Tell> void tellPersistent(const MxDbObject& object, Tell tell) {
     const ObjectData& data = object.data();
-    if (data.reactors.empty())
+    if (data.reactors.empty() || g_tellingDepth >= kLongestTelling)
         return;
+    const TellingLevel level;
     const std::vector<MxDbReactorEntry> list = data.reactors;
+    StillListed stillListed(data.reactors);
     for (const MxDbReactorEntry& entry : list) {
-        if (!mxdbIsPersistentReactor(entry) ||
-            std::find(data.reactors.begin(), data.reactors.end(), entry) == data.reactors.end())
+        if (!stillListed(entry) || !mxdbIsPersistentReactor(entry))
             continue;
         MxDbObject* reactor = nullptr;
         if (mxdbOpenObject(reactor, entry.persistent, Mx::kForRead) != Mx::eOk)

@@ -116,7 +116,18 @@ void UndoRecorder::clear() {
 }
 
 void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
-    m_applying = true;
+    // Those who are told may throw.
+    struct Applying {
+        explicit Applying(bool& flag)
+            : applying(flag) {
+            applying = true;
+        }
+        ~Applying() { applying = false; }
+        Applying(const Applying&) = delete;
+        Applying& operator=(const Applying&) = delete;
+        bool& applying;
+    };
+    const Applying scope(m_applying);
     const auto applyStep = [this, redoing](UndoStep& step) {
         if (step.kind == UndoStep::Kind::kHeader) {
             std::swap(m_database.header, *step.header);
@@ -150,7 +161,6 @@ void UndoRecorder::apply(UndoUnit& unit, bool redoing) {
         for (auto step = unit.steps.rbegin(); step != unit.steps.rend(); ++step)
             applyStep(*step);
     }
-    m_applying = false;
 }
 
 } // namespace merix::db

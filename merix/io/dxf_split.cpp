@@ -44,6 +44,14 @@ private:
     bool m_inGroup = false;
 };
 
+/// The text keeps them.
+void dropDamagedHandles(DxfRecord& record) {
+    for (std::uint64_t* handle : {&record.handle, &record.owner}) {
+        if (*handle >= kHandleBound)
+            *handle = 0;
+    }
+}
+
 bool isRecordName(std::string_view text) {
     text = trimmed(text);
     return !text.empty() && text.front() >= 'A' && text.front() <= 'Z' && text.size() > 2 &&
@@ -192,8 +200,7 @@ bool Splitter::readRecord(DxfRecord& record) {
         }
     }
     record.text = m_text.substr(begin, m_scanner.position() - begin);
-    if (record.handle >= kHandleBound)
-        record.handle = 0;
+    dropDamagedHandles(record);
     return true;
 }
 
@@ -412,8 +419,7 @@ DxfRecord readHead(std::string_view text) {
         else
             break;
     }
-    if (record.handle >= kHandleBound)
-        record.handle = 0;
+    dropDamagedHandles(record);
     return record;
 }
 

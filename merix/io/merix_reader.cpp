@@ -32,6 +32,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Ids and places in the order of rows count up from small numbers.
+constexpr std::int64_t kIdBound = std::int64_t{1} << 53;
+
 struct Row {
     MxDbHandle handle;
     std::int64_t classId = 0, run = 0;
@@ -52,6 +55,13 @@ DxfForm formOf(const std::string& text) {
                                                                                    : DxfForm::kText;
 }
 
+/// The id of a part or class: there is room for more behind it.
+std::int64_t checkedId(std::int64_t id) {
+    if (id < 1 || id >= kIdBound)
+        throw Damaged("the drawing is damaged: the id of a part or class is out of range");
+    return id;
+}
+
 class Reader {
 public:
     Reader(const std::string& path, MxDbDatabase& database)
@@ -66,7 +76,7 @@ private:
     void checkFile();
     void readMeta();
     void readText();
-    std::string_view textAt(std::int64_t at, std::int64_t size) const;
+    std::string_view takeText(std::int64_t at, std::int64_t size);
     void readParts();
     void readRows();
     void readStreams();
@@ -94,6 +104,7 @@ private:
     std::map<std::int64_t, ClassName> m_classes;
     std::unordered_map<std::int64_t, std::size_t> m_partById;
     std::vector<Row> m_rows;
+    std::uint64_t m_textTaken = 0;
     Packer m_packer;
 };
 
@@ -170,7 +181,7 @@ void Reader::readMeta() {
         m_imp.raiseNextHandle(next);
     SqliteStatement classes(m_file, "SELECT id, name, dxf FROM class");
     while (classes.step())
-        m_classes[classes.integer(0)] = {std::string(classes.bytes(1)), std::string(classes.bytes(2))};
+        m_classes[checkedId(classes.integer(0))] = {std::string(classes.bytes(1)), std::string(classes.bytes(2))};
 }
 
 void Reader::readText() {
@@ -187,11 +198,15 @@ void Reader::readText() {
     m_parts->keep(std::move(all));
 }
 
-std::string_view Reader::textAt(std::int64_t at, std::int64_t size) const {
+/// A text of one row or part; writers give each its own.
+std::string_view Reader::takeText(std::int64_t at, std::int64_t size) {
     const std::string& all = *m_parts->buffers.front();
     if (at < 0 || size < 0 || static_cast<std::uint64_t>(at) > all.size() ||
         static_cast<std::uint64_t>(size) > all.size() - static_cast<std::uint64_t>(at))
         throw Damaged("the drawing is damaged: a text ends behind its end");
+    m_textTaken += static_cast<std::uint64_t>(size);
+    if (m_textTaken > all.size())
+        throw Damaged("the drawing is damaged: its texts overlap");
     return std::string_view(all).substr(static_cast<std::size_t>(at), static_cast<std::size_t>(size));
 }
 
@@ -210,8 +225,8 @@ void Reader::readParts() {
         Part part;
         part.role = static_cast<Role>(role);
         part.owner = reserve(rows.integer(2));
-        part.text = textAt(rows.integer(3), rows.integer(4));
-        part.id = rows.integer(0);
+        part.text = takeText(rows.integer(3), rows.integer(4));
+        part.id = checkedId(rows.integer(0));
         m_partById[part.id] = m_parts->parts.size();
         m_parts->parts.push_back(std::move(part));
     }
@@ -231,7 +246,7 @@ void Reader::readRows() {
         row.owner = owner ? owner->handle.value() : 0;
         row.run = rows.integer(3);
         row.stale = rows.integer(4) != 0;
-        row.text = textAt(rows.integer(5), rows.integer(6));
+        row.text = takeText(rows.integer(5), rows.integer(6));
         row.stream = rows.bytes(7);
         if (!m_classes.contains(row.classId) || (row.run != kImpliedRun && !m_partById.contains(row.run)))
             throw Damaged("the drawing is damaged: object " + fromHandle(row.handle.value()) + " belongs nowhere");
@@ -410,9 +425,9 @@ FileResult Reader::run() {
     else
         findNamedObjects(m_imp, *m_parts);
     m_imp.clearChanged();
-    m_parts->origin = std::make_unique<DrawingParts::Origin>(
-        DrawingParts::Origin{finalPath(m_path), meta("save_id"),
-                             static_cast<std::int64_t>(m_parts->buffers.front()->size()), toInteger(meta("next_seq"))});
+    m_parts->origin = std::make_unique<DrawingParts::Origin>(DrawingParts::Origin{
+        finalPath(m_path), meta("save_id"), static_cast<std::int64_t>(m_parts->buffers.front()->size()),
+        std::clamp<std::int64_t>(toInteger(meta("next_seq")), 0, kIdBound)});
     m_imp.fileParts = std::move(m_parts);
     return std::move(m_result);
 }

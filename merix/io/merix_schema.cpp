@@ -9,6 +9,9 @@ namespace {
 
 /// Measured on recorded speech and on DXF text: higher levels cost time and gain nothing worth it.
 constexpr int kLevel = 1;
+/// Readers refuse a drawing whose bytes are unpacked from less than a thousandth: what packs better, like a recorded
+/// silence, is stored as it is.
+constexpr std::size_t kBestRatio = 512;
 
 } // namespace
 
@@ -30,7 +33,7 @@ std::string_view Packer::pack(std::string_view bytes) {
     m_buffer.resize(ZSTD_compressBound(bytes.size()));
     const std::size_t size = ZSTD_compress2(static_cast<ZSTD_CCtx*>(m_compressor), m_buffer.data(), m_buffer.size(),
                                             bytes.data(), bytes.size());
-    if (ZSTD_isError(size) || size >= bytes.size())
+    if (ZSTD_isError(size) || size >= bytes.size() || size < bytes.size() / kBestRatio)
         return bytes;
     return std::string_view(m_buffer.data(), size);
 }

@@ -179,6 +179,26 @@ TEST_F(CloneTest, EntitiesOnALockedLayerAreCopied) {
     EXPECT_EQ(copy({line}).size(), 1U);
 }
 
+TEST_F(CloneTest, DictionariesNestedWithoutEndAreCopiedAsFarAsTheStackGoes) {
+    const MxDbObjectId line = drawing.addLine();
+    MxDbObjectId owner = line;
+    for (int i = 0; i < 100000; ++i) {
+        auto* made = new MxDbDictionary;
+        const MxDbObjectId id(drawing.imp.adopt(made, {}, owner));
+        drawing.at<MxDbObject>(owner).data().extensionDictionary = id;
+        owner = id;
+    }
+    const auto made = copy({line});
+    ASSERT_EQ(made.size(), 1U);
+    std::size_t copied = 0;
+    for (MxDbObjectId id = made[0]; !drawing.at<MxDbObject>(id).extensionDictionary().isNull(); ++copied)
+        id = drawing.at<MxDbObject>(id).extensionDictionary();
+    EXPECT_GT(copied, 100U);
+    EXPECT_LT(copied, 1000U);
+    ASSERT_TRUE(drawing.imp.undo.undo());
+    EXPECT_TRUE(drawing.at<Line>(made[0]).isErased());
+}
+
 class WblockTest : public CloneTest {
 protected:
     const MxDbObjectId& onlyEntity(MxDbObjectId block) {
@@ -264,6 +284,35 @@ TEST_F(WblockTest, ABlockThatShowsItselfIsCopiedOnce) {
     ASSERT_EQ(made.size(), 1U);
     const MxDbObjectId block = target.at<Insert>(made[0]).block;
     EXPECT_EQ(target.at<Insert>(onlyEntity(block)).block, block);
+}
+
+TEST_F(WblockTest, ALayerThatListsItselfAsReactorComesAloneAndOnce) {
+    const MxDbObjectId layer = drawing.addLayer(L"Walls", 3), other = drawing.addLayer(L"Other");
+    const MxDbObjectId line = drawing.addLine();
+    traits(drawing.at<Line>(line)).layer = layer;
+    auto& reactors = drawing.at<LayerRecord>(layer).data().reactors;
+    reactors.push_back({nullptr, layer});
+    reactors.push_back({nullptr, other});
+    drawing.at<LayerRecord>(layer).data().extensionDictionary = other;
+    drawing.at<Line>(line).data().reactors.push_back({nullptr, other});
+    const auto made = wblockEntities({line}, target.database, {});
+    ASSERT_EQ(made.size(), 1U);
+    const auto& copy = target.at<LayerRecord>(target.at<Line>(made[0]).layerId());
+    EXPECT_EQ(copy.name, L"Walls");
+    EXPECT_EQ(copy.color, 3);
+    EXPECT_TRUE(copy.reactors().empty());
+    EXPECT_TRUE(target.at<Line>(made[0]).reactors().empty());
+    EXPECT_TRUE(target.imp.layerNamed(L"Other").isNull()) << "a reactor is no reason to come along";
+}
+
+TEST_F(WblockTest, ARecordThatRefersToItselfComesOnce) {
+    const MxDbObjectId layer = drawing.addLayer(L"Walls", 3), line = drawing.addLine();
+    traits(drawing.at<Line>(line)).layer = layer;
+    drawing.at<LayerRecord>(layer).linetype = layer;
+    const auto made = wblockEntities({line}, target.database, {});
+    ASSERT_EQ(made.size(), 1U);
+    EXPECT_EQ(target.at<LayerRecord>(target.at<Line>(made[0]).layerId()).color, 3);
+    EXPECT_EQ(target.at<Line>(made[0]).layerId(), target.imp.layerNamed(L"Walls"));
 }
 
 TEST_F(WblockTest, UndoInTheTargetTakesRecordsBackToo) {

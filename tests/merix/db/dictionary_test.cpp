@@ -2,9 +2,13 @@
 #include "host/db/dictionary.h"
 
 #include "merix/db/access.h"
+#include "merix/db/dwg_filer.h"
 #include "tests/merix/db/drawing.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -90,6 +94,42 @@ TEST_F(DictionaryTest, ErasingADictionaryTakesItsEntriesAlongAndBringsJustThemBa
     drawing.erase(id, false);
     EXPECT_FALSE(drawing.at<MxDbXrecord>(kept).isErased());
     EXPECT_TRUE(drawing.at<MxDbXrecord>(gone).isErased());
+}
+
+TEST_F(DictionaryTest, NestingWithoutEndIsErasedAsFarAsTheStackGoesAndComesBack) {
+    constexpr int kDeep = 100000;
+    const MxDbObjectId top(drawing.imp.adopt(new MxDbDictionary, {}, {}));
+    std::vector<MxDbObjectId> all{top};
+    for (int i = 0; i < kDeep; ++i) {
+        const MxDbObjectId inner(drawing.imp.adopt(new MxDbDictionary, {}, all.back()));
+        auto& outer = drawing.at<MxDbDictionary>(all.back());
+        if (i % 2 == 0) {
+            outer.data().extensionDictionary = inner;
+        } else {
+            // A reader's way: the entry of an object that is there already.
+            merix::db::DwgWriter writer(MxDbFilerType::kFile, &drawing.database);
+            writer.writeSoftPointerId({});
+            writer.writeUInt32(0);
+            writer.writeBool(false);
+            writer.writeInt16(1);
+            writer.writeUInt32(1);
+            writer.writeString(L"INNER");
+            writer.writeSoftPointerId(inner);
+            ASSERT_EQ(merix::db::readDwgImage(outer, writer.take(), MxDbFilerType::kFile), Mx::eOk);
+        }
+        all.push_back(inner);
+    }
+    const auto erased = [&] {
+        return std::count_if(all.begin(), all.end(),
+                             [&](const MxDbObjectId& id) { return drawing.at<MxDbObject>(id).isErased(); });
+    };
+    drawing.imp.undo.begin(L"Erase");
+    EXPECT_EQ(drawing.erase(top), Mx::eOk);
+    drawing.imp.undo.end();
+    EXPECT_GT(erased(), 100);
+    EXPECT_LT(erased(), 1000);
+    ASSERT_TRUE(drawing.imp.undo.undo());
+    EXPECT_EQ(erased(), 0);
 }
 
 TEST_F(DictionaryTest, TheBinaryFormKeepsKeysAndOrder) {

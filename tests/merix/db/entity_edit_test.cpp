@@ -188,6 +188,22 @@ TEST_F(EntityEditTest, WhatIsUnboundedTurnsAndMoves) {
     EXPECT_EQ(grips(ray).size(), 2U);
 }
 
+TEST_F(EntityEditTest, WhatIsUnboundedIsNotChangedByWhatItRefuses) {
+    Drawing drawing;
+    auto made = std::make_unique<MxDbXline>();
+    const MxDbObjectId id = drawing.add(std::move(made));
+    MxDbXline* line = nullptr;
+    ASSERT_EQ(mxdbOpenObject(line, id, Mx::kForWrite), Mx::eOk);
+    std::vector<MxGePoint3d> before;
+    line->getGripPoints(before);
+    ASSERT_EQ(before.size(), 2U);
+    EXPECT_EQ(line->moveGripPointsAt({1}, before[0] - before[1]), Mx::eInvalidInput);
+    EXPECT_FALSE(line->data().changedInOpen);
+    EXPECT_EQ(line->moveGripPointsAt({0}, {1, 0, 0}), Mx::eOk);
+    EXPECT_TRUE(line->data().changedInOpen);
+    line->close();
+}
+
 TEST_F(EntityEditTest, AKeptRecordCannotBeEdited) {
     KeptEntity kept;
     std::vector<MxGePoint3d> points;

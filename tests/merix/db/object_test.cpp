@@ -332,6 +332,41 @@ TEST(Object, AnExtensionDictionaryIsMadeOnceAndErasedWithItsOwner) {
     EXPECT_TRUE(line->extensionDictionary().isNull());
 }
 
+TEST(Object, ADictionaryOfAnotherOwnerIsNoExtensionDictionary) {
+    Drawing drawing;
+    const MxDbObjectId root = drawing.imp.roots.namedObjects, other = drawing.addLine();
+    auto* foreign = new MxDbDictionary;
+    const MxDbObjectId owned(drawing.imp.adopt(foreign, {}, other));
+    for (const MxDbObjectId& claimed : {root, owned, other}) {
+        const MxDbObjectId line = drawing.addLine();
+        drawing.at<Line>(line).data().extensionDictionary = claimed;
+        EXPECT_TRUE(drawing.at<Line>(line).extensionDictionary().isNull());
+        EXPECT_EQ(drawing.erase(line), Mx::eOk);
+        EXPECT_FALSE(drawing.at<MxDbObject>(claimed).isErased());
+        EXPECT_FALSE(drawing.at<MxDbObject>(root).isErased());
+    }
+    // It may get one of its own.
+    const MxDbObjectId line = drawing.addLine();
+    drawing.at<Line>(line).data().extensionDictionary = root;
+    Line* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, line, Mx::kForWrite), Mx::eOk);
+    EXPECT_EQ(open->releaseExtensionDictionary(), Mx::eKeyNotFound);
+    EXPECT_EQ(open->createExtensionDictionary(), Mx::eOk);
+    EXPECT_EQ(drawing.at<MxDbObject>(open->extensionDictionary()).ownerId(), line);
+    open->close();
+    EXPECT_FALSE(drawing.at<MxDbObject>(root).isErased());
+}
+
+TEST(Object, ADictionaryWithoutAnOwnerIsTheExtensionDictionaryOfWhoNamesIt) {
+    Drawing drawing;
+    const MxDbObjectId line = drawing.addLine();
+    const MxDbObjectId dictionary(drawing.imp.adopt(new MxDbDictionary, {}, {}));
+    drawing.at<Line>(line).data().extensionDictionary = dictionary;
+    EXPECT_EQ(drawing.at<Line>(line).extensionDictionary(), dictionary);
+    drawing.erase(line);
+    EXPECT_TRUE(drawing.at<MxDbObject>(dictionary).isErased());
+}
+
 TEST(ObjectDeathTest, ChangingAClosedObjectStopsTheHost) {
     Drawing drawing;
     auto& line = drawing.at<Line>(drawing.addLine());

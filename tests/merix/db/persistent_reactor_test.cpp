@@ -72,6 +72,66 @@ TEST_F(PersistentReactor, IsToldOfChangesAsLongAsItIsListed) {
     EXPECT_EQ(watcher->told, 0);
 }
 
+TEST_F(PersistentReactor, AChainWithoutEndIsToldAsFarAsTheStackGoes) {
+    /// Changes itself when it is told, so that its own reactors are told too.
+    class Passer final : public MxDbXrecord {
+    public:
+        void modified(const MxDbObject*) override {
+            ++told;
+            MxDbObject* self = this;
+            if (self->upgradeOpen() == Mx::eOk)
+                self->assertWriteEnabled();
+        }
+        int told = 0;
+    };
+    std::vector<Passer*> chain;
+    MxDbObjectId before;
+    for (int i = 0; i < 20000; ++i) {
+        chain.push_back(new Passer);
+        const MxDbObjectId id(drawing.imp.adopt(chain.back(), {}, {}));
+        if (!before.isNull())
+            chain.back()->data().reactors.push_back({nullptr, before});
+        before = id;
+    }
+    add(line, before);
+    for (Passer* passer : chain)
+        passer->told = 0;
+    drawing.moveLine(line, {2, 0, 0});
+    EXPECT_EQ(chain.back()->told, 1);
+    EXPECT_EQ(chain[chain.size() - 100]->told, 1);
+    EXPECT_EQ(chain.front()->told, 0);
+    drawing.moveLine(line, {3, 0, 0});
+    EXPECT_EQ(chain.back()->told, 2) << "the end of one chain is not the end of the next";
+}
+
+TEST_F(PersistentReactor, ThoseWhoAreStillListedAreToldWhenOthersLeave) {
+    /// Leaves the list with the one behind it when it is told.
+    class Leaver final : public MxDbXrecord {
+    public:
+        void modified(const MxDbObject* object) override {
+            auto& list = object->data().reactors;
+            std::erase(list, MxDbReactorEntry{nullptr, objectId()});
+            std::erase(list, MxDbReactorEntry{nullptr, other});
+        }
+        MxDbObjectId other;
+    };
+    auto* leaver = new Leaver;
+    auto* last = new Watcher;
+    const MxDbObjectId leaving(drawing.imp.adopt(leaver, {}, {}));
+    leaver->other = reactor;
+    add(line, leaving);
+    add(line, reactor);
+    add(line, MxDbObjectId(drawing.imp.adopt(last, {}, {})));
+    watcher->told = last->told = 0;
+    // The list changed already when the first was added: it is put in order again.
+    auto& list = drawing.at<Line>(line).data().reactors;
+    list = {{nullptr, leaving}, {nullptr, reactor}, {nullptr, last->objectId()}};
+    drawing.moveLine(line, {2, 0, 0});
+    EXPECT_EQ(watcher->told, 0);
+    EXPECT_EQ(last->told, 1);
+    EXPECT_EQ(listed(line), 1U);
+}
+
 TEST_F(PersistentReactor, IsListedOnce) {
     EXPECT_EQ(add(line, reactor), Mx::eOk);
     EXPECT_EQ(add(line, reactor), Mx::eOk);

@@ -85,6 +85,22 @@ TEST(Undo, UndoneInsertionTellsReactorsErasedAndRedoUnerased) {
     EXPECT_EQ(reactor.told, "erased unerased ");
 }
 
+TEST(Undo, ChangesAreRecordedAgainAfterOneWhoIsToldThrew) {
+    class Thrower final : public MxDbObjectReactor {
+    public:
+        void erased(const MxDbObject*, bool) override { throw 1; }
+    } reactor;
+    Drawing drawing;
+    const MxDbObjectId id = drawing.addLine();
+    Line* line = nullptr;
+    mxdbOpenObject(line, id, Mx::kForRead);
+    line->addReactor(&reactor);
+    line->close();
+    EXPECT_THROW(drawing.imp.undo.undo(), int);
+    EXPECT_TRUE(drawing.imp.undo.isRecording());
+    line->data().reactors.clear();
+}
+
 TEST(Undo, AnErasedObjectComesBackWithItsExtensionDictionary) {
     Drawing drawing;
     const MxDbObjectId id = drawing.addLine();

@@ -275,10 +275,77 @@ TEST_F(MerixFile, DamageGivesOneLine) {
     EXPECT_THAT(message("UPDATE object SET text_at = -5"), HasSubstr("ends behind its end"));
     EXPECT_THAT(message("UPDATE object SET run = 99999"), HasSubstr("belongs nowhere"));
     EXPECT_THAT(message("UPDATE object SET class = 99999"), HasSubstr("belongs nowhere"));
+    EXPECT_THAT(message("UPDATE object SET text_at = 0, text_size = (SELECT sum(size) FROM text)"),
+                HasSubstr("texts overlap"));
+    EXPECT_THAT(message("UPDATE part SET id = 9223372036854775807 WHERE seq = 0"), HasSubstr("part or class"));
+    EXPECT_THAT(message("UPDATE part SET id = 0 WHERE seq = 0"), HasSubstr("part or class"));
+    EXPECT_THAT(message("INSERT INTO class VALUES(9223372036854775807, 'A', 'B')"), HasSubstr("part or class"));
     EXPECT_THAT(message("UPDATE object SET owner = -1"), HasSubstr("out of range"));
     EXPECT_THAT(message("UPDATE part SET role = 99"), HasSubstr("unknown kind"));
     EXPECT_THAT(message("INSERT INTO bytes VALUES(48, 2000000000000, x'00')"), HasSubstr("out of range"));
     EXPECT_THAT(message("INSERT INTO bytes VALUES(48, 2000000000, x'00')"), HasSubstr("object 30"));
+}
+
+TEST_F(MerixFile, AnOwnerOutOfRangeIsNoOwnerAndStaysInTheText) {
+    const std::string text = drawing("0|LINE|5|30|330|FFFFFFFFFFFFFFFE|100|AcDbEntity|8|0|100|AcDbLine|10|1|20|2");
+    ASSERT_TRUE(load(text));
+    saveAs("a.merix");
+    const FileResult result = reopen("a.merix");
+    EXPECT_TRUE(result) << result.error;
+    EXPECT_EQ(asDxf("a.merix"), text);
+}
+
+TEST_F(MerixFile, WhatPacksTooWellToBeTrueIsStoredAsItIs) {
+    const WithSampleClass sample;
+    database.imp().createDefaults();
+    auto* silence = new SampleNote;
+    silence->bytes.assign(5000000, 0);
+    const std::uint64_t handle = append(silence);
+    saveAs("a.merix");
+    {
+        SqliteFile file(directory / "a.merix", SqliteFile::Mode::kRead);
+        SqliteStatement rows(file,
+                             "SELECT size, length(data) FROM bytes UNION ALL SELECT size, length(data) FROM text");
+        std::int64_t size = 0, stored = 0;
+        while (rows.step()) {
+            size += rows.integer(0);
+            stored += rows.integer(1);
+        }
+        EXPECT_GT(size, 5000000);
+        EXPECT_LT(size, 1024 * stored) << "readers refuse what is packed thousandfold";
+    }
+    MxDbDatabase other;
+    ASSERT_TRUE(readDrawing(directory / "a.merix", other));
+    const auto* back =
+        static_cast<const SampleNote*>(db::DatabaseImp::peek(MxDbObjectId(other.imp().find(MxDbHandle(handle)))));
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->bytes.size(), 5000000U);
+}
+
+TEST_F(MerixFile, APlaceOutOfRangeLeavesRoomForMore) {
+    ASSERT_TRUE(load(drawing(kEntities)));
+    saveAs("a.merix");
+    sql("a.merix", "UPDATE meta SET value = '9223372036854775807' WHERE key = 'next_seq'");
+    MxDbDatabase other;
+    ASSERT_TRUE(readDrawing(directory / "a.merix", other));
+    std::vector<std::uint64_t> added;
+    for (int i = 0; i < 3; ++i) {
+        MxDbBlockTableRecord* space = nullptr;
+        ASSERT_EQ(mxdbOpenObject(space, other.imp().roots.modelSpace, Mx::kForWrite), Mx::eOk);
+        auto* line = new db::Line;
+        MxDbObjectId id;
+        space->appendMxDbEntity(id, line);
+        line->close();
+        space->close();
+        added.push_back(id.handle().value());
+    }
+    ASSERT_TRUE(writeDrawing(directory / "a.merix", other));
+    MxDbDatabase again;
+    ASSERT_TRUE(readDrawing(directory / "a.merix", again));
+    const auto ids = again.imp().block(again.imp().roots.modelSpace)->entityIds();
+    ASSERT_EQ(ids.size(), 7U);
+    for (std::size_t i = 0; i < added.size(); ++i)
+        EXPECT_EQ(ids[4 + i].handle().value(), added[i]);
 }
 
 TEST_F(MerixFile, AStreamThatCannotBeReadCostsItsObjectOnly) {
