@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "merix/db/clone.h"
 #include "merix/db/tables.h"
+#include "merix/io/dxf_value.h"
 #include "merix/io/merix_schema.h"
 #include "merix/io/sqlite_file.h"
 #include "tests/merix/io/drawing_fixture.h"
@@ -287,11 +289,15 @@ TEST_F(MerixFile, DamageGivesOneLine) {
 }
 
 TEST_F(MerixFile, AnOwnerOutOfRangeIsNoOwnerAndStaysInTheText) {
-    const std::string text = drawing("0|LINE|5|30|330|FFFFFFFFFFFFFFFE|100|AcDbEntity|8|0|100|AcDbLine|10|1|20|2");
+    const std::string text = drawing("0|LINE|5|30|330|FFFFFFFFFFFFFFFE|100|AcDbEntity|8|0|100|AcDbLine|10|1|20|2",
+                                     "0|XRECORD|5|40|330|FFFFFFFFFFFFFFFE|100|AcDbXrecord|280|1|1|kept|"
+                                     "0|DICTIONARY|5|41|330|4000000000000000|100|AcDbDictionary|281|1|3|A|"
+                                     "350|FFFFFFFFFFFFFFFE");
     ASSERT_TRUE(load(text));
     saveAs("a.merix");
     const FileResult result = reopen("a.merix");
     EXPECT_TRUE(result) << result.error;
+    EXPECT_TRUE(result.notes.empty());
     EXPECT_EQ(asDxf("a.merix"), text);
 }
 
@@ -320,6 +326,35 @@ TEST_F(MerixFile, WhatPacksTooWellToBeTrueIsStoredAsItIs) {
         static_cast<const SampleNote*>(db::DatabaseImp::peek(MxDbObjectId(other.imp().find(MxDbHandle(handle)))));
     ASSERT_NE(back, nullptr);
     EXPECT_EQ(back->bytes.size(), 5000000U);
+}
+
+TEST_F(MerixFile, DictionariesNestedWithoutEndAreOpenedSavedCopiedAndErased) {
+    constexpr std::uint64_t kFirst = 0x1000, kLast = kFirst + 100000;
+    std::string objects;
+    for (std::uint64_t handle = kFirst; handle < kLast; ++handle) {
+        const std::string owner = fromHandle(handle == kFirst ? 0x30 : handle - 1);
+        objects += "0|DICTIONARY|5|" + fromHandle(handle) + "|330|" + owner + "|100|AcDbDictionary|281|1";
+        objects += handle + 1 < kLast ? "|3|INNER|350|" + fromHandle(handle + 1) + "|" : "";
+    }
+    std::string text = drawing("0|LINE|5|30|102|{ACAD_XDICTIONARY|360|1000|102|}|330|1F|100|AcDbEntity|8|0|"
+                               "100|AcDbLine|10|1|20|2|11|3|21|4",
+                               objects);
+    text.replace(text.find("500\n"), 3, "FFFFF"); // the seed
+    ASSERT_TRUE(load(text));
+    saveAs("a.merix");
+    EXPECT_TRUE(asDxf("a.merix") == text);
+    const auto copies = db::cloneEntities({idOf(0x30)}, database.imp().roots.modelSpace, {});
+    ASSERT_EQ(copies.size(), 1U);
+    database.imp().undo.begin(L"Erase");
+    erase(0x30);
+    database.imp().undo.end();
+    EXPECT_TRUE(object<MxDbDictionary>(kFirst)->isErased());
+    saveAs("a.merix");
+    EXPECT_TRUE(reopen("a.merix"));
+    ASSERT_TRUE(database.imp().undo.undo());
+    ASSERT_TRUE(database.imp().undo.undo());
+    EXPECT_FALSE(object<MxDbDictionary>(kFirst)->isErased());
+    EXPECT_TRUE(saved() == text);
 }
 
 TEST_F(MerixFile, APlaceOutOfRangeLeavesRoomForMore) {
