@@ -28,6 +28,8 @@ void DocManager::Private::end(bool failed) {
         if (undo.abandon())
             state.changed = state.changedBeforeCommand;
     } else {
+        if (state.commands == 1)
+            state.releaseLocks(); // those that the command left to its end
         undo.end();
     }
     --state.commands;

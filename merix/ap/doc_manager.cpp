@@ -286,7 +286,10 @@ bool DocManager::undo(Document& document) {
     if (document.m->commands > 0)
         return false;
     document.m->releaseLocks(); // of nobody who still works
-    if (!document.database()->imp().undo.undo())
+    document.m->undoing = true;
+    const bool done = document.database()->imp().undo.undo();
+    document.m->undoing = false;
+    if (!done)
         return false;
     document.followLayouts();
     Q_EMIT document.graphicsChanged();
@@ -297,7 +300,10 @@ bool DocManager::redo(Document& document) {
     if (document.m->commands > 0)
         return false;
     document.m->releaseLocks();
-    if (!document.database()->imp().undo.redo())
+    document.m->undoing = true;
+    const bool done = document.database()->imp().undo.redo();
+    document.m->undoing = false;
+    if (!done)
         return false;
     document.followLayouts();
     Q_EMIT document.graphicsChanged();

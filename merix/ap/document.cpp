@@ -27,6 +27,12 @@ void Document::Private::headerChanged() {
     tellChanged();
 }
 void Document::Private::tellChanged() {
+    // What the program itself does while it records nothing, such as loading the line type of a picture, is no change
+    // of the user's.
+    if (!database->imp().undo.isRecording() && !undoing) {
+        Q_EMIT owner.graphicsChanged();
+        return;
+    }
     changed = true;
     owner.noteChange();
     Q_EMIT owner.graphicsChanged();

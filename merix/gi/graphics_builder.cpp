@@ -6,6 +6,7 @@
 #include "merix/gi/band.h"
 #include "merix/gi/colors.h"
 
+#include <cwchar>
 #include <numbers>
 
 namespace merix::gi {
@@ -17,6 +18,14 @@ constexpr std::size_t kMostPoints = 4'000'000;
 /// Bands are flattened once: 0.0001 of the radius is below a pixel for arcs up to some ten screens across.
 constexpr double kBandTolerance = 1e-4;
 constexpr std::int16_t kDefaultWeight = 25;
+/// No place in a drawing lies that far out: such are the corners of empty boxes.
+constexpr double kFarthest = 1e19;
+/// A line of text that anybody reads is shorter.
+constexpr std::size_t kMostLetters = 4096;
+
+bool isPlace(double x, double y) {
+    return std::abs(x) < kFarthest && std::abs(y) < kFarthest;
+}
 
 template <class T> const T* record(MxDbObjectId id) {
     const MxDbObject* object = db::DatabaseImp::peek(id);
@@ -24,7 +33,7 @@ template <class T> const T* record(MxDbObjectId id) {
 }
 
 double measure(const wchar_t* text) {
-    return advanceOf(QString::fromWCharArray(text));
+    return advanceOf(QString::fromWCharArray(text, static_cast<int>(wcsnlen(text, kMostLetters))));
 }
 
 } // namespace
@@ -58,6 +67,10 @@ DisplayList GraphicsBuilder::build(MxDbEntity& entity) {
     if (!traits.invisible && !isOff && !(m_layer && m_layer->isFrozen())) {
         m_fill = false;
         const db::ReadAccess readable(entity);
+        // What drawing code does to the drawing (a line type that it loads) is no step of the user's, and it is done to
+        // the drawing that is painted.
+        const db::UndoRecorder::Pause pause(m_database.undo);
+        const db::WorkingDatabaseScope working(&m_database.self());
         entity.subWorldDraw(this);
     }
     m_list.primitives.shrink_to_fit();
@@ -168,7 +181,7 @@ bool GraphicsBuilder::keep(const std::vector<MxGePoint2d>& points, std::uint32_t
     if (points.empty() || !spend(points.size()))
         return false;
     for (const MxGePoint2d& p : points)
-        if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        if (!isPlace(p.x, p.y))
             return false;
     first = static_cast<std::uint32_t>(m_list.points.size());
     count = static_cast<std::uint32_t>(points.size());
@@ -186,7 +199,8 @@ void GraphicsBuilder::addPoints(Primitive::Kind kind, const std::vector<MxGePoin
 }
 
 void GraphicsBuilder::addCurve(const ge::Curve& curve) {
-    if (!std::isfinite(curve.reach()) || !std::isfinite(curve.center.x + curve.center.y + curve.start + curve.sweep))
+    if (!(curve.reach() < kFarthest) || !isPlace(curve.center.x, curve.center.y) ||
+        !std::isfinite(curve.start + curve.sweep))
         return;
     if (!spend(1))
         return;
@@ -319,7 +333,8 @@ void GraphicsBuilder::text(const MxGePoint3d& position, const MxGeVector3d& norm
     const double length = direction.length();
     if (!text || !*text || !(length > 0.0) || !(std::abs(height) > 0.0) || !std::isfinite(height))
         return;
-    PlacedText placedText{outlineOf(QString::fromWCharArray(text)), {}};
+    const auto shown = static_cast<int>(wcsnlen(text, kMostLetters));
+    PlacedText placedText{outlineOf(QString::fromWCharArray(text, shown)), {}};
     if (!spend(static_cast<std::size_t>(placedText.outline.path.elementCount())))
         return;
     const MxGeVector3d along{direction.x / length, direction.y / length, direction.z / length};
@@ -330,7 +345,7 @@ void GraphicsBuilder::text(const MxGePoint3d& position, const MxGeVector3d& norm
                                     (up.y + along.y * lean) * height, position.x, position.y);
     const QRectF box = placedText.toWorld.mapRect(QRectF(0, -placedText.outline.descent, placedText.outline.advance,
                                                          placedText.outline.ascent + placedText.outline.descent));
-    if (!std::isfinite(box.left() + box.right() + box.top() + box.bottom()))
+    if (!isPlace(box.left(), box.top()) || !isPlace(box.right(), box.bottom()))
         return;
     m_list.box.addPoint({box.left(), box.top(), 0});
     m_list.box.addPoint({box.right(), box.bottom(), 0});

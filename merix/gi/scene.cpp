@@ -164,7 +164,10 @@ struct Scene::Private {
             Slot& slot = space.slots[i];
             slot.dirty = false;
             MxDbEntity* entity = entityOf(slot);
-            space.setBox(i, entity ? toldBox(*entity) : MxDbExtents{});
+            MxDbExtents box = entity ? toldBox(*entity) : MxDbExtents{};
+            if (entity && slot.list && isOfModule(*entity))
+                box.addExt(slot.list->box); // it may draw beyond what it tells
+            space.setBox(i, box);
             const bool isBoxDrawn = entity && slot.box.isEmpty() && isOfModule(*entity);
             if (!entity || isBoxDrawn)
                 slot.list.reset();
@@ -213,14 +216,14 @@ struct Scene::Private {
             space.index.insert(entries.begin(), entries.end());
     }
 
-    /// The box of what a module's entity draws, when what it tells is no place in the drawing.
+    /// What a module's entity draws may lie beyond what it tells, and what it tells may be no place in the drawing.
     void measure(Slot& slot, MxDbEntity& entity) {
         slot.box = toldBox(entity);
-        if (!slot.box.isEmpty() || !isOfModule(entity))
+        if (!isOfModule(entity))
             return;
         slot.version = entity.data().graphicsVersion;
         slot.list = std::make_unique<DisplayList>(builder.build(entity));
-        slot.box = slot.list->box;
+        slot.box.addExt(slot.list->box);
     }
 
     /// The slot's list, made anew when it is stale.

@@ -31,7 +31,8 @@ bool addEntityToCurrentSpace(MxDbObjectId& id, MxDbEntity* entity) {
 
 bool addEntityToOwnerSpace(MxDbObjectId& id, MxDbEntity* entity, MxDbObjectId owner) {
     MxDbBlockTableRecord* space = nullptr;
-    if (!entity || mxdbOpenObject(space, owner, Mx::kForWrite) != Mx::eOk)
+    if (!entity || !mxdbHostApplicationServices()->workingDatabase() ||
+        mxdbOpenObject(space, owner, Mx::kForWrite) != Mx::eOk)
         return false;
     const Mx::ErrorStatus status = space->appendMxDbEntity(id, entity);
     space->close();

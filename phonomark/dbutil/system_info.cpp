@@ -10,7 +10,16 @@
 
 MxString GetSysDataTime() {
     const QDateTime now = QDateTime::currentDateTime();
-    return toWide(now.toString(QString::fromLatin1("yyyy/M/d h:m:s")));
+    const QDate day = now.date();
+    const QTime time = now.time();
+    // Digits are those of every language: QDateTime's own formatting takes the user's.
+    return toWide(QString::fromLatin1("%1/%2/%3 %4:%5:%6")
+                      .arg(day.year())
+                      .arg(day.month())
+                      .arg(day.day())
+                      .arg(time.hour())
+                      .arg(time.minute())
+                      .arg(time.second()));
 }
 
 MxString GetSysLocalUser() {

@@ -4,6 +4,7 @@
 #include "phonomark/entity/phonomark.h"
 
 #include "host/db/database.h"
+#include "host/ed/input.h"
 #include "host/gi/world_draw.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/dbutil/documents.h"
@@ -235,7 +236,7 @@ Mx::ErrorStatus MxDbPhonomark::subGetGeomExtents(MxDbExtents& extents) const {
 void MxDbPhonomark::ShowRegion(bool show) {
     const DocumentLock lock(currentDocument(), L"PhonomarkShowRegion", kShowRegionText, false);
     MxDbPhonomark* note = nullptr;
-    if (!lock.isHeld() || mxdbOpenObject(note, objectId(), Mx::kForWrite) != Mx::eOk)
+    if (mxdbOpenObject(note, objectId(), Mx::kForWrite) != Mx::eOk)
         return;
     note->m_bShowRegion = show;
     note->recordGraphicsModified(true);
@@ -254,6 +255,7 @@ void MxDbPhonomark::showSubject(bool show) {
     if (m_type == kRegionNote) {
         m_bShowRegion = show;
         ShowRegion(show);
+        mxdbEntUpd(objectId()); // on a locked layer it could not be opened, but is drawn anew all the same
         return;
     }
     MxDbEntity* object = nullptr;

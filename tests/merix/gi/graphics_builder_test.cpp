@@ -94,13 +94,15 @@ TEST_F(GraphicsBuilderTest, ALinetypeIsScaledByTheDrawingAndTheEntity) {
     EXPECT_EQ(style.dashScale, 5.0);
 }
 
-TEST_F(GraphicsBuilderTest, NoLinetypeLeavesTheOneInForce) {
+TEST_F(GraphicsBuilderTest, NoLinetypeIsTheOneOfTheLayerAndTheOneInForceIsTold) {
     const MxDbObjectId dashed = addLinetype({24, -12});
     const Style style = styleAfter([&](MxGiSubEntityTraits& traits) {
         traits.setLineType(dashed);
+        EXPECT_EQ(traits.lineType(), dashed);
         traits.setLineType({});
+        EXPECT_TRUE(traits.lineType().isNull());
     });
-    EXPECT_TRUE(style.dashes);
+    EXPECT_FALSE(style.dashes);
     EXPECT_FALSE(styleAfter([&](MxGiSubEntityTraits& traits) {
                      traits.setLineType(dashed);
                      traits.setLineType(database.imp().linetypeNamed(L"Continuous"));

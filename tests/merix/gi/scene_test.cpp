@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QPainter>
 
+#include <functional>
 #include <numbers>
 
 using namespace merix;
@@ -31,12 +32,18 @@ public:
     bool subWorldDraw(MxGiWorldDraw* draw) override {
         assertReadEnabled();
         ++drawings;
+        if (whileDrawn)
+            whileDrawn();
         if (draw->context() && draw->context()->isPlotGeneration())
             return true;
         draw->subEntityTraits().setColor(color);
         const MxGePoint3d ring[] = {corner, corner + MxGeVector3d{size, 0, 0}, corner + MxGeVector3d{size, size, 0},
                                     corner + MxGeVector3d{0, size, 0}, corner};
         draw->geometry().worldLine(ring, 5);
+        if (tail != MxGePoint3d()) {
+            const MxGePoint3d line[] = {corner, tail};
+            draw->geometry().worldLine(line, 2);
+        }
         return true;
     }
     Mx::ErrorStatus subGetGeomExtents(MxDbExtents& extents) const override {
@@ -49,6 +56,8 @@ public:
     double size = 40;
     std::uint16_t color = 3;
     int drawings = 0;
+    std::function<void()> whileDrawn; ///< what a module's drawing code does besides
+    MxGePoint3d tail;                 ///< the end of a line from the corner, beyond what is told; none at the origin
 };
 
 class SceneTest : public GuiTest {
@@ -358,6 +367,75 @@ TEST_F(SceneTest, AModulesEntityThatTellsNoPlaceIsSeenWhereItDrawsItself) {
     EXPECT_EQ(at(30, 5), kGreen);
     scene.objectModified(*later);
     EXPECT_EQ(at(30, 5), kGreen);
+}
+
+TEST_F(SceneTest, WhatAModulesEntityDrawsFarFromWhatItTellsIsSeenThereAlsoWhenMadeAnew) {
+    auto* marker = new Marker;
+    marker->corner = {1020.5, 20.5, 0};
+    marker->tail = {20.5, 20.5, 0};
+    add(marker, model(), 256);
+    EXPECT_EQ(at(50, 20), kGreen);
+    for (const int color : {1, 5}) {
+        marker->color = static_cast<std::uint16_t>(color);
+        change<Marker>(marker->objectId(), [](Marker& m) { m.recordGraphicsModified(); });
+        EXPECT_EQ(at(50, 20), color == 1 ? kRed : kBlue);
+    }
+}
+
+TEST_F(SceneTest, WhatIsDrawnBeyondAllDrawingsDoesNotCount) {
+    addLine({-5, 2, 0}, {30, 40, 0});
+    auto* marker = new Marker;
+    marker->corner = MxDbExtents().maxPoint();
+    add(marker, model(), 256);
+    auto* tailed = new Marker;
+    tailed->tail = MxDbExtents().minPoint();
+    tailed->corner = {1, 1, 0};
+    tailed->size = 1;
+    add(tailed, model(), 256);
+    EXPECT_EQ(scene.extents(model()).minPoint(), MxGePoint3d(-5, 1, 0));
+    EXPECT_EQ(scene.extents(model()).maxPoint(), MxGePoint3d(30, 40, 0));
+}
+
+TEST_F(SceneTest, WhatDrawingCodeDoesToTheDrawingIsNoStepOfTheUsersAndNotDoneToAnother) {
+    MxDbDatabase other;
+    other.imp().createDefaults();
+    const db::WorkingDatabaseScope scope(&other);
+    const MxDbObjectId line = addLine({0, 0, 0}, {1, 1, 0});
+    change<db::Line>(line, [](db::Line& changed) { changed.end = {2, 2, 0}; });
+    ASSERT_TRUE(database.imp().undo.undo());
+    const std::size_t steps = database.imp().undo.undoUnits().size();
+    auto* marker = new Marker;
+    const MxDbObjectId id = add(marker, model(), 256);
+    ASSERT_TRUE(database.imp().undo.undo());
+    ASSERT_TRUE(database.imp().undo.redo());
+    MxDbDatabase* worked = nullptr;
+    MxDbObjectId made;
+    marker->whileDrawn = [&] {
+        worked = mxdbHostApplicationServices()->workingDatabase();
+        if (made.isNull())
+            made = addLayer(L"Made while drawing");
+    };
+    paint();
+    EXPECT_EQ(worked, &database);
+    EXPECT_EQ(mxdbHostApplicationServices()->workingDatabase(), &other);
+    EXPECT_TRUE(db::DatabaseImp::peek(made));
+    EXPECT_EQ(database.imp().undo.undoUnits().size(), steps + 1) << "the insertion of " << id.handle().value();
+    EXPECT_TRUE(database.imp().undo.undo());
+    EXPECT_TRUE(db::DatabaseImp::peek(made)) << "it was not part of what was taken back";
+    EXPECT_TRUE(database.imp().undo.canRedo());
+    paint();
+    EXPECT_TRUE(database.imp().undo.canRedo());
+}
+
+TEST_F(SceneTest, ATextWithoutEndIsDrawnAsFarAsAnybodyReads) {
+    auto* text = new db::Text;
+    text->text.assign(1'000'000, L'W');
+    text->height = 10;
+    text->position = {5, 5, 0};
+    add(text, model(), 1);
+    const double width = scene.extents(model()).maxPoint().x;
+    EXPECT_GT(width, 1000.0);
+    EXPECT_LT(width, 4096 * 20.0);
 }
 
 TEST_F(SceneTest, PlotsLeaveOutLayersThatAreNotPlotted) {

@@ -213,6 +213,28 @@ TEST_F(InsertTest, AnObjectCarriesOneNoteAndTheSettingsStay) {
     EXPECT_EQ(storedSpeaker(), L"Bert");
 }
 
+TEST_F(InsertTest, AnObjectThatCarriesANoteLeavesTheStoredTypeAsItWas) {
+    const TransformView view(0.1);
+    addLine();
+    WriteProfileInt(L"", L"VoiceType", 2);
+    run("PHONOMARK", {"4,2"});
+    WriteProfileInt(L"", L"VoiceType", 0);
+    run("PHONOMARK", {"Settings", "Object", "4,2"});
+    EXPECT_EQ(listed().size(), 1u);
+    EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 9), 0u);
+}
+
+TEST_F(InsertTest, HiddenNotesOfTheDrawingAreDrawnAndMadeAnew) {
+    TransformView view(0.1);
+    const MxDbObjectId id = addNote();
+    run("VOICESHOW");
+    const auto before = note(id).data().graphicsVersion;
+    view.drawn.clear();
+    run("PHONOMARK");
+    EXPECT_EQ(view.drawn, (std::vector<std::pair<MxDbObjectId, bool>>{{id, true}}));
+    EXPECT_GT(note(id).data().graphicsVersion, before);
+}
+
 TEST_F(InsertTest, CancelAtTheObjectPromptCreatesNothing) {
     WriteProfileInt(L"", L"VoiceType", 2);
     run("PHONOMARK", {"4,2"}); // there is no view to pick in: asked again, Esc

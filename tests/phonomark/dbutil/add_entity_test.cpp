@@ -62,6 +62,15 @@ TEST_F(AddEntityTest, ModelSpaceThatIsOpenElsewhereIsRefused) {
     space->close();
 }
 
+TEST_F(AddEntityTest, ASpaceOfADrawingThatIsNotWorkedOnIsRefused) {
+    const MxDbObjectId space = database().currentSpaceId();
+    const merix::db::WorkingDatabaseScope none(nullptr);
+    const auto line = std::make_unique<merix::db::Line>();
+    MxDbObjectId id;
+    EXPECT_FALSE(addEntityToOwnerSpace(id, line.get(), space));
+    EXPECT_TRUE(id.isNull());
+}
+
 TEST_F(AddEntityTest, WithoutAWorkingDatabaseNothingIsAdded) {
     merix::ap::DocManager::instance().close(document());
     const auto line = std::make_unique<merix::db::Line>();

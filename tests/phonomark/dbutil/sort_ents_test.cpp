@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/dbutil/sort_ents.h"
 
+#include "merix/ed/command_stack.h"
 #include "phonomark/dbutil/documents.h"
 #include "tests/phonomark/module_fixture.h"
 
@@ -43,6 +44,16 @@ TEST_F(SortEntsTest, ModelSpacesTableComesWithADocumentThatStaysLocked) {
     table->close();
     EXPECT_TRUE(isLocked());
     unlock();
+    EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SortEntsTest, TheEndOfTheCallersCommandUnlocksTheDocument) {
+    merix::ed::CommandStack::instance().addCommand(L"TEST", L"SORTNOTES", L"SORTNOTES", 0, [] {
+        MxDbSortentsTable* table = nullptr;
+        if (getOrCreateSortEntsDictionary(table))
+            table->close();
+    });
+    run("SORTNOTES");
     EXPECT_FALSE(isLocked());
 }
 

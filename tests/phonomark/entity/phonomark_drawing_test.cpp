@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/entity/phonomark.h"
 
+#include "host/ap/document.h"
+#include "host/db/layer.h"
 #include "host/gi/world_draw.h"
 #include "merix/db/tables.h"
 #include "phonomark/app/module_state.h"
@@ -193,6 +195,11 @@ TEST_F(DrawingTest, HiddenNotesDrawNothingAndStillHaveExtents) {
     MxDbExtents box;
     EXPECT_EQ(point.subGetGeomExtents(box), Mx::eOk);
     SetPhonomarkVar(true);
+    MxDbExtents shown;
+    EXPECT_EQ(point.subGetGeomExtents(shown), Mx::eOk);
+    EXPECT_EQ(box.minPoint(), shown.minPoint());
+    EXPECT_EQ(box.maxPoint(), shown.maxPoint());
+    EXPECT_FALSE(box.isEmpty());
 }
 
 TEST_F(DrawingTest, AnInterfaceWithoutTraitsIsNotAskedForThem) {
@@ -448,6 +455,28 @@ TEST_F(DrawingTest, HighlightingAnObjectThatIsGoneDoesNothing) {
     note(object).doHighlight();
     note(object).doUnhighlight();
     EXPECT_TRUE(note(object).isRegionShown());
+}
+
+TEST_F(DrawingTest, TheRegionIsShownAndHiddenWhileAnotherCommandHoldsTheDrawing) {
+    const MxDbObjectId id = addNote(kRegionNote);
+    ASSERT_EQ(mxDocManagerPtr()->lockDocument(&document(), MxApLockMode::kWrite, L"OTHER", L"other"), Mx::eOk);
+    note(id).setRecord(true);
+    EXPECT_FALSE(note(id).isRegionShown());
+    EXPECT_EQ(mxDocManagerPtr()->unlockDocument(&document()), Mx::eOk);
+}
+
+TEST_F(DrawingTest, HighlightingARegionOnALockedLayerShowsAtOnce) {
+    const MxDbObjectId id = addNote(kRegionNote);
+    note(id).ShowRegion(false);
+    auto& layer = static_cast<MxDbLayerTableRecord&>(*merix::db::DatabaseImp::peek(note(id).layerId()));
+    MxDbLayerTableRecord* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, layer.objectId(), Mx::kForWrite), Mx::eOk);
+    open->setIsLocked(true);
+    open->close();
+    const auto before = note(id).data().graphicsVersion;
+    note(id).doHighlight();
+    EXPECT_TRUE(note(id).isRegionShown());
+    EXPECT_GT(note(id).data().graphicsVersion, before);
 }
 
 TEST_F(DrawingTest, ShowingTheRegionOfANoteThatCannotBeWrittenChangesNothing) {
