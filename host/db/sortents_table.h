@@ -46,4 +46,6 @@ private:
 
     MxDbObjectId m_block;
     std::vector<Entry> m_entries;
+    /// What fullDrawOrder made of which list of the block; empty when the entries changed since.
+    mutable std::vector<MxDbObjectId> m_sortedFrom, m_sorted;
 };

@@ -49,8 +49,12 @@ std::vector<MxDbObjectId> MxDbSortentsTable::fullDrawOrder() const {
     if (!block)
         return {};
     std::vector<MxDbObjectId> order = block->entityIds();
-    if (m_entries.empty())
+    if (m_entries.empty() || order.empty())
         return order;
+    // A block is drawn at every place where it is inserted.
+    if (order == m_sortedFrom)
+        return m_sorted;
+    m_sortedFrom = order;
     std::unordered_map<const ObjectStub*, MxDbHandle> listed;
     for (const Entry& entry : m_entries)
         listed.try_emplace(entry.entity.stub(), entry.sort);
@@ -63,6 +67,7 @@ std::vector<MxDbObjectId> MxDbSortentsTable::fullDrawOrder() const {
     // Of the same handle, what was added later lies above.
     std::stable_sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     std::transform(keys.begin(), keys.end(), order.begin(), [](const auto& key) { return key.second; });
+    m_sorted = order;
     return order;
 }
 
@@ -74,6 +79,7 @@ void MxDbSortentsTable::setOrder(const std::vector<MxDbObjectId>& order) {
         handles.push_back(id.handle());
     std::sort(handles.begin(), handles.end());
     m_entries.clear();
+    m_sortedFrom.clear();
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (order[i].handle() != handles[i])
             m_entries.push_back({order[i], handles[i]});
@@ -130,6 +136,7 @@ Mx::ErrorStatus MxDbSortentsTable::dwgInFields(MxDbDwgFiler* filer) {
     assertWriteEnabled();
     if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
         return status;
+    m_sortedFrom.clear();
     filer->readSoftPointerId(m_block);
     std::uint32_t count = 0;
     if (const auto status = readCount(*filer, count, kEntrySize); status != Mx::eOk)
@@ -165,6 +172,7 @@ Mx::ErrorStatus MxDbSortentsTable::dxfInFields(MxDbDxfFiler* filer) {
     if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
         return status;
     m_entries.clear();
+    m_sortedFrom.clear();
     return readItems(filer, nullptr, [&](int code) {
         if (code == 330)
             m_block = filer->itemObjectId();
