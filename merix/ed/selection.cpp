@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ed/selection.h"
 
-#include <algorithm>
-
 namespace merix::ed {
 
 Selection& Selection::instance() {
@@ -11,17 +9,16 @@ Selection& Selection::instance() {
 }
 
 bool Selection::contains(MxDbObjectId id) const {
-    return std::find(m_ids.begin(), m_ids.end(), id) != m_ids.end();
+    return m_known.contains(id);
 }
 
 void Selection::set(std::vector<MxDbObjectId> ids) {
-    std::vector<MxDbObjectId> unique;
-    for (const MxDbObjectId id : ids)
-        if (!id.isNull() && std::find(unique.begin(), unique.end(), id) == unique.end())
-            unique.push_back(id);
-    if (unique == m_ids)
+    std::set<MxDbObjectId> known;
+    std::erase_if(ids, [&](MxDbObjectId id) { return id.isNull() || !known.insert(id).second; });
+    if (ids == m_ids)
         return;
-    m_ids = std::move(unique);
+    m_ids = std::move(ids);
+    m_known = std::move(known);
     Q_EMIT changed();
 }
 
@@ -32,9 +29,14 @@ void Selection::add(const std::vector<MxDbObjectId>& ids) {
 }
 
 void Selection::remove(const std::vector<MxDbObjectId>& ids) {
-    std::vector<MxDbObjectId> left = m_ids;
-    std::erase_if(left, [&](MxDbObjectId id) { return std::find(ids.begin(), ids.end(), id) != ids.end(); });
-    set(std::move(left));
+    std::set<MxDbObjectId> gone;
+    for (const MxDbObjectId id : ids)
+        if (m_known.erase(id) > 0)
+            gone.insert(id);
+    if (gone.empty())
+        return;
+    std::erase_if(m_ids, [&](MxDbObjectId id) { return gone.contains(id); });
+    Q_EMIT changed();
 }
 
 } // namespace merix::ed

@@ -7,6 +7,7 @@
 
 #include <QObject>
 
+#include <set>
 #include <vector>
 
 namespace merix::ed {
@@ -30,6 +31,7 @@ Q_SIGNALS:
 private:
     Selection() = default;
     std::vector<MxDbObjectId> m_ids;
+    std::set<MxDbObjectId> m_known; ///< the same: drawings have many entities
 };
 
 } // namespace merix::ed

@@ -351,14 +351,14 @@ std::vector<MxDbObjectId> Scene::inBox(MxDbObjectId spaceId, const MxDbExtents& 
     return found;
 }
 
-MxDbExtents Scene::extents(MxDbObjectId spaceId) {
+MxDbExtents Scene::extents(MxDbObjectId spaceId, bool plot) {
     MxDbExtents all;
     Space* space = m->spaceOf(spaceId);
     if (!space)
         return all;
     for (std::uint32_t i = 0; i < space->slots.size(); ++i)
         if (MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]))
-            all.addExt(m->listOf(*space, i, *entity).box);
+            all.addExt(plot ? m->plotter.build(*entity).box : m->listOf(*space, i, *entity).box);
     return all;
 }
 

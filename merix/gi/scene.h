@@ -44,8 +44,8 @@ public:
     /// Visible entities of `space` whose graphics lie inside `box` or, `crossing`, come into it, in drawing order.
     std::vector<MxDbObjectId> inBox(MxDbObjectId space, const MxDbExtents& box, bool crossing);
 
-    /// The box of all that is visible in `space`; empty when there is nothing.
-    MxDbExtents extents(MxDbObjectId space);
+    /// The box of all that is visible in `space`, or in a plot of it; empty when there is nothing.
+    MxDbExtents extents(MxDbObjectId space, bool plot = false);
 
     /// Draws or leaves out one entity until it is next made anew.
     void setDrawn(MxDbObjectId id, bool drawn);

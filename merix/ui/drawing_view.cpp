@@ -62,14 +62,14 @@ void DrawingView::setDocument(ap::Document* document) {
     if (m_document == document && document)
         return;
     if (m_document) {
-        m_layoutViews[{m_document, m_layout}] = m_document->view();
+        m_layoutViews[{m_document, m_space}] = m_document->view();
         m_document->disconnect(this);
     }
     m_hand.abandon();
     ed::Selection::instance().clear(); // it is of the drawing that was active
     m_document = document;
     if (document) {
-        m_layout = document->currentLayout();
+        m_space = space();
         if (auto& highlights = m_highlights[document]; !highlights) {
             highlights = std::make_unique<Highlights>(*document->database());
             connect(highlights.get(), &Highlights::changed, this, &DrawingView::repaintMarks);
@@ -104,13 +104,13 @@ void DrawingView::setUpTransform(ge::ViewTransform& view) {
 }
 
 void DrawingView::layoutChanged() {
-    if (!m_document || m_layout == m_document->currentLayout())
+    if (!m_document || m_space == space())
         return;
     m_hand.abandon();
     ed::Selection::instance().clear();
-    m_layoutViews[{m_document, m_layout}] = m_document->view();
-    m_layout = m_document->currentLayout();
-    const auto known = m_layoutViews.find({m_document, m_layout});
+    m_layoutViews[{m_document, m_space}] = m_document->view();
+    m_space = space();
+    const auto known = m_layoutViews.find({m_document, m_space});
     m_document->view() = known == m_layoutViews.end() ? ge::ViewTransform() : known->second;
     setUpTransform(m_document->view());
     update();
@@ -365,34 +365,36 @@ void DrawingView::setOrtho(bool on) {
     QWidget::update();
 }
 
-void DrawingView::aim(const QPointF& position) {
-    m_snap.reset();
-    const ed::Prompter& prompter = ed::Prompter::instance();
-    if (!m_snapping || !m_document || m_boxSelects || prompter.wants() != ed::Prompter::Wants::kPoint)
-        return;
+std::optional<MxGePoint3d> DrawingView::aimBase() const {
+    return m_hand.isDragging() ? m_hand.drag()->base() : ed::Prompter::instance().base();
+}
+
+std::optional<SnapPoint> DrawingView::snapAt(const QPointF& position) {
+    const bool isAsked = !m_boxSelects && ed::Prompter::instance().wants() == ed::Prompter::Wants::kPoint;
+    if (!m_snapping || !m_document || !(isAsked || m_hand.isDragging()))
+        return {};
     const MxGePoint3d world = toWorld(position);
     const double reach = kSnapReach * devicePixelRatioF() * transform().unitsPerPixel;
-    m_snap = findSnap(scene().pick(space(), world, reach), world, prompter.base().value_or(world), reach);
+    std::vector<MxDbObjectId> near = scene().pick(space(), world, reach);
+    if (m_hand.isDragging())
+        std::erase_if(near, [this](MxDbObjectId id) { return m_hand.drag()->moves(id); });
+    return findSnap(near, world, aimBase().value_or(world), reach);
 }
 
 MxGePoint3d DrawingView::aimedAt(const QPointF& position) {
-    aim(position);
+    if (const auto snap = snapAt(position))
+        return snap->point;
     const ed::Prompter& prompter = ed::Prompter::instance();
     const MxGePoint3d world = toWorld(position);
-    if (m_snap)
-        return m_snap->point;
-    const bool straight =
-        m_ortho && prompter.wants() == ed::Prompter::Wants::kPoint && prompter.base() && !prompter.isCornerWanted();
-    return straight ? squared(*prompter.base(), world) : world;
+    const bool isAsked =
+        prompter.wants() == ed::Prompter::Wants::kPoint && prompter.base() && !prompter.isCornerWanted();
+    return m_ortho && (isAsked || m_hand.isDragging()) ? squared(*aimBase(), world) : world;
 }
 
 void DrawingView::moveCursor(std::optional<QPointF> position) {
     const QRegion before = cursorRegion();
     m_cursor = position;
-    if (position)
-        aim(*position);
-    else
-        m_snap.reset();
+    m_snap = position ? snapAt(*position) : std::nullopt;
     QWidget::update(before | cursorRegion());
     if (m_cursor)
         Q_EMIT cursorMoved(toWorld(*m_cursor));

@@ -50,6 +50,10 @@ public:
     /// The middle of the pixel that shows `world`, in the widget's coordinates.
     QPointF toWidget(const MxGePoint3d& world) const;
     MxGePoint3d toWorld(const QPointF& position) const;
+    /// What the hand means by a place while a point is asked for or grips are dragged.
+    MxGePoint3d aimedAt(const QPointF& position);
+    /// The snap point that it means, if it means one. What is dragged has none.
+    std::optional<SnapPoint> snapAt(const QPointF& position);
 
     // ed::ActiveView
     const ge::ViewTransform& transform() const override;
@@ -91,9 +95,7 @@ private:
     void paintCursor(QPainter& painter) const;
     void paintHint(QPainter& painter) const;
     QRegion cursorRegion() const;
-    /// What the hand means by a place while a point is asked for; `m_snap` tells why.
-    MxGePoint3d aimedAt(const QPointF& position);
-    void aim(const QPointF& position);
+    std::optional<MxGePoint3d> aimBase() const;
     void promptChanged();
     void moveCursor(std::optional<QPointF> position);
     /// Half the side of the pick box in drawing units.
@@ -105,9 +107,9 @@ private:
     ap::Document* m_document = nullptr;
     std::map<ap::Document*, std::unique_ptr<gi::Scene>> m_scenes;
     std::map<ap::Document*, std::unique_ptr<Highlights>> m_highlights;
-    std::map<std::pair<ap::Document*, QString>, ge::ViewTransform> m_layoutViews;
-    QString m_layout;
-    ge::ViewTransform m_none; ///< while there is no drawing
+    std::map<std::pair<ap::Document*, MxDbObjectId>, ge::ViewTransform> m_layoutViews; ///< by the layout's space
+    MxDbObjectId m_space;                                                              ///< that is shown
+    ge::ViewTransform m_none;                                                          ///< while there is no drawing
     QPixmap m_picture, m_marks;
     bool m_stale = true, m_marksStale = true;
     std::optional<QPointF> m_cursor; ///< widget coordinates, while the cursor is over the view

@@ -87,6 +87,10 @@ void GripDrag::add(const Grip& grip) {
     m_moved.push_back(std::move(moved));
 }
 
+bool GripDrag::moves(MxDbObjectId id) const {
+    return std::any_of(m_moved.begin(), m_moved.end(), [&](const Moved& moved) { return moved.id == id; });
+}
+
 bool GripDrag::isSelected() const {
     return std::all_of(m_moved.begin(), m_moved.end(),
                        [](const Moved& moved) { return ed::Selection::instance().contains(moved.id); });
@@ -114,33 +118,42 @@ void GripDrag::paint(QPainter& painter, const ge::ViewTransform& view, const gi:
         gi::ListPainter(painter, moved.copy ? view : shifted, options).draw(moved.picture);
 }
 
-void GripDrag::stretch(const Moved& moved, const MxGeVector3d& offset) {
+Mx::ErrorStatus GripDrag::stretch(const Moved& moved, const MxGeVector3d& offset) {
     MxDbEntity* entity = nullptr;
     auto status = mxdbOpenObject(entity, moved.id, Mx::kForWrite);
-    if (status == Mx::eOk) {
-        bool done = false;
-        ed::guarded("Moving a grip", [&] {
-            status = entity->moveGripPointsAt(moved.indices, offset);
-            done = status == Mx::eOk;
-        });
-        done ? entity->close() : entity->cancel();
-        if (done)
-            return;
+    if (status != Mx::eOk)
+        return status;
+    status = Mx::eNotApplicable; // when it throws
+    ed::guarded("Moving a grip", [&] { status = entity->moveGripPointsAt(moved.indices, offset); });
+    status == Mx::eOk ? entity->close() : entity->cancel();
+    return status;
+}
+
+void GripDrag::stretchAll(const MxGeVector3d& offset) const {
+    int locked = 0, refused = 0;
+    for (const Moved& moved : m_moved) {
+        const auto status = stretch(moved, offset);
+        locked += status == Mx::eOnLockedLayer;
+        refused += status != Mx::eOk && status != Mx::eOnLockedLayer;
     }
-    tell(status == Mx::eOnLockedLayer ? QStringLiteral("The entity is on a locked layer.")
-                                      : QStringLiteral("The entity cannot be changed this way."));
+    if (locked > 0)
+        tell(locked == 1 ? QStringLiteral("One entity is on a locked layer.")
+                         : QStringLiteral("%1 entities are on locked layers.").arg(locked));
+    if (refused > 0)
+        tell(refused == 1 ? QStringLiteral("One entity cannot be changed this way.")
+                          : QStringLiteral("%1 entities cannot be changed this way.").arg(refused));
 }
 
 void GripDrag::finish() {
-    m_finished = true;
     auto& manager = ap::DocManager::instance();
     const MxGeVector3d offset = m_at - m_base;
-    if (offset.length() > 0.0 &&
-        manager.lockDocument(&m_document, MxApLockMode::kWrite, kCommand, kUndoName) == Mx::eOk) {
-        for (const Moved& moved : m_moved)
-            stretch(moved, offset);
+    if (offset.length() > 0.0) {
+        if (manager.lockDocument(&m_document, MxApLockMode::kWrite, kCommand, kUndoName) != Mx::eOk)
+            return tell(QStringLiteral("The grips were not moved.")); // after what the lock itself told
+        stretchAll(offset);
         manager.unlockDocument(&m_document);
     }
+    m_finished = true;
     ed::Editor::instance().notifyCommandEnded(kCommand);
 }
 

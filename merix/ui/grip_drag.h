@@ -22,12 +22,14 @@ public:
 
     const MxGePoint3d& base() const { return m_base; }
     const MxGePoint3d& at() const { return m_at; }
+    bool moves(MxDbObjectId id) const;
     /// All entities that move are still selected.
     bool isSelected() const;
     void moveTo(const MxGePoint3d& point);
     /// The entities as they will be.
     void paint(QPainter& painter, const ge::ViewTransform& view, const gi::PaintOptions& options) const;
-    /// Moves the grips to where they are: one undo step.
+    /// Moves the grips to where they are: one undo step. Tells once of all that would not move. When the drawing is
+    /// held by another the drag is as good as given up.
     void finish();
 
 private:
@@ -42,7 +44,8 @@ private:
     };
     void add(const Grip& grip);
     void preview(Moved& moved, const MxGeVector3d& offset);
-    void stretch(const Moved& moved, const MxGeVector3d& offset);
+    static Mx::ErrorStatus stretch(const Moved& moved, const MxGeVector3d& offset);
+    void stretchAll(const MxGeVector3d& offset) const;
 
     ap::Document& m_document;
     gi::GraphicsBuilder m_builder;

@@ -3,8 +3,6 @@
 
 #include "merix/ed/selection.h"
 
-#include <algorithm>
-
 namespace merix::ui {
 
 Highlights::Highlights(MxDbDatabase& database)
@@ -18,21 +16,15 @@ Highlights::~Highlights() {
 
 void Highlights::entityHighlighted(MxDbObject& entity, bool highlighted) {
     const MxDbObjectId id = entity.objectId();
-    const bool known = std::find(m_ids.begin(), m_ids.end(), id) != m_ids.end();
-    if (known == highlighted)
-        return;
-    if (highlighted)
-        m_ids.push_back(id);
-    else
-        std::erase(m_ids, id);
-    Q_EMIT changed();
+    if (highlighted ? m_ids.insert(id).second : m_ids.erase(id) > 0)
+        Q_EMIT changed();
 }
 
 void Highlights::objectErased(MxDbObject& object, bool erasing) {
     if (!erasing || !object.data().isEntity)
         return;
     const MxDbObjectId id = object.objectId();
-    if (std::erase(m_ids, id))
+    if (m_ids.erase(id) > 0)
         Q_EMIT changed();
     if (ed::Selection::instance().contains(id))
         ed::Selection::instance().remove({id});

@@ -6,6 +6,8 @@
 
 #include <QObject>
 
+#include <set>
+
 namespace merix::ui {
 
 /// Lives as long as its drawing is shown in a tab. What is erased also leaves the selection here.
@@ -15,7 +17,7 @@ public:
     explicit Highlights(MxDbDatabase& database);
     ~Highlights() override;
 
-    const std::vector<MxDbObjectId>& ids() const { return m_ids; }
+    const std::set<MxDbObjectId>& ids() const { return m_ids; }
 
 Q_SIGNALS:
     void changed();
@@ -25,7 +27,7 @@ private:
     void objectErased(MxDbObject& object, bool erasing) override;
 
     db::DatabaseImp& m_database;
-    std::vector<MxDbObjectId> m_ids;
+    std::set<MxDbObjectId> m_ids;
 };
 
 } // namespace merix::ui

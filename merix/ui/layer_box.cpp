@@ -32,6 +32,10 @@ constexpr Names kNames[LayerBox::kSwitches] = {
     {"locked", "unlocked", L"Layer lock", L"Layer unlock"},
 };
 
+void tell(const QString& text) {
+    ed::Console::instance().print(QLatin1Char('\n') + text);
+}
+
 bool stateOf(const LayerBox::Row& row, int which) {
     return which == LayerBox::kOnOff ? row.off : which == LayerBox::kFreeze ? row.frozen : row.locked;
 }
@@ -122,11 +126,17 @@ void LayerBox::showLayers(ap::Document* document) {
 void LayerBox::makeCurrent(int index) {
     if (index < 0 || index >= static_cast<int>(m_rows.size()) || !m_document)
         return;
-    if (row(index).frozen)
-        ed::Console::instance().print(
-            QStringLiteral("\nThe layer %1 is frozen and cannot be current.").arg(row(index).name));
-    else
-        db::setCurrentLayer(m_document->database()->imp().layerNamed(row(index).name.toStdWString()));
+    const Row chosen = row(index);
+    auto& manager = ap::DocManager::instance();
+    const auto& header = m_document->database()->imp().header;
+    if (chosen.frozen)
+        tell(QStringLiteral("The layer %1 is frozen and cannot be current.").arg(chosen.name));
+    else if (chosen.name != QString::fromStdWString(header.currentLayer) &&
+             manager.lockDocument(m_document, MxApLockMode::kWrite, L"LAYER", L"Current layer") == Mx::eOk) {
+        if (db::setCurrentLayer(chosen.id) != Mx::eOk)
+            tell(QStringLiteral("The layer %1 cannot be current.").arg(chosen.name));
+        manager.unlockDocument(m_document);
+    }
     showLayers(m_document);
 }
 
@@ -136,7 +146,7 @@ void LayerBox::toggle(int index, Switch which) {
     const Row row = m_rows[static_cast<std::size_t>(index)];
     const bool set = !stateOf(row, which);
     if (which == kFreeze && set && index == currentIndex()) {
-        ed::Console::instance().print(QStringLiteral("\nThe current layer %1 cannot be frozen.").arg(row.name));
+        tell(QStringLiteral("The current layer %1 cannot be frozen.").arg(row.name));
         return;
     }
     auto& manager = ap::DocManager::instance();

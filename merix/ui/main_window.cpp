@@ -169,7 +169,8 @@ void MainWindow::buildFileMenu() {
     file->addSeparator();
     addAction(file, tr("&Export…"), keys("Ctrl+E"), true, [this] { exportDialog(); });
     addAction(file, tr("&Print…"), QKeySequence::Print, true, [this] {
-        printWithDialog({current()->database(), {}, {}}, this);
+        if (const QString why = printWithDialog({current()->database(), {}, {}}, this); !why.isEmpty())
+            showFailure(why);
     });
     file->addSeparator();
     addAction(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*current()); });
@@ -273,6 +274,7 @@ void MainWindow::addDocument(ap::Document* document) {
             m_titles.start(0);
     });
     connect(document, &ap::Document::layoutChanged, this, &MainWindow::showLayouts);
+    connect(document, &ap::Document::layoutsChanged, this, &MainWindow::showLayouts);
     showTitles();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/plot.h"
 
+#include "merix/ap/document_imp.h"
 #include "merix/gi/scene.h"
 #include "merix/io/file_access.h"
 
@@ -22,28 +23,42 @@ constexpr double kScreenDots = 96.0; ///< an inch, by which line weights are cou
 constexpr int kFileDots = 600, kPictureDots = 200;
 
 MxDbExtents windowOf(const PlotView& view, gi::Scene& scene, MxDbObjectId space) {
-    return view.window.isEmpty() ? scene.extents(space) : view.window;
+    return view.window.isEmpty() ? scene.extents(space, true) : view.window;
 }
 
 MxDbObjectId spaceOf(const PlotView& view) {
     return view.space.isNull() ? view.database->currentSpaceId() : view.space;
 }
 
-QPageLayout sheetFor(const PlotView& view) {
+/// `view` with its space and its window found. Empty, or one line that says why there is nothing to plot.
+QString prepare(PlotView& view) {
+    view.space = spaceOf(view);
+    const bool isAll = view.window.isEmpty();
     gi::Scene scene(*view.database);
-    const MxDbExtents box = windowOf(view, scene, spaceOf(view));
-    const bool upright = !box.isEmpty() && box.maxPoint().y - box.minPoint().y > box.maxPoint().x - box.minPoint().x;
+    view.window = windowOf(view, scene, view.space);
+    if (view.window.isEmpty())
+        return QStringLiteral("The drawing shows nothing to plot.");
+    const MxGeVector3d size = view.window.maxPoint() - view.window.minPoint();
+    return isAll || (size.x > 0.0 && size.y > 0.0) ? QString() : QStringLiteral("The window has no size.");
+}
+
+QPageLayout sheetFor(const PlotView& prepared) {
+    const MxDbExtents& box = prepared.window;
+    const bool upright = box.maxPoint().y - box.minPoint().y > box.maxPoint().x - box.minPoint().x;
     const double margin = kMarginMillimetres;
     return {QPageSize(QPageSize::A3), upright ? QPageLayout::Portrait : QPageLayout::Landscape,
             QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter};
 }
 
-/// Paints on a whole sheet, margins included.
-void plotSheet(QPaintDevice& device, const QPageLayout& sheet, int dotsPerInch, const PlotView& view) {
-    QPainter painter(&device);
+/// Paints on a whole sheet, margins included. False when the device cannot be painted on.
+bool plotSheet(QPaintDevice& device, const QPageLayout& sheet, int dotsPerInch, const PlotView& view) {
+    QPainter painter;
+    if (!painter.begin(&device))
+        return false;
     const QRect area = sheet.paintRectPixels(dotsPerInch);
     painter.translate(area.topLeft());
     plot(painter, area.size(), dotsPerInch, view);
+    return painter.end();
 }
 
 bool writePdf(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
@@ -52,10 +67,7 @@ bool writePdf(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
     writer.setResolution(kFileDots);
     QPageLayout whole = sheet;
     whole.setMode(QPageLayout::FullPageMode);
-    if (!writer.setPageLayout(whole))
-        return false;
-    plotSheet(writer, sheet, kFileDots, view);
-    return true;
+    return writer.setPageLayout(whole) && plotSheet(writer, sheet, kFileDots, view);
 }
 
 bool writeSvg(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
@@ -66,8 +78,7 @@ bool writeSvg(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
     const QRect all = sheet.fullRectPixels(kFileDots);
     writer.setSize(all.size());
     writer.setViewBox(all);
-    plotSheet(writer, sheet, kFileDots, view);
-    return true;
+    return plotSheet(writer, sheet, kFileDots, view);
 }
 
 bool writePng(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
@@ -75,8 +86,16 @@ bool writePng(QIODevice& file, const QPageLayout& sheet, const PlotView& view) {
     picture.fill(Qt::white);
     picture.setDotsPerMeterX(qRound(kPictureDots * 1000 / kMillimetresPerInch));
     picture.setDotsPerMeterY(picture.dotsPerMeterX());
-    plotSheet(picture, sheet, kPictureDots, view);
-    return picture.save(&file, "PNG");
+    return plotSheet(picture, sheet, kPictureDots, view) && picture.save(&file, "PNG");
+}
+
+using Writer = bool (*)(QIODevice& file, const QPageLayout& sheet, const PlotView& view);
+Writer writerFor(const QString& path) {
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QLatin1String("pdf")   ? writePdf
+           : suffix == QLatin1String("svg") ? writeSvg
+           : suffix == QLatin1String("png") ? writePng
+                                            : nullptr;
 }
 
 } // namespace
@@ -104,17 +123,18 @@ void plot(QPainter& painter, const QSizeF& size, double dotsPerInch, const PlotV
     scene.paint(painter, transform, space, options);
 }
 
+QString whyNoPlotFile(const QString& path) {
+    return writerFor(path) ? QString() : QStringLiteral("%1: a drawing is exported as .pdf, .svg or .png").arg(path);
+}
+
 QString plotToFile(const PlotView& view, const QString& path) {
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    const auto write = suffix == QLatin1String("pdf")   ? writePdf
-                       : suffix == QLatin1String("svg") ? writeSvg
-                       : suffix == QLatin1String("png") ? writePng
-                                                        : nullptr;
-    if (!write)
-        return QStringLiteral("%1: a drawing is exported as .pdf, .svg or .png").arg(path);
+    const Writer write = writerFor(path);
+    PlotView prepared = view;
+    if (const QString why = write ? prepare(prepared) : whyNoPlotFile(path); !why.isEmpty())
+        return why;
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    if (!buffer.open(QIODevice::WriteOnly) || !write(buffer, sheetFor(view), view))
+    if (!buffer.open(QIODevice::WriteOnly) || !write(buffer, sheetFor(prepared), prepared))
         return QStringLiteral("%1: the drawing cannot be put into the file").arg(path);
     io::ReplacementFile file;
     if (file.create(path.toStdString()) && file.write({bytes.constData(), std::size_t(bytes.size())}) && file.commit())
@@ -122,15 +142,31 @@ QString plotToFile(const PlotView& view, const QString& path) {
     return QString::fromStdString(file.error());
 }
 
-bool printWithDialog(const PlotView& view, QWidget* parent) {
+QString plotToPrinter(const PlotView& view, QPrinter& printer) {
+    PlotView prepared = view;
+    if (const QString why = prepare(prepared); !why.isEmpty())
+        return why;
+    QPainter painter;
+    if (!painter.begin(&printer))
+        return QStringLiteral("The printer %1 cannot be written to.").arg(printer.printerName()).simplified();
+    plot(painter, printer.pageLayout().paintRectPixels(printer.resolution()).size(), printer.resolution(), prepared);
+    return painter.end() && printer.printerState() != QPrinter::Error
+               ? QString()
+               : QStringLiteral("The drawing was not printed: the printer failed.");
+}
+
+QString printWithDialog(const PlotView& view, QWidget* parent) {
+    PlotView prepared = view;
+    if (const QString why = prepare(prepared); !why.isEmpty())
+        return why;
     QPrinter printer(QPrinter::HighResolution);
-    printer.setPageOrientation(sheetFor(view).orientation());
+    printer.setPageOrientation(sheetFor(prepared).orientation());
     QPrintDialog dialog(&printer, parent);
     if (dialog.exec() != QDialog::Accepted)
-        return false;
-    QPainter painter(&printer);
-    plot(painter, printer.pageLayout().paintRectPixels(printer.resolution()).size(), printer.resolution(), view);
-    return true;
+        return {};
+    if (!ap::DocManager::instance().document(view.database))
+        return QStringLiteral("The drawing was closed meanwhile."); // by a module
+    return plotToPrinter(view, printer);
 }
 
 } // namespace merix::ui

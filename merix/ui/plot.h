@@ -33,8 +33,14 @@ void plot(QPainter& painter, const QSizeF& size, double dotsPerInch, const PlotV
 /// none and what stood there before. Empty, or one line that says why not.
 QString plotToFile(const PlotView& view, const QString& path);
 
-/// Asks for the printer and prints one page. False when the user did not want to.
-bool printWithDialog(const PlotView& view, QWidget* parent);
+/// Empty when the path ends like one of those, or the line that says that it does not.
+QString whyNoPlotFile(const QString& path);
+
+/// Prints one page. Empty, or one line that says why not.
+QString plotToPrinter(const PlotView& view, QPrinter& printer);
+
+/// The same after asking for the printer; empty too when the user did not want to.
+QString printWithDialog(const PlotView& view, QWidget* parent);
 
 /// PRINT and EXPORT.
 void registerPlotCommands(ed::CommandStack& stack);

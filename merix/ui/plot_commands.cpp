@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "merix/ap/ask_path.h"
 #include "merix/ed/command_stack.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/view_commands.h"
 #include "merix/ui/main_window.h"
 #include "merix/ui/plot.h"
 
-#include <QDir>
+#include <QFileInfo>
 
 namespace merix::ui {
 
@@ -34,13 +35,26 @@ bool askWindow(MxDbExtents& window) {
     return true;
 }
 
+/// With nobody there to ask, scripts replace what they wrote before.
+bool mayReplace(const QString& path) {
+    const MainWindow* window = MainWindow::instance();
+    if (!window || window->isUnattended() || !QFileInfo::exists(path))
+        return true;
+    ed::Prompter& prompter = ed::Prompter::instance();
+    prompter.init(0, QStringLiteral("Yes No"));
+    QString answer = QStringLiteral("No");
+    prompter.getKeyword(QStringLiteral("%1 exists. Replace it? [Yes/No] <No>: ").arg(path), answer);
+    return answer == QLatin1String("Yes");
+}
+
 void exportPlot() {
-    QString path;
-    if (ed::Prompter::instance().getString(true, QStringLiteral("Export to (.pdf, .svg, .png): "), path) !=
-        kInputNormal)
+    const QString path = ap::askPath(QStringLiteral("Export to (.pdf, .svg, .png): "));
+    if (path.isEmpty())
         return;
-    if (path.startsWith(QLatin1String("~/")))
-        path = QDir::homePath() + path.mid(1);
+    if (const QString why = whyNoPlotFile(path); !why.isEmpty())
+        return tell(why);
+    if (!mayReplace(path))
+        return;
     PlotView view{ap::DocManager::instance().current()->database(), {}, {}};
     if (!askWindow(view.window))
         return;
@@ -55,8 +69,10 @@ void print() {
         return;
     }
     PlotView view{ap::DocManager::instance().current()->database(), {}, {}};
-    if (askWindow(view.window))
-        printWithDialog(view, window);
+    if (!askWindow(view.window))
+        return;
+    if (const QString why = printWithDialog(view, window); !why.isEmpty())
+        tell(why);
 }
 
 } // namespace

@@ -55,9 +55,10 @@ double SelectionHand::reach() const {
 }
 
 MxGePoint3d SelectionHand::snapped(const QPointF& at) const {
-    const MxGePoint3d world = m_view.toWorld(at);
-    const Grip* grip = grips().at(world, reach());
-    return grip ? grip->point : world;
+    if (const auto snap = m_view.snapAt(at))
+        return snap->point;
+    const Grip* grip = grips().at(m_view.toWorld(at), reach());
+    return grip ? grip->point : m_view.aimedAt(at);
 }
 
 // ---------------------------------------------------------------- the button

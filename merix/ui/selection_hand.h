@@ -45,9 +45,11 @@ public:
     void abandon();
 
     bool isDragging() const { return m_drag != nullptr; }
+    /// The drag under way; null without one.
+    const GripDrag* drag() const { return m_drag.get(); }
     /// Something follows the cursor all over the view.
     bool isUnderWay() const { return m_drag || m_boxFrom; }
-    /// Where a hand that is so near to a grip is: on it.
+    /// Where a hand that drags means to be: on a snap point, on a grip it is near to, straight from where it began.
     MxGePoint3d snapped(const QPointF& at) const;
 
     /// The grips are not what the drawing and the selection are any more.

@@ -333,6 +333,16 @@ TEST_F(SceneTest, AnEntityLeftOutStaysOutUntilItIsMadeAnew) {
     EXPECT_EQ(at(10, 50), kRed);
 }
 
+TEST_F(SceneTest, ExtentsOfAPlotLeaveOutWhatDoesNotPlot) {
+    addLine({0, 0, 0}, {100, 50, 0});
+    auto* marker = new Marker;
+    marker->corner = {5000, 5000, 0};
+    add(marker, model(), 256);
+    EXPECT_EQ(scene.extents(model()).maxPoint(), MxGePoint3d(5040, 5040, 0));
+    EXPECT_EQ(scene.extents(model(), true).minPoint(), MxGePoint3d(0, 0, 0));
+    EXPECT_EQ(scene.extents(model(), true).maxPoint(), MxGePoint3d(100, 50, 0));
+}
+
 TEST_F(SceneTest, ExtentsHoldAllThatIsVisible) {
     EXPECT_TRUE(scene.extents(model()).isEmpty());
     addLine({-5, 2, 0}, {30, 40, 0});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/drawing_view.h"
 
+#include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
 #include "merix/ed/input_points.h"
 #include "merix/ui/look.h"
@@ -158,6 +159,22 @@ TEST_F(DrawingViewTest, AnEntityLeftOutIsNotPainted) {
     EXPECT_EQ(at({100, 50, 0}), ui::kCanvas.rgb());
     EXPECT_EQ(mxedRedraw(line, 1), kInputNormal);
     EXPECT_EQ(at({100, 50, 0}), qRgb(255, 0, 0));
+}
+
+TEST_F(DrawingViewTest, ALayoutThatIsRenamedKeepsItsView) {
+    const QString sheet = document->layouts().at(1);
+    ASSERT_TRUE(document->setCurrentLayout(sheet));
+    ge::ViewTransform zoomed = view().transform();
+    zoomed.unitsPerPixel = 0.25;
+    view().setTransform(zoomed);
+    ed::CommandStack::instance().runGiven(QStringLiteral("LAYOUT"),
+                                          {std::wstring(L"Rename"), sheet.toStdWString(), std::wstring(L"Roof")});
+    ASSERT_EQ(document->currentLayout(), QStringLiteral("Roof"));
+    EXPECT_EQ(view().transform().unitsPerPixel, 0.25);
+    ASSERT_TRUE(document->setCurrentLayout(QStringLiteral("Model")));
+    EXPECT_NE(view().transform().unitsPerPixel, 0.25);
+    ASSERT_TRUE(document->setCurrentLayout(QStringLiteral("Roof")));
+    EXPECT_EQ(view().transform().unitsPerPixel, 0.25);
 }
 
 TEST_F(DrawingViewTest, WithoutADrawingThereIsNoActiveView) {

@@ -166,6 +166,47 @@ TEST_F(GripDragTest, OnALockedLayerTheGripIsRefusedWithAMessage) {
     EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("The layer 0 is locked")));
 }
 
+TEST_F(GripDragTest, WhileAnotherHoldsTheDrawingNothingMovesAndThatIsTold) {
+    auto& manager = ap::DocManager::instance();
+    ASSERT_EQ(manager.lockDocument(document, MxApLockMode::kWrite, L"OTHER", L"Other"), Mx::eOk);
+    CommandWatch watch;
+    ed::Console::instance().markRead();
+    drag(at(200, 100), at(260, 130));
+    manager.unlockDocument(document);
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH"}));
+    EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("The grips were not moved.")));
+}
+
+TEST_F(GripDragTest, WhatWouldNotMoveIsToldOfOnce) {
+    press(at(200, 100));
+    lockLayer();
+    ed::Console::instance().markRead();
+    release(at(260, 130));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+    EXPECT_EQ(ed::Console::instance().unread().trimmed(), QStringLiteral("2 entities are on locked layers."));
+}
+
+TEST_F(GripDragTest, TheHandSnapsToOtherEntitiesButNotToWhatItDrags) {
+    addLine({300, 60, 0}, {400, 60, 0});
+    drag(at(100, 100), at(300, 60) + QPointF(4, 3));
+    EXPECT_EQ(line(first).start, MxGePoint3d(300, 60, 0));
+    const QPointF besideItself = at(250, 80) + QPointF(8, 0); // the middle of what is dragged
+    drag(at(300, 60), besideItself);
+    EXPECT_EQ(line(first).start, view().toWorld(besideItself));
+    view().setSnapping(false);
+    const QPointF near = at(300, 60) + QPointF(4, 3);
+    drag(besideItself, near);
+    EXPECT_EQ(line(first).start, view().toWorld(near));
+}
+
+TEST_F(GripDragTest, WithOrthoTheGripGoesStraight) {
+    view().setOrtho(true);
+    drag(at(100, 100), at(103, 160));
+    EXPECT_EQ(line(first).start.x, 100);
+    EXPECT_NEAR(line(first).start.y, 160, 2);
+}
+
 TEST_F(GripDragTest, TheEntityIsShownAsItWillBe) {
     press(at(100, 100));
     mouse(QEvent::MouseMove, at(200, 5), Qt::NoButton, Qt::LeftButton);

@@ -48,6 +48,28 @@ TEST_F(LayerBoxTest, ChoosingALayerMakesItCurrent) {
     EXPECT_EQ(document->database()->imp().header.currentLayer, L"Walls of brick");
 }
 
+TEST_F(LayerBoxTest, ChoosingALayerIsANamedUndoStepAndChoosingItAgainNone) {
+    Q_EMIT box().activated(1);
+    Q_EMIT box().activated(1);
+    ASSERT_EQ(undo().undoUnits().size(), 1U);
+    EXPECT_EQ(undo().undoUnits()[0].name, L"Current layer");
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+    settle();
+    EXPECT_EQ(box().currentText(), QStringLiteral("0"));
+}
+
+TEST_F(LayerBoxTest, WhileAnotherHoldsTheDrawingTheLayerStaysAndTheReasonIsTold) {
+    auto& manager = ap::DocManager::instance();
+    ASSERT_EQ(manager.lockDocument(document, MxApLockMode::kWrite, L"OTHER", L"Other"), Mx::eOk);
+    ed::Console::instance().markRead();
+    box().setCurrentIndex(1);
+    Q_EMIT box().activated(1);
+    manager.unlockDocument(document);
+    EXPECT_EQ(document->database()->imp().header.currentLayer, L"0");
+    EXPECT_EQ(box().currentText(), QStringLiteral("0"));
+    EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("held by OTHER")));
+}
+
 TEST_F(LayerBoxTest, AClickOnASymbolSwitchesTheLayerAndLeavesTheListOpen) {
     box().showPopup();
     settle();

@@ -70,6 +70,14 @@ TEST_F(MainWindowTest, LayoutTabsSwitchTheLayout) {
     EXPECT_EQ(layoutTabs()->currentIndex(), 0);
 }
 
+TEST_F(MainWindowTest, LayoutTabsFollowTheLayoutsOfTheDrawing) {
+    const int before = layoutTabs()->count();
+    ed::CommandStack::instance().runLine(QStringLiteral("LAYOUT New Roof"));
+    ASSERT_EQ(layoutTabs()->count(), before + 1);
+    EXPECT_EQ(layoutTabs()->tabText(before), QStringLiteral("Roof"));
+    EXPECT_EQ(layoutTabs()->tabText(layoutTabs()->currentIndex()), document->currentLayout());
+}
+
 TEST_F(MainWindowTest, UnattendedAChangedDrawingClosesWithoutAQuestion) {
     addLine({0, 0, 0}, {1, 1, 0});
     EXPECT_TRUE(window.closeDocument(*document));
