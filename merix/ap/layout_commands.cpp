@@ -11,6 +11,7 @@
 #include "merix/ed/view_commands.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace merix::ap {
 
@@ -21,7 +22,10 @@ using ed::tell;
 using LayoutInfo = db::DatabaseImp::LayoutInfo;
 
 Document& current() {
-    return *DocManager::instance().current(); // commands that are no session commands run in a drawing only
+    Document* document = DocManager::instance().current();
+    if (!document) // commands that are no session commands run in a drawing only
+        throw std::runtime_error("no drawing is open");
+    return *document;
 }
 
 QString askName(const QString& prompt) {
@@ -71,12 +75,22 @@ MxDbObjectId makeSpace() {
     return ed::addRecord(database.roots.blockTable, std::move(block));
 }
 
+void eraseObject(MxDbObjectId id) {
+    if (const Opened<MxDbObject> object(id, Mx::kForWrite); object)
+        object->erase();
+}
+
 void makeLayout() {
     const QString name = askName(QStringLiteral("Name of the new layout: "));
     if (name.isEmpty() || !isFree(name))
         return;
     db::DatabaseImp& database = ed::drawing();
     const Opened<MxDbDictionary> dictionary(layoutDictionary(), Mx::kForWrite);
+    MxDbObjectId id;
+    if (dictionary && dictionary->getAt(name.toStdWString().c_str(), id) == Mx::eOk) {
+        tell(QStringLiteral("The layout %1 is there already.").arg(name)); // one that shows no space
+        return;
+    }
     const MxDbObjectId space = dictionary ? makeSpace() : MxDbObjectId();
     if (space.isNull()) {
         tell(QStringLiteral("This drawing cannot have further layouts."));
@@ -88,9 +102,11 @@ void makeLayout() {
     for (const LayoutInfo& other : database.layouts())
         if (const auto* known = dynamic_cast<const db::Layout*>(db::DatabaseImp::peek(other.layout)))
             layout->tabOrder = std::max(layout->tabOrder, static_cast<std::int16_t>(known->tabOrder + 1));
-    MxDbObjectId id;
-    if (dictionary->setAt(layout->name.c_str(), layout.get(), id) != Mx::eOk)
+    if (dictionary->setAt(layout->name.c_str(), layout.get(), id) != Mx::eOk) {
+        eraseObject(space);
+        tell(QStringLiteral("The layout cannot be made."));
         return;
+    }
     layout.release()->close();
     const Opened<MxDbBlockTableRecord> block(space, Mx::kForWrite);
     if (!block)
@@ -123,11 +139,6 @@ void renameLayout() {
     }
     layout->assertWriteEnabled();
     layout->name = fresh.toStdWString();
-}
-
-void eraseObject(MxDbObjectId id) {
-    if (const Opened<MxDbObject> object(id, Mx::kForWrite); object)
-        object->erase();
 }
 
 bool isOnLockedLayer(MxDbObjectId entity) {

@@ -8,6 +8,8 @@
 #include "merix/ed/prompter.h"
 #include "merix/ed/view_commands.h"
 
+#include <QPointer>
+
 namespace merix::ap {
 
 namespace {
@@ -67,17 +69,17 @@ void undoOne() {
 }
 
 void undo() {
-    Document* document = currentOrTell();
+    const QPointer<Document> document = currentOrTell();
     const int count = document ? askCount(QStringLiteral("Number of steps to undo <1>: ")) : 0;
-    // Another drawing may have become the current one while the number was asked for.
-    if (count > 0 && document == DocManager::instance().current())
+    // Another drawing may have become the current one while the number was asked for, and this one may be closed.
+    if (count > 0 && document && document == DocManager::instance().current())
         undoSteps(*document, count);
 }
 
 void redo() {
-    Document* document = currentOrTell();
+    const QPointer<Document> document = currentOrTell();
     const int count = document ? askCount(QStringLiteral("Number of steps to redo <1>: ")) : 0;
-    if (count > 0 && document == DocManager::instance().current())
+    if (count > 0 && document && document == DocManager::instance().current())
         redoSteps(*document, count);
 }
 

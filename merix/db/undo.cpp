@@ -5,6 +5,7 @@
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
 
+#include <map>
 #include <utility>
 
 namespace merix::db {
@@ -48,6 +49,22 @@ void setPresent(MxDbObject& object, bool present, bool ofAppend) {
     });
 }
 
+/// Leaves out the objects that were added and erased again: they are gone before as after.
+void dropPassing(std::vector<UndoStep>& steps) {
+    enum class Fate { kThere, kPassed };
+    std::map<MxDbObjectId, Fate> added;
+    for (const UndoStep& step : steps) {
+        if (step.kind == UndoStep::Kind::kAppend)
+            added[step.id] = Fate::kThere;
+        else if (const auto known = added.find(step.id); known != added.end() && step.kind != UndoStep::Kind::kModify)
+            known->second = step.kind == UndoStep::Kind::kErase ? Fate::kPassed : Fate::kThere;
+    }
+    std::erase_if(steps, [&](const UndoStep& step) {
+        const auto known = added.find(step.id);
+        return known != added.end() && known->second == Fate::kPassed;
+    });
+}
+
 } // namespace
 
 void UndoRecorder::begin(std::wstring name) {
@@ -58,7 +75,10 @@ void UndoRecorder::begin(std::wstring name) {
 }
 
 void UndoRecorder::end() {
-    if (m_depth == 0 || --m_depth > 0 || m_open.steps.empty())
+    if (m_depth == 0 || --m_depth > 0)
+        return;
+    dropPassing(m_open.steps);
+    if (m_open.steps.empty())
         return;
     m_undo.push_back(std::exchange(m_open, {}));
     m_redo.clear();

@@ -27,7 +27,12 @@ void audit() {
                       QString::fromStdWString(finding.where), QString::fromStdWString(finding.what)));
     const auto broken = std::count_if(findings.begin(), findings.end(),
                                       [](const Finding& finding) { return finding.kind == Finding::Kind::kBroken; });
-    tell(QStringLiteral("%1 broken, %2 loose").arg(broken).arg(std::ptrdiff_t(findings.size()) - broken));
+    const auto count = std::ptrdiff_t(findings.size());
+    const QString counts = QStringLiteral("%1 broken, %2 loose").arg(broken).arg(count - broken);
+    if (count == 0)
+        tell(QStringLiteral("No faults found (%1).").arg(counts));
+    else
+        tell(QStringLiteral("%1 %2: %3.").arg(count).arg(QLatin1String(count == 1 ? "fault" : "faults"), counts));
 }
 
 } // namespace

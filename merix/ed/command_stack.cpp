@@ -190,6 +190,8 @@ CommandStack::Outcome CommandStack::runGiven(const QString& name, std::vector<Mx
         return Outcome::kUnknown;
     if (command->bits & kSessionCommand)
         return Outcome::kRefused;
+    if (m_running && (m_running->bits & kSessionCommand))
+        return Outcome::kRefused; // there may be no drawing around it, and no undo unit
     if (!isRunning())
         return run(command, {});
     const auto outer = std::exchange(m_running, command);

@@ -52,7 +52,8 @@ public:
     /// when the command is over.
     Outcome runLine(const QString& line);
     /// Runs a command by name with these answers, inside the command under way as part of it. Nothing is shown of it
-    /// while the variable CMDECHO is 0. kRefused for session commands and while a prompt waits.
+    /// while the variable CMDECHO is 0. kRefused for session commands, inside one, and while a prompt
+    /// waits.
     Outcome runGiven(const QString& name, std::vector<MxEdAnswer> answers);
     /// For menus and keys: cancels the prompt under way and runs the line as soon as nothing runs.
     void submit(const QString& line);

@@ -4,6 +4,8 @@
 #include "merix/db/clone.h"
 #include "merix/ed/drawing_access.h"
 
+#include <cmath>
+
 namespace merix::ed {
 
 namespace {
@@ -15,7 +17,17 @@ void tellLeftOut(std::size_t count) {
 
 } // namespace
 
+bool isFinite(const MxGeMatrix3d& map) {
+    // What is no number, or infinite, stays so in a sum.
+    return std::isfinite(map.x.x + map.x.y + map.x.z + map.y.x + map.y.y + map.y.z + map.z.x + map.z.y + map.z.z +
+                         map.origin.x + map.origin.y + map.origin.z);
+}
+
 void copyEntities(const std::vector<MxDbObjectId>& ids, const MxGeMatrix3d& map) {
+    if (!isFinite(map)) {
+        tell(QStringLiteral("That is out of range."));
+        return;
+    }
     tellLeftOut(ids.size() - db::cloneEntities(ids, drawing().currentSpace, map).size());
 }
 

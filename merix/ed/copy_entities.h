@@ -11,6 +11,9 @@ class MxDbDatabase;
 
 namespace merix::ed {
 
+/// False for a map that overflowed: nothing is where it leads.
+bool isFinite(const MxGeMatrix3d& map);
+
 /// Copies entities into the current space of the drawing, brought to their place by `map`. The user is told how many
 /// are never copied.
 void copyEntities(const std::vector<MxDbObjectId>& ids, const MxGeMatrix3d& map);

@@ -31,6 +31,13 @@ MxDbObjectId addLine(const MxGePoint3d& start, const MxGePoint3d& end) {
     return addEntity(std::move(line));
 }
 
+bool hasLength(const MxGePoint3d& start, const MxGePoint3d& end) {
+    if (!(start == end))
+        return true;
+    tell(QStringLiteral("The line has no length."));
+    return false;
+}
+
 void line() {
     Prompter& prompter = Prompter::instance();
     std::vector<MxGePoint3d> points(1);
@@ -45,17 +52,21 @@ void line() {
             &points.back(),
             canClose ? QStringLiteral("Next point or [Close/Undo]: ") : QStringLiteral("Next point or [Undo]: "), next);
         if (result == kInputNormal) {
+            if (!hasLength(points.back(), next))
+                continue;
             lines.push_back(addLine(points.back(), next));
             points.push_back(next);
         } else if (result != kInputKeyword) {
             return;
         } else if (prompter.lastKeyword() == QLatin1String("Close")) {
-            addLine(points.back(), points.front());
+            if (hasLength(points.back(), points.front()))
+                addLine(points.back(), points.front());
             return;
         } else if (lines.empty()) {
             tell(QStringLiteral("There is no line to take back."));
+        } else if (eraseEntities({lines.back()}) == 0 && db::DatabaseImp::peek(lines.back())) {
+            mayDraw(); // the layer was locked meanwhile
         } else {
-            eraseEntities({lines.back()});
             lines.pop_back();
             points.pop_back();
         }
@@ -297,11 +308,11 @@ void registerDrawCommands(CommandStack& stack) {
         stack.addCommand(kHostGroup, name, name, 0, function);
         stack.addAlias(QLatin1String(alias), QString::fromWCharArray(name));
     };
-    add(L"LINE", "L", line);
-    add(L"CIRCLE", "C", circle);
-    add(L"ARC", "A", arc);
-    add(L"RECTANG", "REC", rectangle);
-    add(L"TEXT", "T", text);
+    add(L"LINE", "L", drawIfAllowed<line>);
+    add(L"CIRCLE", "C", drawIfAllowed<circle>);
+    add(L"ARC", "A", drawIfAllowed<arc>);
+    add(L"RECTANG", "REC", drawIfAllowed<rectangle>);
+    add(L"TEXT", "T", drawIfAllowed<text>);
     stack.addAlias(QStringLiteral("DT"), QStringLiteral("TEXT"));
 }
 

@@ -4,11 +4,25 @@
 #include "merix/db/clone.h"
 #include "merix/db/layers.h"
 #include "merix/ed/console.h"
+#include "merix/ed/properties.h"
+
+#include <stdexcept>
 
 namespace merix::ed {
 
 db::DatabaseImp& drawing() {
-    return mxdbHostApplicationServices()->workingDatabase()->imp();
+    MxDbDatabase* database = mxdbHostApplicationServices()->workingDatabase();
+    if (!database)
+        throw std::runtime_error("no drawing is open");
+    return database->imp();
+}
+
+bool mayDraw() {
+    const MxDbLayerTableRecord* layer = layerRecord(drawing().layerNamed(drawing().header.currentLayer));
+    if (!layer || !layer->isLocked())
+        return true;
+    tell(QStringLiteral("The current layer %1 is locked.").arg(QString::fromStdWString(layer->name)));
+    return false;
 }
 
 void tell(const QString& line) {

@@ -13,7 +13,8 @@
 
 namespace merix::ed {
 
-/// The drawing being worked on; commands run only while there is one.
+/// The drawing being worked on. Throws where there is none: commands run only while there is one, and one that ran all
+/// the same fails.
 db::DatabaseImp& drawing();
 
 /// Prints a line.
@@ -51,6 +52,14 @@ private:
 /// Adds an entity to the current space with the current layer, colour, line type and line weight. Null when the space
 /// cannot be opened; the entity is then deleted.
 MxDbObjectId addEntity(std::unique_ptr<MxDbEntity> entity);
+
+/// False, after telling so, while the current layer is locked: what is drawn then could not be changed or taken back.
+bool mayDraw();
+/// A command that draws, refused where it may not.
+template <void (*draw)()> void drawIfAllowed() {
+    if (mayDraw())
+        draw();
+}
 
 /// Adds a record to a symbol table, as a step that can be undone. Null on failure.
 MxDbObjectId addRecord(MxDbObjectId table, std::unique_ptr<MxDbObject> record);

@@ -209,7 +209,7 @@ void polyline() {
 } // namespace
 
 void registerPolylineCommand(CommandStack& stack) {
-    stack.addCommand(kHostGroup, L"PLINE", L"PLINE", 0, polyline);
+    stack.addCommand(kHostGroup, L"PLINE", L"PLINE", 0, drawIfAllowed<polyline>);
     stack.addAlias(QStringLiteral("PL"), QStringLiteral("PLINE"));
 }
 

@@ -16,12 +16,20 @@ Prompter::Given::Given(std::vector<MxEdAnswer> answers, bool echo)
     , m_echo(echo)
     , m_outer(std::exchange(instance().m_given, this))
     , m_typeAhead(instance().m_typeAhead)
-    , m_result(instance().m_result) {}
+    , m_lastKeyword(instance().m_lastKeyword)
+    , m_keywords(instance().m_keywords)
+    , m_control(instance().m_control)
+    , m_result(instance().m_result)
+    , m_takesAway(instance().m_takesAway) {}
 
 Prompter::Given::~Given() {
     Prompter& prompter = instance();
     prompter.m_given = m_outer;
     prompter.m_typeAhead = m_typeAhead;
+    prompter.m_lastKeyword = m_lastKeyword;
+    prompter.m_keywords = m_keywords;
+    prompter.m_control = m_control;
+    prompter.m_takesAway = m_takesAway;
     prompter.m_result = m_result;
 }
 
@@ -220,6 +228,10 @@ void Prompter::submitPoint(const MxGePoint3d& world, bool takesAway) {
 
 /// A point answers a prompt for a number too: by its distance or direction from the base, or as the base.
 void Prompter::finishPoint(const MxGePoint3d& point) {
+    if (!isInReach(point)) {
+        askAgain(QStringLiteral("That point is too far away."));
+        return;
+    }
     m_point = m_lastPoint = point;
     if (m_wants == Wants::kPoint || m_wants == Wants::kPick) {
         finish(kInputNormal);
@@ -233,7 +245,9 @@ void Prompter::finishPoint(const MxGePoint3d& point) {
 }
 
 void Prompter::finishNumber(double number) {
-    if ((m_control & kNotZero) && (m_control & kNotNegative) && number <= 0.0) {
+    if (!std::isfinite(number)) {
+        askAgain(QStringLiteral("That number is too large."));
+    } else if ((m_control & kNotZero) && (m_control & kNotNegative) && number <= 0.0) {
         askAgain(QStringLiteral("A number above 0 is needed."));
     } else if ((m_control & kNotZero) && number == 0.0) {
         askAgain(QStringLiteral("A number other than 0 is needed."));

@@ -78,7 +78,8 @@ public:
     bool wasCancelled() const { return m_result == kInputCancel; }
 
     /// While it lives, the prompts take these answers and, after the last, are cancelled; without `echo` they are not
-    /// shown. What the command around it had been given is kept for it.
+    /// shown. What the command around it had been given, and what it
+    /// prepared for its next prompt, is kept for it.
     class Given {
     public:
         Given(std::vector<MxEdAnswer> answers, bool echo);
@@ -91,8 +92,10 @@ public:
         std::deque<MxEdAnswer> m_answers;
         const bool m_echo;
         Given* const m_outer;
-        const QString m_typeAhead;
-        const int m_result;
+        const QString m_typeAhead, m_lastKeyword;
+        const std::vector<Keyword> m_keywords;
+        const int m_control, m_result;
+        const bool m_takesAway;
     };
     /// Prints what is shown of the dialogue with the user, unless it is not to be shown.
     void echo(const QString& text) const;

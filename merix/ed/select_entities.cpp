@@ -8,6 +8,7 @@
 #include "merix/ed/selection.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace merix::ed {
 
@@ -34,10 +35,21 @@ bool isInSpace(MxDbObjectId id) {
     return object && object->ownerId() == drawing().currentSpace;
 }
 
-Ids onlyInSpace(const Ids& ids) {
+/// Those of the current space that show: what is hidden is not worked on unseen.
+Ids onlyShown(const Ids& ids) {
     Ids kept;
-    std::copy_if(ids.begin(), ids.end(), std::back_inserter(kept), isInSpace);
+    std::copy_if(ids.begin(), ids.end(), std::back_inserter(kept),
+                 [](MxDbObjectId id) { return isInSpace(id) && isVisible(id); });
     return kept;
+}
+
+using IdSet = std::unordered_set<const db::ObjectStub*>;
+
+IdSet setOf(const Ids& ids) {
+    IdSet set;
+    for (const MxDbObjectId id : ids)
+        set.insert(id.stub());
+    return set;
 }
 
 /// One run of the prompt. What it holds is highlighted until it goes.
@@ -64,26 +76,24 @@ private:
 };
 
 void Chooser::set(const Ids& ids) {
-    const auto contains = [](const Ids& all, MxDbObjectId id) {
-        return std::find(all.begin(), all.end(), id) != all.end();
-    };
+    const IdSet before = setOf(m_ids), now = setOf(ids);
     for (const MxDbObjectId id : m_ids)
-        if (const Opened<MxDbEntity> entity(id, Mx::kForRead); entity && !contains(ids, id))
+        if (const Opened<MxDbEntity> entity(id, Mx::kForRead); entity && !now.contains(id.stub()))
             entity->unhighlight();
     for (const MxDbObjectId id : ids)
-        if (const Opened<MxDbEntity> entity(id, Mx::kForRead); entity && !contains(m_ids, id))
+        if (const Opened<MxDbEntity> entity(id, Mx::kForRead); entity && !before.contains(id.stub()))
             entity->highlight();
     m_ids = ids;
 }
 
 void Chooser::change(const Ids& found, bool takeAway) {
     Ids ids = m_ids;
-    for (const MxDbObjectId id : found) {
-        const auto place = std::find(ids.begin(), ids.end(), id);
-        if (takeAway && place != ids.end())
-            ids.erase(place);
-        else if (!takeAway && place == ids.end())
-            ids.push_back(id);
+    if (takeAway) {
+        std::erase_if(ids, [gone = setOf(found)](MxDbObjectId id) { return gone.contains(id.stub()); });
+    } else {
+        IdSet known = setOf(ids);
+        std::copy_if(found.begin(), found.end(), std::back_inserter(ids),
+                     [&](MxDbObjectId id) { return known.insert(id.stub()).second; });
     }
     const auto count = takeAway ? m_ids.size() - ids.size() : ids.size() - m_ids.size();
     m_before.push_back(m_ids);
@@ -106,7 +116,7 @@ void Chooser::takeBox(const MxGePoint3d& first, BoxKind kind) {
     box.addPoint(corner);
     if (crossing)
         m_crossing = box;
-    change(onlyInSpace(activeView() ? activeView()->inBox(box, crossing) : Ids()),
+    change(onlyShown(activeView() ? activeView()->inBox(box, crossing) : Ids()),
            m_removing || prompter.lastPointTakesAway());
 }
 
@@ -141,7 +151,7 @@ bool Chooser::takeKeyword(const QString& keyword) {
         std::erase_if(all, [](MxDbObjectId id) { return !isVisible(id); });
         change(all.empty() ? Ids() : Ids{all.back()}, m_removing);
     } else if (keyword == QLatin1String("Previous")) {
-        change(g_last.database == &drawing().self() ? onlyInSpace(g_last.ids) : Ids(), m_removing);
+        change(g_last.database == &drawing().self() ? onlyShown(g_last.ids) : Ids(), m_removing);
     } else if (keyword == QLatin1String("Undo")) {
         if (m_before.empty()) {
             tell(QStringLiteral("Nothing was selected yet."));
@@ -191,7 +201,7 @@ int getSelection(const QString& prompt, Ids& ids) {
 
 int getSelection(const QString& prompt, Ids& ids, std::optional<MxDbExtents>& crossing) {
     crossing.reset();
-    ids = onlyInSpace(Selection::instance().ids());
+    ids = onlyShown(Selection::instance().ids());
     Selection::instance().clear();
     if (!ids.empty()) {
         tell(QStringLiteral("%1 found").arg(ids.size()));

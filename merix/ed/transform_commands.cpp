@@ -7,6 +7,7 @@
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/select_entities.h"
+#include "merix/ed/typed_point.h"
 #include "merix/ed/view_commands.h"
 
 #include <cmath>
@@ -148,13 +149,23 @@ void mirror() {
         copyEntities(ids, map);
 }
 
+bool staysInReach(const MxDbEntity& entity) {
+    MxDbExtents box;
+    return entity.getGeomExtents(box) != Mx::eOk || box.isEmpty() ||
+           (isInReach(box.minPoint()) && isInReach(box.maxPoint()));
+}
+
 } // namespace
 
 void transformEntities(const Ids& ids, const MxGeMatrix3d& map) {
+    if (!isFinite(map)) {
+        tell(QStringLiteral("That is out of range."));
+        return;
+    }
     int refused = 0;
     for (const MxDbObjectId id : ids) {
         Opened<MxDbEntity> entity(id, Mx::kForWrite);
-        if (entity && entity->transformBy(map) == Mx::eOk)
+        if (entity && entity->transformBy(map) == Mx::eOk && staysInReach(*entity))
             continue;
         entity.cancel();
         ++refused;

@@ -42,6 +42,12 @@ std::optional<MxGePoint3d> parseTypedPoint(const QString& text, const MxGePoint3
     return from + MxGeVector3d(value[0], value[1], value[2]);
 }
 
+bool isInReach(const MxGePoint3d& point) {
+    constexpr double kFarthest = 1e100; // sums, and squares in lengths, stay finite
+    const auto near = [](double coordinate) { return std::fabs(coordinate) <= kFarthest; }; // false for NaN
+    return near(point.x) && near(point.y) && near(point.z);
+}
+
 double degreesToRadians(double degrees) {
     return degrees * std::numbers::pi / 180.0;
 }

@@ -14,6 +14,9 @@ namespace merix::ed {
 /// point, infinite or not a number.
 std::optional<MxGePoint3d> parseTypedPoint(const QString& text, const MxGePoint3d& last);
 
+/// False for coordinates that are no numbers, or so large that what is reckoned from them would be none.
+bool isInReach(const MxGePoint3d& point);
+
 /// An angle as typed in the unit that all is computed in.
 double degreesToRadians(double degrees);
 

@@ -54,13 +54,6 @@ template <auto member> Mx::ErrorStatus setPositive(const Value& value) {
     });
 }
 
-Mx::ErrorStatus setLinetypeScale(const Value& value) {
-    const Mx::ErrorStatus status = setPositive<&Header::linetypeScale>(value);
-    if (status == Mx::eOk && activeView())
-        activeView()->regenerate();
-    return status;
-}
-
 std::optional<Value> getColor() {
     if (const MxDbDatabase* database = drawing())
         return Value(formatColor({database->imp().header.currentColor}).toStdWString());
@@ -153,7 +146,7 @@ const std::vector<Variable>& systemVariables() {
         {"EXTMAX", Type::kPoint, getHeader<&Header::extMax>, nullptr},
         {"EXTMIN", Type::kPoint, getHeader<&Header::extMin>, nullptr},
         {"INSUNITS", Type::kInteger, getHeader<&Header::insUnits>, setUnits},
-        {"LTSCALE", Type::kReal, getHeader<&Header::linetypeScale>, setLinetypeScale},
+        {"LTSCALE", Type::kReal, getHeader<&Header::linetypeScale>, setPositive<&Header::linetypeScale>},
         {"TEXTSIZE", Type::kReal, getHeader<&Header::textSize>, setPositive<&Header::textSize>},
         {"VIEWCTR", Type::kPoint, getViewCenter, nullptr},
         {"VIEWSIZE", Type::kReal, getViewSize, nullptr},

@@ -124,6 +124,7 @@ struct Scene::Private {
     GraphicsBuilder builder, plotter;
     std::map<MxDbObjectId, Space> spaces;
     std::map<db::ObjectStub*, LayerLook> layers;
+    double linetypeScale = database.header.linetypeScale; ///< of the lists
     bool allStale = false; ///< forget all spaces at the next look: a module's drawing code may have caused it
 
     MxDbEntity* entityOf(const Slot& slot) const {
@@ -381,6 +382,12 @@ void Scene::objectAppended(MxDbObject& object) {
 
 void Scene::objectErased(MxDbObject& object, bool) {
     objectModified(object);
+}
+
+void Scene::headerChanged() {
+    const double scale = m->database.header.linetypeScale;
+    if (std::exchange(m->linetypeScale, scale) != scale)
+        m->allStale = true; // dashes are as long as they were when a list was made
 }
 
 void Scene::objectModified(MxDbObject& object) {

@@ -53,6 +53,7 @@ public:
     void objectAppended(MxDbObject& object) override;
     void objectModified(MxDbObject& object) override;
     void objectErased(MxDbObject& object, bool erasing) override;
+    void headerChanged() override;
 
 private:
     struct Private;

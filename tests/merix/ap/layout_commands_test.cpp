@@ -3,7 +3,9 @@
 
 #include "tests/merix/ed/command_fixture.h"
 
+#include "host/db/dictionary.h"
 #include "merix/db/layout.h"
+#include "merix/ed/drawing_access.h"
 #include "merix/io/drawing_file.h"
 
 #include <QTemporaryDir>
@@ -134,4 +136,20 @@ TEST_F(LayoutCommandsTest, EscChangesNothing) {
                                                                              {"LAYOUTSWITCH"}})
         typeInVain(lines);
     EXPECT_TRUE(switched.isEmpty());
+}
+
+TEST_F(LayoutCommandsTest, AnEntryOfTheDictionaryThatShowsNoSpaceIsNotReplaced) {
+    MxDbObjectId id;
+    {
+        const ed::Opened<MxDbDictionary> root(database.roots.namedObjects, Mx::kForRead);
+        ASSERT_EQ(root->getAt(L"ACAD_LAYOUT", id), Mx::eOk);
+        const ed::Opened<MxDbDictionary> dictionary(id, Mx::kForWrite);
+        auto* layout = new db::Layout;
+        layout->name = L"Ghost";
+        ASSERT_EQ(dictionary->setAt(L"Ghost", layout, id), Mx::eOk);
+        layout->close();
+    }
+    typeInVain({"LAYOUT", "N", "ghost"});
+    EXPECT_THAT(shown(), HasSubstr("The layout ghost is there already."));
+    EXPECT_TRUE(db::DatabaseImp::peek(id));
 }

@@ -56,3 +56,22 @@ TEST_F(UndoCommandsTest, WithoutADrawingTheyTellSo) {
     EXPECT_THAT(shown(), HasSubstr("No drawing is open."));
     ap::DocManager::instance().activate(&document);
 }
+
+TEST_F(UndoCommandsTest, ADrawingClosedWhileTheNumberIsAskedForIsLeftAlone) {
+    ap::DocManager& manager = ap::DocManager::instance();
+    ap::Document* other = manager.create();
+    for (const char* command : {"UNDO", "REDO"}) {
+        ap::Document* gone = manager.create();
+        test::Answers answers({QStringLiteral("1")});
+        bool closed = false;
+        answers.before = [&] {
+            if (!std::exchange(closed, true))
+                manager.close(*gone);
+        };
+        ed::CommandStack::instance().runLine(QLatin1String(command));
+        EXPECT_TRUE(closed);
+        EXPECT_THAT(shown(), testing::Not(HasSubstr("Nothing to")));
+    }
+    manager.close(*other);
+    manager.activate(&document);
+}

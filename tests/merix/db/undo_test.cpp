@@ -25,6 +25,41 @@ TEST(Undo, AUnitWithoutChangesVanishes) {
     EXPECT_FALSE(drawing.imp.undo.canUndo());
 }
 
+TEST(Undo, WhatIsAddedAndErasedInAUnitIsNoStepOfIt) {
+    Drawing drawing;
+    const MxDbObjectId kept = drawing.addLine();
+    drawing.imp.undo.clear();
+    drawing.imp.undo.begin(L"Try");
+    const MxDbObjectId passing = drawing.addLine();
+    Line* line = nullptr;
+    mxdbOpenObject(line, passing, Mx::kForWrite);
+    line->assertWriteEnabled();
+    line->end = {5, 0, 0};
+    line->close();
+    const auto erase = [](MxDbObjectId id, bool erasing) {
+        MxDbObject* object = nullptr;
+        ASSERT_EQ(mxdbOpenObject(object, id, Mx::kForWrite, true), Mx::eOk);
+        EXPECT_EQ(object->erase(erasing), Mx::eOk);
+        object->close();
+    };
+    erase(passing, true);
+    drawing.imp.undo.end();
+    EXPECT_FALSE(drawing.imp.undo.canUndo());
+
+    drawing.imp.undo.begin(L"Try again");
+    const MxDbObjectId back = drawing.addLine();
+    erase(back, true);
+    erase(back, false);
+    erase(kept, true);
+    drawing.imp.undo.end();
+    ASSERT_TRUE(drawing.imp.undo.undo());
+    EXPECT_TRUE(back.stub()->erased);
+    EXPECT_FALSE(kept.stub()->erased);
+    ASSERT_TRUE(drawing.imp.undo.redo());
+    EXPECT_FALSE(back.stub()->erased);
+    EXPECT_TRUE(kept.stub()->erased);
+}
+
 TEST(Undo, ChangesOfAUnitAreTakenBackAndDoneAgainTogether) {
     Drawing drawing;
     const MxDbObjectId a = drawing.addLine({}, {1, 0, 0}), b = drawing.addLine({}, {2, 0, 0});

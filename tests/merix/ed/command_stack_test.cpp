@@ -261,6 +261,32 @@ TEST_F(CommandStackTest, ACommandInsideACommandIsPartOfItsUndoUnitAndLeavesItsAn
                                    "second 6", "keep", "idle"));
 }
 
+TEST_F(CommandStackTest, NoCommandRunsInsideOneThatWorksOnTheSession) {
+    const Scope scope;
+    CommandStack::instance().addCommand(L"TEST", L"AROUND", L"AROUND", kSessionCommand,
+                                        [] { note("inner " + std::to_string(mxedCommand(L"_WORK"))); });
+    run("AROUND");
+    EXPECT_THAT(g_log, ElementsAre("inner -5001", "idle"));
+}
+
+TEST_F(CommandStackTest, WhatAPromptWasPreparedWithOutlivesACommandInside) {
+    CommandStack::instance().addCommand(L"TEST", L"PREPARE", L"PREPARE", 0, [] {
+        wchar_t keyword[20] = L"";
+        mxedInitGet(0, L"Blue Red");
+        mxedGetKword(L"\nColor: ", keyword, 20);
+        mxedInitGet(1, L"Big Small");
+        mxedCommand(L"_ASK", {L"1,1", L"2,2"});
+        mxedGetInput(keyword, 20);
+        note("before " + narrow(keyword));
+        note("size " + std::to_string(mxedGetKword(L"\nSize: ", keyword, 20)));
+        note(narrow(keyword));
+    });
+    const Answers answers({QStringLiteral("r"), QString(), QStringLiteral("s")});
+    run("PREPARE");
+    EXPECT_THAT(g_log, ElementsAre("asked 5100", "asked 5100", "before Red", "size 5100", "Small"));
+    EXPECT_THAT(shown(), HasSubstr("An answer is needed.")) << "the control bits too";
+}
+
 TEST_F(CommandStackTest, WithTheEchoOffAModulesCommandIsNotShown) {
     ASSERT_EQ(mxedSetVar(L"CMDECHO", 0), Mx::eOk);
     mxedCommand(L"_ASK", {L"1,1"});

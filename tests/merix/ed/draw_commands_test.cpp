@@ -2,6 +2,7 @@
 #include "merix/ed/draw_commands.h"
 
 #include "command_fixture.h"
+#include "merix/db/layers.h"
 
 #include <numbers>
 
@@ -178,4 +179,45 @@ TEST_F(DrawCommandsTest, EscAtAnyPromptDrawsNothing) {
              {"TEXT", "0,0", "5", "0", ""},
          })
         typeInVain(lines);
+}
+
+TEST_F(DrawCommandsTest, NothingIsDrawnOnALockedCurrentLayer) {
+    type({"LAYER", "LO", "0", ""});
+    typeInVain({"LINE", "0,0", "10,0", ""});
+    EXPECT_THAT(shown(), HasSubstr("The current layer 0 is locked."));
+    const auto expectRefused = [this](std::initializer_list<const char*> lines) {
+        typeInVain(lines);
+        EXPECT_THAT(shown(), HasSubstr("The current layer 0 is locked."));
+    };
+    expectRefused({"CIRCLE", "0,0", "5"});
+    expectRefused({"ARC", "10,0", "0,10", "-10,0"});
+    expectRefused({"RECTANG", "0,0", "5,5"});
+    expectRefused({"TEXT", "0,0", "5", "0"});
+    expectRefused({"PLINE", "0,0", "5,5", "9,9", ""});
+    type({"LAYER", "U", "0", ""});
+    typeUndoable({"LINE", "0,0", "10,0", ""});
+}
+
+TEST_F(DrawCommandsTest, ALineWhoseLayerIsLockedMeanwhileStays) {
+    ASSERT_TRUE(entities().empty());
+    test::Answers answers({QStringLiteral("0,0"), QStringLiteral("10,0"), QStringLiteral("u"), QStringLiteral("")});
+    int prompts = 0;
+    answers.before = [&] {
+        if (++prompts == 3)
+            db::setLayerLocked(database.layerNamed(L"0"), true);
+    };
+    ed::CommandStack::instance().runLine(QStringLiteral("LINE"));
+    EXPECT_EQ(entities().size(), 1U);
+    EXPECT_THAT(shown(), HasSubstr("The current layer 0 is locked."));
+}
+
+TEST_F(DrawCommandsTest, WhatIsTakenBackWholeLeavesNoStep) {
+    typeInVain({"LINE", "0,0", "10,0", "u", ""});
+    typeInVain({"PLINE", "0,0", "10,0", "10,10", "u", "u", ""});
+}
+
+TEST_F(DrawCommandsTest, ALineWithoutLengthIsNotDrawn) {
+    typeUndoable({"LINE", "0,0", "0,0", "10,0", "@", "10,10", "0,0", "c"});
+    EXPECT_EQ(entities().size(), 3U);
+    EXPECT_THAT(shown(), HasSubstr("The line has no length."));
 }

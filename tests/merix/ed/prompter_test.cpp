@@ -293,3 +293,18 @@ TEST_F(PrompterTest, AClickMayTakeAwayFromTheSelection) {
     prompter.getPick(QStringLiteral("S: "), point);
     EXPECT_FALSE(prompter.lastPointTakesAway());
 }
+
+TEST_F(PrompterTest, WhatCannotBeReckonedWithIsAskedForAgain) {
+    Answers answers({QStringLiteral("1e308,0"), QStringLiteral("@1e308<90"), QStringLiteral("1,2")});
+    EXPECT_EQ(Prompter::instance().getPoint(nullptr, QStringLiteral("A: "), point), 5100);
+    EXPECT_EQ(point, MxGePoint3d(1, 2, 0));
+    EXPECT_NE(Console::instance().unread().indexOf(QStringLiteral("That point is too far away.")), -1);
+    Answers numbers({QStringLiteral("1e400"), QStringLiteral("4")});
+    numbers.before = [asked = false]() mutable {
+        if (!std::exchange(asked, true))
+            Prompter::instance().submitPoint({std::nan(""), 0, 0});
+    };
+    double distance = 0.0;
+    EXPECT_EQ(Prompter::instance().getDistance(&point, QStringLiteral("B: "), distance), 5100);
+    EXPECT_EQ(distance, 4.0);
+}

@@ -3,6 +3,7 @@
 
 #include "command_fixture.h"
 
+#include "merix/db/layers.h"
 #include "merix/ed/drawing_access.h"
 
 using namespace merix;
@@ -178,4 +179,36 @@ TEST_F(SelectEntitiesTest, TheLastCrossingBoxIsKept) {
     ASSERT_TRUE(box);
     EXPECT_EQ(box->minPoint(), MxGePoint3d(20, 0, 0));
     EXPECT_EQ(box->maxPoint(), MxGePoint3d(40, 60, 0));
+}
+
+TEST_F(SelectEntitiesTest, WhatWasHiddenSinceItWasSelectedIsLeftOut) {
+    select({"all", ""});
+    const auto hide = [&](bool hidden) { ASSERT_EQ(db::setLayerOff(database.layerNamed(L"0"), hidden), Mx::eOk); };
+    hide(true);
+    EXPECT_THAT(select({"p", ""}, 5000), IsEmpty());
+    Selection::instance().set(all);
+    EXPECT_THAT(select({""}, 5000), IsEmpty());
+    hide(false);
+}
+
+TEST_F(SelectEntitiesTest, ALargeSelectionIsTakenAndReducedInNoTime) {
+    constexpr std::size_t kMany = 60000; // squared, it would run for minutes
+    database.undo.begin(L"Many");
+    for (std::size_t i = 0; i < kMany; ++i)
+        ed::addEntity(std::make_unique<db::Line>());
+    database.undo.end();
+    all = entities();
+    std::vector<MxDbObjectId> ids;
+    {
+        const test::Answers answers({QStringLiteral("all"), QStringLiteral("r"), QStringLiteral("all"),
+                                     QStringLiteral("add"), QStringLiteral("all"), QStringLiteral("")});
+        ASSERT_EQ(ed::getSelection(QStringLiteral("Select: "), ids), 5100);
+    }
+    EXPECT_EQ(ids, all);
+    Selection::instance().set(all);
+    Selection::instance().add(all);
+    EXPECT_EQ(Selection::instance().ids(), all);
+    Selection::instance().remove({all.begin() + 1, all.end()});
+    EXPECT_TRUE(Selection::instance().contains(all.front()));
+    EXPECT_FALSE(Selection::instance().contains(all.back()));
 }

@@ -3,6 +3,9 @@
 
 #include "command_fixture.h"
 
+#include "merix/ed/copy_entities.h"
+
+#include <limits>
 #include <numbers>
 
 using namespace merix;
@@ -100,4 +103,15 @@ TEST_F(TransformCommandsTest, LockedLayersEscAndEmptySelectionsChangeNothing) {
         typeInVain({command, "all", ""});
         EXPECT_THAT(shown(), HasSubstr("2 were on a locked layer."));
     }
+}
+
+TEST_F(TransformCommandsTest, WhatWouldLeaveAllCoordinatesIsRefused) {
+    typeInVain({"SCALE", "all", "", "0,0", "1e300"});
+    EXPECT_THAT(shown(), HasSubstr("2 could not be changed."));
+    typeInVain({"SCALE", "all", "", "1e90,0", "1e300"});
+    EXPECT_THAT(shown(), HasSubstr("That is out of range."));
+    typeInVain({"MOVE", "all", "", "0,0", "1e308,0", "@1e308,0"});
+    EXPECT_THAT(shown(), HasSubstr("That point is too far away."));
+    ed::copyEntities(entities(), MxGeMatrix3d::translation({std::numeric_limits<double>::infinity(), 0, 0}));
+    EXPECT_EQ(entities().size(), 2U);
 }

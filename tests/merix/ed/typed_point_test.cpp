@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 using namespace merix::ed;
 
 namespace {
@@ -42,4 +45,12 @@ TEST(TypedPoint, WhatIsNoPointIsNone) {
 
 TEST(TypedPoint, IsShownWithAtMostTenDigits) {
     EXPECT_EQ(formatPoint({1.0 / 3, -2, 9}), QStringLiteral("0.3333333333,-2"));
+}
+
+TEST(TypedPoint, FarAwayIsOutOfReach) {
+    EXPECT_TRUE(isInReach({1e100, -1e100, 0}));
+    EXPECT_FALSE(isInReach({1e101, 0, 0}));
+    EXPECT_FALSE(isInReach({0, -1e101, 0}));
+    EXPECT_FALSE(isInReach({0, 0, std::nan("")}));
+    EXPECT_FALSE(isInReach({0, 0, std::numeric_limits<double>::infinity()}));
 }

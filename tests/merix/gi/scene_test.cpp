@@ -271,6 +271,26 @@ TEST_F(SceneTest, TheLineTypeOfALayerShows) {
     EXPECT_EQ(at(15, 50), kBackground);
 }
 
+TEST_F(SceneTest, TheScaleOfAllLineTypesShowsAndSoDoesItsUndo) {
+    auto* dashed = new db::LinetypeRecord;
+    dashed->name = L"DASHED";
+    dashed->dashes = {10, -10};
+    MxDbObjectId type;
+    ASSERT_EQ(database.imp().append(dashed, database.imp().roots.linetypeTable, type), Mx::eOk);
+    dashed->close();
+    const MxDbObjectId line = addLine({0, 50.5, 0}, {100, 50.5, 0});
+    change<db::Line>(line, [&](db::Line& l) { db::traits(l).linetype = type; });
+    EXPECT_EQ(at(15, 50), kBackground);
+    auto header = database.imp().header;
+    header.linetypeScale = 2.0;
+    database.imp().changeHeader(header);
+    EXPECT_EQ(at(15, 50), kRed);
+    ASSERT_TRUE(database.imp().undo.undo());
+    EXPECT_EQ(at(15, 50), kBackground);
+    ASSERT_TRUE(database.imp().undo.redo());
+    EXPECT_EQ(at(15, 50), kRed);
+}
+
 TEST_F(SceneTest, PickingIsTopmostFirstAndByRealGeometry) {
     const MxDbObjectId below = addLine({0, 0, 0}, {100, 100, 0});
     const MxDbObjectId above = addLine({0, 100, 0}, {100, 0, 0});
