@@ -30,10 +30,10 @@ struct Document::Private : db::DatabaseListener {
     bool changedBeforeCommand = false; ///< `changed` when the command under way began
     bool wasChanged = false;           ///< what titleChanged told last
 
-    QString lockName;  ///< global name of the command whose locks are held
+    QString lockName;     ///< global name of the command whose locks are held
     bool undoing = false; ///< undo or redo is under way
-    int lockDepth = 0; ///< 0: not locked
-    int commands = 0;  ///< commands of the command stack and saves under way in the document
+    int lockDepth = 0;    ///< 0: not locked
+    int commands = 0;     ///< commands of the command stack and saves under way in the document
     bool closeLater = false;
 };
 

@@ -180,8 +180,8 @@ private:
     MxDbDatabase* m_before;
 };
 
-/// True for an entry of `container` whose object is erased: the drawing keeps it, for the erasure may be undone, files do
-/// not. An entry of an object that was never there stays; so do all entries of a container that is in no drawing.
+/// True for an entry of `container` whose object is erased: the drawing keeps it, for the erasure may be undone, files
+/// do not. An entry of an object that was never there stays; so do all entries of a container that is in no drawing.
 bool leavesFiles(const MxDbObject& container, MxDbObjectId entry);
 
 /// Files an object's fields into bytes and back with the binary filer.
