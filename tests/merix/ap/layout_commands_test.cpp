@@ -126,14 +126,14 @@ TEST_F(LayoutCommandsTest, TheListMarksTheCurrentOne) {
 }
 
 TEST_F(LayoutCommandsTest, EscChangesNothing) {
-    for (const auto& lines : std::vector<std::initializer_list<const char*>>{{"LAYOUT"},
-                                                                             {"LAYOUT", "S"},
-                                                                             {"LAYOUT", "N"},
-                                                                             {"LAYOUT", "N", ""},
-                                                                             {"LAYOUT", "R"},
-                                                                             {"LAYOUT", "R", "Layout1"},
-                                                                             {"LAYOUT", "D"},
-                                                                             {"LAYOUTSWITCH"}})
+    for (const auto& lines : std::vector<std::vector<const char*>>{{"LAYOUT"},
+                                                                   {"LAYOUT", "S"},
+                                                                   {"LAYOUT", "N"},
+                                                                   {"LAYOUT", "N", ""},
+                                                                   {"LAYOUT", "R"},
+                                                                   {"LAYOUT", "R", "Layout1"},
+                                                                   {"LAYOUT", "D"},
+                                                                   {"LAYOUTSWITCH"}})
         typeInVain(lines);
     EXPECT_TRUE(switched.isEmpty());
 }

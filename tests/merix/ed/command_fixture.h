@@ -88,11 +88,12 @@ protected:
             lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(answers.used()));
         }
     }
-    void type(std::initializer_list<const char*> lines) {
+    void type(std::initializer_list<const char*> lines) { type(texts(lines)); }
+    static std::vector<QString> texts(const std::vector<const char*>& lines) {
         std::vector<QString> texts;
         for (const char* line : lines)
             texts.push_back(QString::fromUtf8(line));
-        type(texts);
+        return texts;
     }
     /// The same; what it did is one step, and undo and redo give back the very bytes.
     void typeUndoable(std::initializer_list<const char*> lines) {
@@ -108,10 +109,11 @@ protected:
         EXPECT_TRUE(snapshot() == after) << "redo";
     }
     /// The same; nothing is changed, and there is no step to undo.
-    void typeInVain(std::initializer_list<const char*> lines) {
+    void typeInVain(std::initializer_list<const char*> lines) { typeInVain(std::vector<const char*>(lines)); }
+    void typeInVain(const std::vector<const char*>& lines) {
         const std::size_t steps = database.undo.undoUnits().size();
         const Snapshot before = snapshot();
-        type(lines);
+        type(texts(lines));
         EXPECT_TRUE(snapshot() == before) << shown();
         EXPECT_EQ(database.undo.undoUnits().size(), steps) << shown();
     }

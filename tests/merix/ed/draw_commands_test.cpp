@@ -156,7 +156,7 @@ TEST_F(DrawCommandsTest, WhatIsDrawnTakesTheCurrentPropertiesAndSpace) {
 }
 
 TEST_F(DrawCommandsTest, EscAtAnyPromptDrawsNothing) {
-    for (const auto& lines : std::vector<std::initializer_list<const char*>>{
+    for (const auto& lines : std::vector<std::vector<const char*>>{
              {"LINE"},
              {"LINE", "0,0"},
              {"CIRCLE"},

@@ -91,7 +91,7 @@ TEST_F(EditCommandsTest, PropertiesThatAreNoneAreTold) {
 }
 
 TEST_F(EditCommandsTest, LockedLayersEscAndEmptySelectionsChangeNothing) {
-    for (const auto& lines : std::vector<std::initializer_list<const char*>>{
+    for (const auto& lines : std::vector<std::vector<const char*>>{
              {"ERASE"},
              {"ERASE", ""},
              {"ERASE", "all"},

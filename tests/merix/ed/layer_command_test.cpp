@@ -104,17 +104,17 @@ TEST_F(LayerCommandTest, TheListTellsTheState) {
 }
 
 TEST_F(LayerCommandTest, EscAndUnknownNamesChangeNothing) {
-    for (const auto& lines : std::vector<std::initializer_list<const char*>>{{"LAYER"},
-                                                                             {"LAYER", "N"},
-                                                                             {"LAYER", "C"},
-                                                                             {"LAYER", "C", "1"},
-                                                                             {"LAYER", "F"},
-                                                                             {"LAYER", "S"},
-                                                                             {"LAYER", "M"},
-                                                                             {"LAYER", "LT"},
-                                                                             {"LAYER", "LW", "1"},
-                                                                             {"LAYER", "LO", "nosuch", ""},
-                                                                             {"LAYER", "F", "[", ""}})
+    for (const auto& lines : std::vector<std::vector<const char*>>{{"LAYER"},
+                                                                   {"LAYER", "N"},
+                                                                   {"LAYER", "C"},
+                                                                   {"LAYER", "C", "1"},
+                                                                   {"LAYER", "F"},
+                                                                   {"LAYER", "S"},
+                                                                   {"LAYER", "M"},
+                                                                   {"LAYER", "LT"},
+                                                                   {"LAYER", "LW", "1"},
+                                                                   {"LAYER", "LO", "nosuch", ""},
+                                                                   {"LAYER", "F", "[", ""}})
         typeInVain(lines);
     EXPECT_THAT(shown(), HasSubstr("There is no layer nosuch."));
 }

@@ -32,7 +32,7 @@ TEST_F(ViewCommandsTest, AModulePansWithTwoPoints) {
 
 TEST_F(ViewCommandsTest, EscLeavesTheViewAlone) {
     const auto before = view->transform();
-    for (const auto& lines : std::vector<std::initializer_list<const char*>>{
+    for (const auto& lines : std::vector<std::vector<const char*>>{
              {"PAN"}, {"PAN", "1,1"}, {"ZOOM"}, {"ZOOM", "W"}, {"ZOOM", "W", "1,1"}, {"ZOOM", "1,1"}}) {
         typeInVain(lines);
         EXPECT_EQ(view->transform(), before);
