@@ -427,7 +427,7 @@ class BinaryDxfPeer : public BinaryDxf {
 protected:
     void SetUp() override {
         if (std::system("/usr/bin/python3 -c 'import ezdxf' 2>/dev/null") != 0)
-            GTEST_SKIP() << "the package python3-ezdxf is not installed";
+            FAIL() << "the package python3-ezdxf is not installed";
     }
     void python(const std::string& script, const std::string& from, const std::string& to) const {
         writeBytes(directory / "script.py", script);

@@ -23,7 +23,7 @@ class LibraryDrawings : public DrawingTest {
 protected:
     void SetUp() override {
         if (m_files.empty())
-            GTEST_SKIP() << "the package librecad-data is not installed";
+            FAIL() << "the package librecad-data is not installed";
     }
     const std::vector<std::filesystem::path> m_files = libraryDrawings();
 
