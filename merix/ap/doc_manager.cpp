@@ -170,16 +170,35 @@ Result DocManager::open(const QString& path, Document** opened) {
                 *opened = document.get();
             return {};
         }
-    auto database = std::make_unique<MxDbDatabase>();
-    io::FileResult result;
-    {
-        const db::WorkingDatabaseScope scope(database.get());
-        result = io::readDrawing(absolute.toStdString(), *database);
-    }
+    std::unique_ptr<MxDbDatabase> database;
+    if (const Result result = readInto(database, absolute); !result.ok)
+        return result;
+    Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), absolute, {})));
+    if (opened)
+        *opened = document;
+    return {};
+}
+
+Result DocManager::readInto(std::unique_ptr<MxDbDatabase>& database, const QString& path) {
+    database = std::make_unique<MxDbDatabase>();
+    const db::WorkingDatabaseScope scope(database.get());
+    const io::FileResult result = io::readDrawing(path.toStdString(), *database);
     if (!result)
         return failure(result, path);
     printNotes(result);
-    Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), absolute, {})));
+    return {};
+}
+
+Result DocManager::openCopy(const QString& copy, const QString& drawing, const QString& title, Document** opened) {
+    for (const auto& document : m->documents)
+        if (!drawing.isEmpty() && !document->path().isEmpty() && QFileInfo(document->path()) == QFileInfo(drawing))
+            return {false, QStringLiteral("%1: close the drawing before its copy is opened").arg(drawing)};
+    std::unique_ptr<MxDbDatabase> database;
+    if (const Result result = readInto(database, copy); !result.ok)
+        return result;
+    Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), drawing, title)));
+    document->m->changed = document->m->changedBeforeCommand = true;
+    document->noteChange();
     if (opened)
         *opened = document;
     return {};
@@ -259,15 +278,23 @@ Result DocManager::saveAs(Document& document, const QString& path, std::optional
     return saveTo(document, absolute, form);
 }
 
+void DocManager::tellBeginSave(Document& document, const QString& path) {
+    const db::WorkingDatabaseScope scope(document.database());
+    const db::UndoRecorder::Pause pause(document.database()->imp().undo); // what reactors write is no step to undo
+    ++document.m->commands;                                               // nobody closes it meanwhile
+    ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
+    --document.m->commands;
+}
+
 io::FileResult DocManager::write(Document& document, const QString& path, std::optional<io::DxfForm> form) {
-    {
-        const db::WorkingDatabaseScope scope(document.database());
-        const db::UndoRecorder::Pause pause(document.database()->imp().undo); // what reactors write is no step to undo
-        ++document.m->commands;                                               // nobody closes it meanwhile
-        ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
-        --document.m->commands;
-    }
+    tellBeginSave(document, path);
     return io::writeDrawing(path.toStdString(), *document.database(), form);
+}
+
+Result DocManager::writeCopy(Document& document, const QString& path) {
+    tellBeginSave(document, path);
+    const io::FileResult result = io::writeSnapshot(path.toStdString(), *document.database());
+    return result ? Result() : failure(result, path);
 }
 
 Result DocManager::saveTo(Document& document, const QString& path, std::optional<io::DxfForm> form) {
@@ -279,6 +306,7 @@ Result DocManager::saveTo(Document& document, const QString& path, std::optional
     document.m->changed = document.m->wasChanged = false;
     document.m->changedBeforeCommand = true; // taking back what was saved now is a change
     Q_EMIT document.titleChanged();
+    Q_EMIT document.saved();
     return {};
 }
 

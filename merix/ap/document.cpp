@@ -34,6 +34,7 @@ void Document::Private::tellChanged() {
         return;
     }
     changed = true;
+    ++changes;
     owner.noteChange();
     Q_EMIT owner.graphicsChanged();
 }
@@ -76,6 +77,14 @@ QString Document::title() const {
 
 bool Document::isChanged() const {
     return m->changed;
+}
+
+quint64 Document::changes() const {
+    return m->changes;
+}
+
+bool Document::isBusy() const {
+    return m->commands > 0;
 }
 
 void Document::noteChange() {

@@ -33,6 +33,10 @@ public:
     QString title() const;
     /// Something would be lost without a save.
     bool isChanged() const;
+    /// Counts changes: two answers that are the same say that nothing was changed between them.
+    quint64 changes() const;
+    /// A command or a save is under way in the document.
+    bool isBusy() const;
 
     /// What the document's view shows; kept here so that it outlives a tab switch. Its width is 0 until a view has
     /// shown the document.
@@ -47,6 +51,8 @@ public:
 Q_SIGNALS:
     /// The title, the path or the changed mark is another.
     void titleChanged();
+    /// The drawing was written to its file.
+    void saved();
     /// Another layout is the current one, or the current one was renamed.
     void layoutChanged();
     /// What layouts() answers is another list: one was made, renamed or deleted; undo and redo too.
@@ -89,6 +95,12 @@ public:
     /// Destroys without asking; asking is the window's. While a command is under way in the document, cancels the
     /// command's prompt and destroys when it is over. Afterwards another document, if there is one, is active.
     void close(Document& document);
+    /// Writes what the drawing is now to `path` as a native drawing; its own file and its unsaved changes stay what
+    /// they are. beginSave goes out first.
+    Result writeCopy(Document& document, const QString& path);
+    /// Reads `copy`, made by writeCopy, as a drawing of the path `drawing` (empty: one never saved, `title` its name)
+    /// with changes to save.
+    Result openCopy(const QString& copy, const QString& drawing, const QString& title, Document** opened = nullptr);
     /// Cancels the prompt under way in the document that was active; null leaves none active.
     void activate(Document* document);
     /// False when there is nothing to undo or a command is under way in the document. A lock that is held without one
@@ -135,6 +147,8 @@ private:
     Result saveTo(Document& document, const QString& path, std::optional<io::DxfForm> form = {});
     /// Tells of the save, then writes.
     io::FileResult write(Document& document, const QString& path, std::optional<io::DxfForm> form = {});
+    void tellBeginSave(Document& document, const QString& path);
+    Result readInto(std::unique_ptr<MxDbDatabase>& database, const QString& path);
     Document* find(const MxApDocument* document) const;
     void makeCurrent(Document* document);
     void forEachDrawing(const std::function<void()>& call);

@@ -26,7 +26,8 @@ struct Document::Private : db::DatabaseListener {
     QString layout = QStringLiteral("Model");
     QStringList layouts; ///< what layoutsChanged told last
     ge::ViewTransform view;
-    bool changed = false;              ///< something was changed that a save would keep
+    bool changed = false; ///< something was changed that a save would keep
+    quint64 changes = 0;
     bool changedBeforeCommand = false; ///< `changed` when the command under way began
     bool wasChanged = false;           ///< what titleChanged told last
 

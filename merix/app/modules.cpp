@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "merix/app/modules.h"
 
+#include "merix/app/module_commands.h"
+
 #include "merix/ap/document_imp.h"
 #include "merix/ed/host_functions.h"
 #include "merix/rx/module_loader.h"
@@ -55,6 +57,7 @@ QString loadModule(const Options& options) {
         ed::HostFunctions::instance().dropModule(&module);
         dropWindows(module);
     });
+    registerModuleCommands(ed::CommandStack::instance());
     if (options.noModule)
         return {};
     const QString path = options.module.isEmpty() ? installedModule() : options.module;

@@ -25,7 +25,7 @@ bool endsWith(const std::string& path, std::string_view suffix) {
 Kind kindOf(const std::string& path) {
     if (endsWith(path, ".dxf"))
         return Kind::kDxf;
-    return endsWith(path, ".merix") ? Kind::kMerix : Kind::kUnknown;
+    return endsWith(path, ".merix") || endsWith(path, ".ms$") ? Kind::kMerix : Kind::kUnknown;
 }
 
 FileResult failed(Mx::ErrorStatus status, std::string error) {
@@ -53,6 +53,8 @@ FileResult read(const std::string& path, MxDbDatabase& database) {
 }
 
 FileResult write(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form) {
+    if (endsWith(path, ".ms$"))
+        return unknownKind(path);
     switch (kindOf(path)) {
     case Kind::kDxf:
         return writeDxf(path, database, form);
@@ -81,6 +83,10 @@ FileResult readDrawing(const std::string& path, MxDbDatabase& database) {
 
 FileResult writeDrawing(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form) {
     return guarded(path, [&] { return write(path, database, form); });
+}
+
+FileResult writeSnapshot(const std::string& path, MxDbDatabase& database) {
+    return guarded(path, [&] { return writeMerixSnapshot(path, database); });
 }
 
 } // namespace merix::io

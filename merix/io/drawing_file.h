@@ -32,4 +32,9 @@ FileResult readDrawing(const std::string& path, MxDbDatabase& database);
 /// does not fit, a damaged record) makes it fail with a line that names it.
 FileResult writeDrawing(const std::string& path, MxDbDatabase& database, std::optional<DxfForm> form = {});
 
+/// Writes what the drawing is now as a native drawing, whatever the suffix of `path`, for the case that the program
+/// dies. The drawing stays as it was: what its next save writes, and where to, does not change. readDrawing reads such
+/// a file under the suffix `.ms$`.
+FileResult writeSnapshot(const std::string& path, MxDbDatabase& database);
+
 } // namespace merix::io

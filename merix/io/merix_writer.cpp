@@ -280,9 +280,10 @@ private:
 
 class Writer {
 public:
-    Writer(const std::string& path, MxDbDatabase& database)
+    Writer(const std::string& path, MxDbDatabase& database, bool snapshot)
         : m_path(finalPath(path))
-        , m_imp(database.imp()) {}
+        , m_imp(database.imp())
+        , m_snapshot(snapshot) {}
 
     void run();
 
@@ -296,6 +297,7 @@ private:
 
     std::string m_path;
     db::DatabaseImp& m_imp;
+    const bool m_snapshot; ///< a copy beside the drawing: its marks and its origin stay as they are
     std::unique_ptr<DrawingParts> m_parts;
 };
 
@@ -311,6 +313,10 @@ void Writer::listLayers() {
     m_imp.listImplicitLayers();
     m_parts->implied.insert(unlisted.begin(), unlisted.end());
     m_parts->origin.reset();
+    if (DrawingParts* live = m_snapshot ? drawingParts(m_imp) : nullptr) {
+        live->implied.insert(unlisted.begin(), unlisted.end());
+        live->origin.reset();
+    }
 }
 
 void Writer::run() {
@@ -323,11 +329,13 @@ void Writer::run() {
         if (part.id == 0)
             part.id = ++lastId;
     }
-    if (!writeChanges())
+    if (m_snapshot || !writeChanges())
         writeWhole();
 }
 
 void Writer::commit(RowWriter& rows, DrawingParts::Origin origin) {
+    if (m_snapshot)
+        return;
     for (auto& [stub, text] : rows.takeTexts()) {
         db::ObjectData& data = stub->object->data();
         data.source.text = *text;
@@ -457,12 +465,10 @@ bool Writer::writeChanges() {
     return true;
 }
 
-} // namespace
-
-FileResult writeMerix(const std::string& path, MxDbDatabase& database) {
+FileResult write(const std::string& path, MxDbDatabase& database, bool snapshot) {
     FileResult result;
     try {
-        Writer(path, database).run();
+        Writer(path, database, snapshot).run();
     } catch (const SqliteError& error) {
         result.status = Mx::eFileUnwritable;
         result.error = path + ": cannot be written: " + error.what();
@@ -471,6 +477,16 @@ FileResult writeMerix(const std::string& path, MxDbDatabase& database) {
         result.error = error.what();
     }
     return result;
+}
+
+} // namespace
+
+FileResult writeMerix(const std::string& path, MxDbDatabase& database) {
+    return write(path, database, false);
+}
+
+FileResult writeMerixSnapshot(const std::string& path, MxDbDatabase& database) {
+    return write(path, database, true);
 }
 
 } // namespace merix::io

@@ -11,4 +11,7 @@ namespace merix::io {
 /// written, in one transaction.
 FileResult writeMerix(const std::string& path, MxDbDatabase& database);
 
+/// The same as a whole new file, with the drawing left as it was: see writeSnapshot.
+FileResult writeMerixSnapshot(const std::string& path, MxDbDatabase& database);
+
 } // namespace merix::io

@@ -55,11 +55,11 @@ bool isMapped(const std::string& path) {
     return true;
 }
 
+} // namespace
+
 std::string versionText(unsigned version) {
     return std::to_string(version >> 16) + "." + std::to_string(version & 0xFFFFU);
 }
-
-} // namespace
 
 ModuleLoader::ModuleLoader()
     : m_linker(std::make_unique<DynamicLinker>()) {}
@@ -100,8 +100,10 @@ std::string ModuleLoader::open(Module& module) {
     module.entryPoint = reinterpret_cast<MxRxEntryPoint>(dlsym(module.library, "mxrxEntryPoint"));
     if (!getVersion || !module.entryPoint)
         return "it is no module: mxrxGetApiVersion or mxrxEntryPoint is missing";
-    if (const unsigned version = getVersion(); version != kMxRxApiVersion)
-        return "it was built for host API " + versionText(version) + ", this host has " + versionText(kMxRxApiVersion);
+    module.apiVersion = getVersion();
+    if (module.apiVersion != kMxRxApiVersion)
+        return "it was built for host API " + versionText(module.apiVersion) + ", this host has " +
+               versionText(kMxRxApiVersion);
     return {};
 }
 

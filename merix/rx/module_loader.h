@@ -19,12 +19,16 @@ enum class ModuleState { kLoaded, kFailed, kUnloaded };
 struct Module {
     std::string path; ///< absolute
     ModuleState state = ModuleState::kFailed;
-    std::string error; ///< UTF-8, one line; empty unless loading or unloading failed
+    std::string error;       ///< UTF-8, one line; empty unless loading or unloading failed
+    unsigned apiVersion = 0; ///< that it was built for; 0 before it was asked
     bool unloadable = false;
     bool servesSeveralDocuments = false;
     void* library = nullptr;
     MxRxEntryPoint entryPoint = nullptr;
 };
+
+/// A host API version for the user: "2025.0".
+std::string versionText(unsigned version);
 
 /// The outcome of loading or unloading; `error` is one line for the user, in UTF-8.
 struct ModuleResult {

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "merix/ap/autosave.h"
+
+#include "merix/ed/prompter.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <unistd.h>
+
+namespace merix::ap {
+
+namespace {
+
+constexpr double kMillisecondsPerMinute = 60'000.0;
+/// How often the drawings are looked at: a part of the interval, so that a copy is late by no more than that.
+constexpr double kLooksPerInterval = 10.0;
+
+qint64 now() {
+    static const QElapsedTimer clock = [] {
+        QElapsedTimer started;
+        started.start();
+        return started;
+    }();
+    return clock.elapsed();
+}
+
+} // namespace
+
+Autosave& Autosave::instance() {
+    static Autosave* const autosave = new Autosave; // its timer must not outlive the application's end in a static
+    return *autosave;
+}
+
+Autosave::Autosave() {
+    DocManager& manager = DocManager::instance();
+    connect(&manager, &DocManager::documentOpened, this, &Autosave::watch);
+    connect(&manager, &DocManager::documentClosing, this, &Autosave::forget);
+    for (Document* document : manager.all())
+        watch(document);
+    connect(&m_timer, &QTimer::timeout, this, &Autosave::look);
+    setInterval(m_minutes);
+}
+
+void Autosave::setInterval(double minutes) {
+    m_minutes = minutes;
+    m_timer.stop();
+    if (minutes > 0.0)
+        m_timer.start(std::max(1, int(minutes * kMillisecondsPerMinute / kLooksPerInterval)));
+}
+
+void Autosave::watch(Document* document) {
+    m_states[document].copied = document->changes();
+    connect(document, &Document::saved, this, [this, document] {
+        State& state = m_states[document];
+        SessionList::instance().remove(state.path);
+        if (!state.path.isEmpty())
+            QFile::remove(state.path);
+        state = {};
+        state.copied = document->changes();
+    });
+}
+
+void Autosave::forget(Document* document) {
+    const auto place = m_states.find(document);
+    if (place == m_states.end())
+        return;
+    const QString path = place->second.path;
+    m_states.erase(place);
+    SessionList::instance().remove(path);
+    if (!path.isEmpty())
+        QFile::remove(path);
+}
+
+void Autosave::look() {
+    for (Document* document : DocManager::instance().all()) {
+        const auto place = m_states.find(document);
+        if (place == m_states.end() || place->second.copied == document->changes())
+            continue;
+        State& state = place->second;
+        if (state.changedAt < 0)
+            state.changedAt = now();
+        // Between two steps of a command the drawing is whole; within one it may not be.
+        const bool atRest = !document->isBusy() || ed::Prompter::instance().isWaiting();
+        if (atRest && double(now() - state.changedAt) >= m_minutes * kMillisecondsPerMinute)
+            copy(*document);
+    }
+}
+
+QStringList Autosave::saveNow() {
+    QStringList written;
+    for (Document* document : DocManager::instance().all())
+        if (const auto place = m_states.find(document);
+            place != m_states.end() && place->second.copied != document->changes() && copy(*document))
+            written << m_states[document].path;
+    return written;
+}
+
+QString Autosave::copyPath(const Document& document) const {
+    const QString& path = document.path();
+    if (!path.isEmpty() && QFileInfo(QFileInfo(path).absolutePath()).isWritable())
+        return path + QStringLiteral(".ms$");
+    const QString folder =
+        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
+    if (!QDir().mkpath(folder))
+        return {};
+    // Two programs may each have a "Drawing1".
+    return QStringLiteral("%1/%2-%3.ms$").arg(folder, document.title()).arg(::getpid());
+}
+
+bool Autosave::copy(Document& document) {
+    State& state = m_states[&document];
+    const QString path = state.path.isEmpty() ? copyPath(document) : state.path;
+    state.changedAt = -1;
+    const quint64 changes = document.changes();
+    const Result result = path.isEmpty() ? Result{false, document.title() + QStringLiteral(": no folder for a copy")}
+                                         : DocManager::instance().writeCopy(document, path);
+    if (!result.ok) {
+        if (!std::exchange(state.failed, true))
+            Q_EMIT failed(QStringLiteral("Automatic save: ") + result.message);
+        return false;
+    }
+    state.copied = changes;
+    state.path = path;
+    state.failed = false;
+    SessionList::instance().add(path, document.path(), document.title());
+    return true;
+}
+
+Result Autosave::recover(const Recovery& recovery) {
+    Document* document = nullptr;
+    const Result result = DocManager::instance().openCopy(recovery.copy, recovery.drawing, recovery.title, &document);
+    if (!result.ok)
+        return result;
+    State& state = m_states[document];
+    state.path = recovery.copy;
+    state.copied = document->changes();
+    SessionList::instance().add(recovery.copy, recovery.drawing, recovery.title);
+    return result;
+}
+
+void Autosave::discard(const Recovery& recovery) {
+    QFile::remove(recovery.copy);
+}
+
+} // namespace merix::ap
