@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The module as it is shipped, loaded and unloaded by the host's loader.
 #include "host/db/database.h"
+#include "host/db/dictionary.h"
 #include "merix/ap/document_imp.h"
 #include "merix/db/database_imp.h"
 #include "merix/ed/command_stack.h"
@@ -113,6 +114,30 @@ protected:
             count += mxrxFindMxRxClass(name) ? 1 : 0;
         return count;
     }
+    /// The handles that the drawing's stored list of notes names, in order.
+    static std::vector<std::wstring> stored(const MxDbDatabase& database) {
+        const auto entry = [](MxDbObjectId dictionaryId, const wchar_t* key) {
+            MxDbObjectId id;
+            MxDbDictionary* dictionary = nullptr;
+            if (mxdbOpenObject(dictionary, dictionaryId, Mx::kForRead) == Mx::eOk) {
+                dictionary->getAt(key, id);
+                dictionary->close();
+            }
+            return id;
+        };
+        std::vector<std::wstring> handles;
+        MxDbXrecord* list = nullptr;
+        if (mxdbOpenObject(list, entry(entry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST"),
+                           Mx::kForRead) != Mx::eOk)
+            return handles;
+        resbuf* chain = nullptr;
+        list->rbChain(&chain);
+        for (const resbuf* element = chain; element; element = element->rbnext)
+            handles.push_back(std::get<std::wstring>(element->resval));
+        mxutRelRb(chain);
+        list->close();
+        return handles;
+    }
     static bool isMapped() {
         QFile maps(QStringLiteral("/proc/self/maps"));
         return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libMrxPhonomark");
@@ -160,7 +185,7 @@ TEST_F(ModuleLoadTest, AMessageAboveFifteenChangesNothing) {
     const auto notes = entities();
     ASSERT_EQ(notes.size(), 1u);
     const auto changes = document().database()->imp().undo.undoUnits().size();
-    for (const int message : {16, 17, 1000, 0x7fffffff, -1}) {
+    for (const int message : {16, 17, 18, 19, 20, 1000, 0x7fffffff, -1}) {
         EXPECT_EQ(ModuleLoader::instance().sendMessage(module, message), 0);
         EXPECT_EQ(classesRegistered(), int(kClasses.size()));
         EXPECT_EQ(commandsOfTheModule(), 3);
@@ -269,6 +294,39 @@ TEST_F(ModuleLoadTest, NotesOutliveAnUnloadWithTheirDrawingOpen) {
         note->close();
         load();
     }
+}
+
+TEST_F(ModuleLoadTest, FiftyLoadsAndUnloadsLeaveDrawingsListsAndSettingsAsTheyWere) {
+    load();
+    std::vector<merix::ap::Document*> open{&document(), DocManager::instance().create()};
+    for (merix::ap::Document* drawing : open) {
+        DocManager::instance().activate(drawing);
+        for (const QString& at : {QStringLiteral("1,1"), QStringLiteral("5,5"), QStringLiteral("9,9")})
+            run("PHONOMARK", {at});
+    }
+    run("VOICESHOW");
+    const std::vector<MxDbObjectId> notes = entities();
+    ASSERT_EQ(notes.size(), 3u);
+    std::vector<std::wstring> handles;
+    for (const MxDbObjectId id : notes) {
+        wchar_t text[17];
+        id.handle().getIntoAsciiBuffer(text);
+        handles.emplace_back(text);
+    }
+    for (int turn = 0; turn < 50 && !HasFailure(); ++turn) {
+        SCOPED_TRACE(turn);
+        Module& module = *ModuleLoader::instance().modules().front();
+        unload(module);
+        EXPECT_FALSE(isMapped());
+        EXPECT_EQ(classesRegistered(), 0);
+        EXPECT_EQ(stored(*open[1]->database()), handles);
+        EXPECT_EQ(stored(*open[0]->database()).size(), 3u);
+        load();
+        EXPECT_EQ(entities(), notes);
+        EXPECT_EQ(call("(PhonomarkShow)"), "0");
+        EXPECT_EQ(commandsOfTheModule(), 3);
+    }
+    EXPECT_EQ(ModuleLoader::instance().modules().size(), 1u);
 }
 
 TEST_F(ModuleLoadTest, AnErasedNoteCanComeBackAfterTheModuleHasGone) {
