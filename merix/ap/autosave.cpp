@@ -116,9 +116,14 @@ bool Autosave::copy(Document& document) {
     const QString path = state.path.isEmpty() ? copyPath(document) : state.path;
     state.changedAt = -1;
     const quint64 changes = document.changes();
+    // The list comes first: it passes over a copy that is not there, but nobody looks for a copy that it lacks.
+    if (!path.isEmpty())
+        SessionList::instance().add(path, document.path(), document.title());
     const Result result = path.isEmpty() ? Result{false, document.title() + QStringLiteral(": no folder for a copy")}
                                          : DocManager::instance().writeCopy(document, path);
     if (!result.ok) {
+        if (state.path.isEmpty())
+            SessionList::instance().remove(path);
         if (!std::exchange(state.failed, true))
             Q_EMIT failed(QStringLiteral("Automatic save: ") + result.message);
         return false;
@@ -126,7 +131,6 @@ bool Autosave::copy(Document& document) {
     state.copied = changes;
     state.path = path;
     state.failed = false;
-    SessionList::instance().add(path, document.path(), document.title());
     return true;
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "merix/app/program.h"
 
+#include "merix/ap/autosave.h"
 #include "merix/ap/document_imp.h"
+#include "merix/ap/recover_command.h"
 #include "merix/app/modules.h"
 #include "merix/app/options.h"
 #include "merix/app/picture_file.h"
@@ -77,11 +79,19 @@ QString runUnattended(const Options& options, ui::MainWindow& window) {
     return script.run(lines, options.script == QLatin1String("-") ? QStringLiteral("stdin") : options.script);
 }
 
+/// Copies of changed drawings while somebody, or a script, works on them.
+void startAutosave(QObject& context) {
+    QObject::connect(&ap::Autosave::instance(), &ap::Autosave::failed, &context,
+                     [](const QString& message) { ed::Console::instance().print(QLatin1Char('\n') + message); });
+    ap::registerRecoverCommands(ed::CommandStack::instance());
+}
+
 int runWindow(const Options& options) {
     const bool unattended = options.headless || !options.script.isEmpty();
     QObject context;
     if (unattended)
         showConsole(context);
+    startAutosave(context);
     ui::MainWindow window;
     window.setUnattended(unattended);
     QObject::connect(&ap::DocManager::instance(), &ap::DocManager::quitRequested, qApp, &QApplication::quit,
