@@ -2,6 +2,7 @@
 // Commands that take entities away, stretch them and give them other properties.
 #include "merix/ed/edit_commands.h"
 
+#include "merix/db/entity_traits.h"
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/properties.h"
@@ -9,6 +10,7 @@
 #include "merix/ed/stretch.h"
 #include "merix/ed/view_commands.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace merix::ed {
@@ -58,7 +60,16 @@ void stretchAll() {
 
 // ---------------------------------------------------------------- properties
 
-using Change = std::function<void(db::EntityTraits&)>;
+/// Of an entity open for write. One that has the value already is not touched: there is nothing to undo then.
+using Change = std::function<Mx::ErrorStatus(MxDbEntity&)>;
+
+Mx::ErrorStatus giveColor(MxDbEntity& entity, const ColorValue& color) {
+    const db::EntityTraits& own = db::traits(entity);
+    if (own.color == color.index && own.hasTrueColor == color.isTrue && (!color.isTrue || own.trueColor == color.rgb))
+        return Mx::eOk;
+    const auto status = db::setColor(entity, color.index);
+    return status == Mx::eOk && color.isTrue ? db::setTrueColor(entity, color.rgb) : status;
+}
 
 Change askColor() {
     QString text;
@@ -69,11 +80,7 @@ Change askColor() {
         tell(QStringLiteral("A color is ByLayer, ByBlock, a number from 1 to 255, a name, or red,green,blue."));
         return {};
     }
-    return [color](db::EntityTraits& traits) {
-        traits.color = color->index;
-        traits.hasTrueColor = color->isTrue;
-        traits.trueColor = color->rgb;
-    };
+    return [color](MxDbEntity& entity) { return giveColor(entity, *color); };
 }
 
 Change askLayer() {
@@ -85,7 +92,9 @@ Change askLayer() {
         tell(QStringLiteral("There is no layer %1.").arg(text));
         return {};
     }
-    return [layer](db::EntityTraits& traits) { traits.layer = layer; };
+    return [layer](MxDbEntity& entity) {
+        return db::traits(entity).layer == layer ? Mx::eOk : db::setLayer(entity, layer);
+    };
 }
 
 Change askLinetype() {
@@ -100,7 +109,9 @@ Change askLinetype() {
     }
     if (byLayer)
         linetype = MxDbObjectId();
-    return [linetype](db::EntityTraits& traits) { traits.linetype = linetype; };
+    return [linetype](MxDbEntity& entity) {
+        return db::traits(entity).linetype == linetype ? Mx::eOk : db::setLinetype(entity, linetype);
+    };
 }
 
 Change askLinetypeScale() {
@@ -109,7 +120,9 @@ Change askLinetypeScale() {
     prompter.init(Prompter::kNotZero | Prompter::kNotNegative, {});
     if (prompter.getReal(QStringLiteral("New line type scale: "), scale) != kInputNormal)
         return {};
-    return [scale](db::EntityTraits& traits) { traits.linetypeScale = scale; };
+    return [scale](MxDbEntity& entity) {
+        return db::traits(entity).linetypeScale == scale ? Mx::eOk : db::setLinetypeScale(entity, scale);
+    };
 }
 
 Change askLineWeight() {
@@ -121,7 +134,9 @@ Change askLineWeight() {
         tell(QStringLiteral("A line weight is ByLayer, ByBlock, Default, or from 0 to 2.11 mm."));
         return {};
     }
-    return [weight](db::EntityTraits& traits) { traits.lineWeight = *weight; };
+    return [weight](MxDbEntity& entity) {
+        return db::traits(entity).lineWeight == *weight ? Mx::eOk : db::setLineWeight(entity, *weight);
+    };
 }
 
 Change askChange(const QString& property) {
@@ -159,14 +174,17 @@ void changeProperties() {
     }
     if (changes.empty())
         return;
+    int refused = 0;
     for (const MxDbObjectId id : ids) {
-        const Opened<MxDbEntity> entity(id, Mx::kForWrite);
-        if (!entity)
+        Opened<MxDbEntity> entity(id, Mx::kForWrite);
+        if (entity && std::all_of(changes.begin(), changes.end(),
+                                  [&](const Change& change) { return change(*entity) == Mx::eOk; }))
             continue;
-        entity->assertWriteEnabled();
-        for (const Change& change : changes)
-            change(db::traits(*entity));
+        entity.cancel();
+        ++refused;
     }
+    if (refused > 0)
+        tell(QStringLiteral("%1 could not be changed.").arg(refused));
 }
 
 } // namespace

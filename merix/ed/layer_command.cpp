@@ -3,6 +3,7 @@
 // any text in them.
 #include "merix/ed/layer_command.h"
 
+#include "merix/db/layers.h"
 #include "merix/db/tables.h"
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/prompter.h"
@@ -18,7 +19,7 @@ namespace merix::ed {
 
 namespace {
 
-using Change = std::function<void(MxDbLayerTableRecord&)>;
+using Change = std::function<Mx::ErrorStatus(MxDbObjectId)>;
 
 bool isSame(const std::wstring& a, const std::wstring& b) {
     return QString::fromStdWString(a).compare(QString::fromStdWString(b), Qt::CaseInsensitive) == 0;
@@ -73,13 +74,9 @@ std::vector<MxDbObjectId> named(const QStringList& names) {
 }
 
 void change(const std::vector<MxDbObjectId>& ids, const Change& how) {
-    for (const MxDbObjectId id : ids) {
-        const Opened<MxDbLayerTableRecord> layer(id, Mx::kForWrite);
-        if (!layer)
-            continue;
-        layer->assertWriteEnabled();
-        how(*layer);
-    }
+    const auto refused = std::count_if(ids.begin(), ids.end(), [&](MxDbObjectId id) { return how(id) != Mx::eOk; });
+    if (refused > 0)
+        tell(QStringLiteral("%1 could not be changed.").arg(refused));
 }
 
 void askAndChange(const char* prompt, const Change& how) {
@@ -95,10 +92,10 @@ MxDbObjectId makeLayer(const QString& name) {
         tell(QStringLiteral("The layer %1 is there already.").arg(recordName(known)));
         return known;
     }
-    auto layer = std::make_unique<MxDbLayerTableRecord>();
-    layer->name = name.toStdWString();
-    layer->linetype = drawing().linetypeNamed(L"Continuous");
-    return addRecord(drawing().roots.layerTable, std::move(layer));
+    MxDbObjectId id;
+    if (db::addLayer(drawing(), name.toStdWString(), id) != Mx::eOk)
+        tell(QStringLiteral("The layer %1 cannot be made.").arg(name));
+    return id;
 }
 
 void makeCurrent(const MxDbLayerTableRecord& layer) {
@@ -106,9 +103,7 @@ void makeCurrent(const MxDbLayerTableRecord& layer) {
         tell(QStringLiteral("The layer %1 is frozen and cannot be current.").arg(QString::fromStdWString(layer.name)));
         return;
     }
-    auto header = drawing().header;
-    header.currentLayer = layer.name;
-    drawing().changeHeader(header);
+    db::setCurrentLayer(layer.objectId());
 }
 
 void newLayers() {
@@ -139,11 +134,11 @@ void makeAndSet() {
 }
 
 void switchOff() {
-    askAndChange("Layers to turn off: ", [](MxDbLayerTableRecord& layer) {
-        if (isCurrent(layer))
-            tell(QStringLiteral("The current layer %1 is off now: what is drawn does not show.")
-                     .arg(QString::fromStdWString(layer.name)));
-        layer.off = true;
+    askAndChange("Layers to turn off: ", [](MxDbObjectId id) {
+        const auto status = db::setLayerOff(id, true);
+        if (status == Mx::eOk && isCurrent(*layerRecord(id)))
+            tell(QStringLiteral("The current layer %1 is off now: what is drawn does not show.").arg(recordName(id)));
+        return status;
     });
 }
 
@@ -155,12 +150,11 @@ void freeze() {
         tell(QStringLiteral("The current layer %1 cannot be frozen.").arg(recordName(id)));
         return true;
     });
-    change(ids, [](MxDbLayerTableRecord& layer) { layer.flags = static_cast<std::int16_t>(layer.flags | 1); });
+    change(ids, [](MxDbObjectId id) { return db::setLayerFrozen(id, true); });
 }
 
 void thaw() {
-    askAndChange("Layers to thaw: ",
-                 [](MxDbLayerTableRecord& layer) { layer.flags = static_cast<std::int16_t>(layer.flags & ~1); });
+    askAndChange("Layers to thaw: ", [](MxDbObjectId id) { return db::setLayerFrozen(id, false); });
 }
 
 /// What a property is given to: Enter means the current layer.
@@ -169,6 +163,16 @@ void changeProperty(const Change& how) {
     const QStringList names = askNames(QStringLiteral("Layers <%1>: ").arg(current));
     if (!Prompter::instance().wasCancelled())
         change(named(names.isEmpty() ? QStringList(current) : names), how);
+}
+
+/// A layer that has the value already is not touched, here and below: there is nothing to undo then.
+Mx::ErrorStatus giveColor(MxDbObjectId id, const ColorValue& color) {
+    const MxDbLayerTableRecord& layer = *layerRecord(id);
+    if (layer.color == color.index && layer.hasTrueColor == color.isTrue &&
+        (!color.isTrue || layer.trueColor == color.rgb))
+        return Mx::eOk;
+    const auto status = db::setLayerColor(id, color.index);
+    return status == Mx::eOk && color.isTrue ? db::setLayerTrueColor(id, color.rgb) : status;
 }
 
 void setColor() {
@@ -180,11 +184,7 @@ void setColor() {
         tell(QStringLiteral("A layer's color is a number from 1 to 255, a name, or red,green,blue."));
         return;
     }
-    changeProperty([color](MxDbLayerTableRecord& layer) {
-        layer.color = color->index;
-        layer.hasTrueColor = color->isTrue;
-        layer.trueColor = color->rgb;
-    });
+    changeProperty([color](MxDbObjectId id) { return giveColor(id, *color); });
 }
 
 void setLinetype() {
@@ -197,7 +197,9 @@ void setLinetype() {
     else if (linetype == drawing().linetypeNamed(L"ByLayer") || linetype == drawing().linetypeNamed(L"ByBlock"))
         tell(QStringLiteral("A layer's line type is one of its own."));
     else
-        changeProperty([linetype](MxDbLayerTableRecord& layer) { layer.linetype = linetype; });
+        changeProperty([linetype](MxDbObjectId id) {
+            return layerRecord(id)->linetype == linetype ? Mx::eOk : db::setLayerLinetype(id, linetype);
+        });
 }
 
 void setLineWeight() {
@@ -208,7 +210,9 @@ void setLineWeight() {
     if (!weight || *weight == -1 || *weight == -2)
         tell(QStringLiteral("A layer's line weight is Default, or from 0 to 2.11 mm."));
     else
-        changeProperty([weight](MxDbLayerTableRecord& layer) { layer.lineWeight = *weight; });
+        changeProperty([weight](MxDbObjectId id) {
+            return layerRecord(id)->lineWeight == *weight ? Mx::eOk : db::setLayerLineWeight(id, *weight);
+        });
 }
 
 void list() {
@@ -243,7 +247,7 @@ void takeOption(const QString& option) {
     else if (is("Set"))
         setCurrent();
     else if (is("ON"))
-        askAndChange("Layers to turn on: ", [](MxDbLayerTableRecord& layer) { layer.off = false; });
+        askAndChange("Layers to turn on: ", [](MxDbObjectId id) { return db::setLayerOff(id, false); });
     else if (is("OFF"))
         switchOff();
     else if (is("Freeze"))
@@ -251,9 +255,9 @@ void takeOption(const QString& option) {
     else if (is("Thaw"))
         thaw();
     else if (is("LOck"))
-        askAndChange("Layers to lock: ", [](MxDbLayerTableRecord& layer) { layer.setIsLocked(true); });
+        askAndChange("Layers to lock: ", [](MxDbObjectId id) { return db::setLayerLocked(id, true); });
     else if (is("Unlock"))
-        askAndChange("Layers to unlock: ", [](MxDbLayerTableRecord& layer) { layer.setIsLocked(false); });
+        askAndChange("Layers to unlock: ", [](MxDbObjectId id) { return db::setLayerLocked(id, false); });
     else if (is("Color"))
         setColor();
     else if (is("LType"))

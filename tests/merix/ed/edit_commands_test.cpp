@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ed/edit_commands.h"
 
+#include "merix/ed/drawing_access.h"
+
 #include "command_fixture.h"
 
 using namespace merix;
@@ -110,4 +112,17 @@ TEST_F(EditCommandsTest, LockedLayersEscAndEmptySelectionsChangeNothing) {
     type({"LAYER", "LO", "0", ""});
     typeInVain({"ERASE", "all", "", "STRETCH", "300,200", "0,0", "", "CHPROP", "all", ""});
     EXPECT_THAT(shown(), HasSubstr("3 were on a locked layer."));
+}
+
+TEST_F(EditCommandsTest, ChpropWithWhatAllHaveAlreadyIsNoStep) {
+    type({"CHPROP", "all", "", "C", "1,2,3", "LW", "0.5", "S", "2", "LT", "continuous", ""});
+    typeInVain({"CHPROP", "all", "", "C", "1,2,3", "LW", "0.5", "S", "2", "LT", "continuous", "LA", "0", ""});
+    typeUndoable({"CHPROP", "all", "", "C", "bylayer", ""});
+}
+
+TEST_F(EditCommandsTest, ChpropCountsWhatItCannotChange) {
+    const ed::Opened<MxDbEntity> busy(entities().front(), Mx::kForRead);
+    type({"CHPROP", "all", "", "C", "red", ""});
+    EXPECT_THAT(shown(), HasSubstr("1 could not be changed."));
+    EXPECT_EQ(db::traits(*busy).color, 256);
 }

@@ -3,6 +3,7 @@
 
 #include "command_fixture.h"
 
+#include "merix/ed/drawing_access.h"
 #include "merix/ed/properties.h"
 
 using namespace merix;
@@ -89,6 +90,23 @@ TEST_F(LayerCommandTest, LayersHaveColorLinetypeAndWeight) {
     EXPECT_THAT(said, HasSubstr("There is no line type nosuch."));
     EXPECT_THAT(said, HasSubstr("A layer's line type is one of its own."));
     EXPECT_THAT(said, HasSubstr("A layer's line weight is"));
+}
+
+TEST_F(LayerCommandTest, WhatALayerHasAlreadyIsNoStep) {
+    type({"LAYER", "N", "A", "C", "1,2,3", "A", "LW", "0.5", "A", "LO", "A", "F", "A", "OFF", "A", ""});
+    typeInVain({"LAYER",      "C", "1,2,3", "A",     "LW", "0.5", "A", "LO", "A", "F", "A", "OFF", "A", "LT",
+                "continuous", "A", "C",     "white", "0",  "ON",  "0", "T",  "0", "U", "0", "S",   "0", ""});
+    typeUndoable({"LAYER", "C", "1,2,4", "A", ""});
+}
+
+TEST_F(LayerCommandTest, LayersThatCannotBeChangedAreCounted) {
+    type({"LAYER", "N", "A,B", ""});
+    const ed::Opened<MxDbLayerTableRecord> busy(database.layerNamed(L"A"), Mx::kForRead);
+    shown();
+    type({"LAYER", "OFF", "A,B", ""});
+    EXPECT_THAT(shown(), HasSubstr("1 could not be changed."));
+    EXPECT_FALSE(layer(L"A")->off);
+    EXPECT_TRUE(layer(L"B")->off);
 }
 
 TEST_F(LayerCommandTest, SeveralChangesAreOneStep) {
