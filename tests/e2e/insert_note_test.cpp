@@ -277,4 +277,71 @@ TEST(InsertNoteSpeaker, ALongNameIsCutAtOneHundredAndThirtyTwoCharacters) {
         EXPECT_EQ(value(note, 1), QByteArray(132, 'x'));
 }
 
+/// The program with other texts: a copy of it beside a resource module of its own.
+class InsertNoteWords : public testing::Test {
+protected:
+    void SetUp() override {
+        const QString built = QStringLiteral(MERIX_BINARY_DIR "/bin/");
+        ASSERT_TRUE(QDir().mkpath(program(QString())));
+        ASSERT_TRUE(QFile::copy(built + QStringLiteral("merix"), program(QStringLiteral("merix"))));
+        for (const char* name : {"libmerix.so", "libMrxPhonomark.mrx", "merix.lin"})
+            ASSERT_TRUE(QFile::link(built + QLatin1String(name), program(QLatin1String(name))));
+    }
+    QString program(const QString& name) const { return m_folder.filePath(QStringLiteral("bin/")) + name; }
+    /// Makes the resource module from the sources with this keyword list in the place of the first.
+    void giveKeywords(const QByteArray& list) const {
+        const QString sources = m_folder.filePath(QStringLiteral("resources"));
+        const Outcome copied =
+            run(QStringLiteral("cp"), {QStringLiteral("-r"), QStringLiteral(MERIX_SOURCE_DIR "/resources"), sources},
+                m_folder.path());
+        ASSERT_EQ(copied.status, 0) << copied.err.toStdString();
+        QFile texts(sources + QStringLiteral("/strings/en.json"));
+        ASSERT_TRUE(texts.open(QIODevice::ReadWrite));
+        QByteArray json = texts.readAll();
+        const QByteArray usual = "\"Settings _ Settings\"";
+        ASSERT_EQ(json.count(usual), 1);
+        texts.resize(0);
+        texts.seek(0);
+        texts.write(json.replace(usual, '"' + list + '"'));
+        texts.close();
+        const Outcome made =
+            run(QStringLiteral(MERIX_RCC),
+                {QStringLiteral("--binary"), QStringLiteral("--output"), program(QStringLiteral("MrxPhonomarkRes.dll")),
+                 sources + QStringLiteral("/MrxPhonomarkRes.qrc")},
+                m_folder.path());
+        ASSERT_EQ(made.status, 0) << made.err.toStdString();
+    }
+    Outcome type(const QByteArray& lines) const {
+        return run(program(QStringLiteral("merix")),
+                   {QStringLiteral("--headless"), QStringLiteral("--script"), QStringLiteral("-"),
+                    QStringLiteral(MERIX_SOURCE_DIR "/samples/plan.dxf")},
+                   m_folder.path(), lines);
+    }
+    const QTemporaryDir m_folder;
+};
+
+TEST_F(InsertNoteWords, AKeywordThatIsNotSettingsPlacesTheNoteAtOnce) {
+    giveKeywords("Settings Here _ Settings Here");
+    const Outcome outcome = type("PHONOMARK\n@expect Specify the point of the note or [Settings]:\nh\n"
+                                 "@save out.dxf\n");
+    ASSERT_EQ(outcome.status, 0) << outcome.err.toStdString() << outcome.out.toStdString();
+    std::vector<Record> notes;
+    for (const Record& record : records(readTags(m_folder.filePath(QStringLiteral("out.dxf"))), "ENTITIES"))
+        if (record[0].value == "PHONOMARK")
+            notes.push_back(record);
+    ASSERT_EQ(notes.size(), 1U) << outcome.out.toStdString();
+    EXPECT_EQ(value(notes[0], 70), "0");
+    EXPECT_EQ(number(notes[0], 10), 0.0);
+    EXPECT_EQ(number(notes[0], 20), 0.0);
+}
+
+TEST_F(InsertNoteWords, AKeywordInAnotherLanguageIsReadByItsGlobalForm) {
+    giveKeywords("Einstellungen _ Settings");
+    const Outcome outcome = type("PHONOMARK\n@expect Specify the point of the note\neinst\n"
+                                 "@expect Enter the note type or set the speaker\nRegion\n"
+                                 "@expect Specify the first corner of the region\n_settings\n"
+                                 "@expect Enter the note type or set the speaker\n");
+    EXPECT_EQ(outcome.status, 0) << outcome.err.toStdString() << outcome.out.toStdString();
+}
+
 } // namespace
