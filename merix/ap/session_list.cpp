@@ -14,6 +14,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace merix::ap {
@@ -74,9 +75,16 @@ bool SessionList::open() {
     // Process ids come round again; a list that is there under this one's name belongs to a dead process.
     for (int n = 0; n < 1000; ++n) {
         m_path = QStringLiteral("%1/session-%2-%3.list").arg(folder()).arg(::getpid()).arg(n);
-        m_file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        if (m_file >= 0)
-            return ::flock(m_file, LOCK_EX | LOCK_NB) == 0;
+        const int file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (file < 0)
+            continue;
+        // Somebody who looks for lists may have met this one before it was locked, and deleted it as an empty one.
+        struct stat now = {};
+        if (::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &now) == 0 && now.st_nlink > 0) {
+            m_file = file;
+            return true;
+        }
+        ::close(file);
     }
     return false;
 }
