@@ -60,7 +60,7 @@ MxDbObjectId layoutDictionary() {
     const Opened<MxDbDictionary> root(ed::drawing().roots.namedObjects, Mx::kForRead);
     MxDbObjectId id;
     if (root)
-        root->getAt(L"ACAD_LAYOUT", id);
+        root->getAt(db::kLayoutDictionary, id);
     return id;
 }
 

@@ -139,7 +139,7 @@ void Defaults::makeDictionaries() {
     auto* root = adopt(std::make_unique<MxDbDictionary>(), {});
     m_database.roots.namedObjects = root->objectId();
     addDictionary(*root, L"ACAD_GROUP");
-    MxDbDictionary* layouts = addDictionary(*root, L"ACAD_LAYOUT");
+    MxDbDictionary* layouts = addDictionary(*root, kLayoutDictionary);
     addLayout(*layouts, L"Model", 0, m_database.roots.modelSpace);
     addLayout(*layouts, L"Layout1", 1, m_database.roots.paperSpace);
 }

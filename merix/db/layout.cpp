@@ -5,9 +5,10 @@
 #include "merix/db/dxf_fields.h"
 #include "merix/rx/class_registry.h"
 
-namespace merix::db {
+using merix::db::readItems;
+using merix::db::readText;
 
-MERIX_RX_CLASS(Layout, "MxDbLayout", MxDbObject, rx::makeObject<Layout>, "LAYOUT")
+MERIX_RX_CLASS(MxDbLayout, "MxDbLayout", MxDbObject, merix::rx::makeObject<MxDbLayout>, "LAYOUT")
 
 namespace {
 
@@ -36,7 +37,7 @@ void writePlotSettings(MxDbDxfFiler* filer, bool model) {
 
 } // namespace
 
-Mx::ErrorStatus Layout::dwgInFields(MxDbDwgFiler* filer) {
+Mx::ErrorStatus MxDbLayout::dwgInFields(MxDbDwgFiler* filer) {
     if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
         return status;
     if (const auto status = readText(*filer, name); status != Mx::eOk)
@@ -45,7 +46,7 @@ Mx::ErrorStatus Layout::dwgInFields(MxDbDwgFiler* filer) {
     return filer->readSoftPointerId(block);
 }
 
-Mx::ErrorStatus Layout::dwgOutFields(MxDbDwgFiler* filer) const {
+Mx::ErrorStatus MxDbLayout::dwgOutFields(MxDbDwgFiler* filer) const {
     if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
         return status;
     filer->writeString(name.c_str());
@@ -53,7 +54,7 @@ Mx::ErrorStatus Layout::dwgOutFields(MxDbDwgFiler* filer) const {
     return filer->writeSoftPointerId(block);
 }
 
-Mx::ErrorStatus Layout::dxfInFields(MxDbDxfFiler* filer) {
+Mx::ErrorStatus MxDbLayout::dxfInFields(MxDbDxfFiler* filer) {
     if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
         return status;
     // The plot settings come first and use the same codes.
@@ -71,7 +72,7 @@ Mx::ErrorStatus Layout::dxfInFields(MxDbDxfFiler* filer) {
     });
 }
 
-Mx::ErrorStatus Layout::dxfOutFields(MxDbDxfFiler* filer) const {
+Mx::ErrorStatus MxDbLayout::dxfOutFields(MxDbDxfFiler* filer) const {
     if (const auto status = MxDbObject::dxfOutFields(filer); status != Mx::eOk)
         return status;
     writePlotSettings(filer, tabOrder == 0);
@@ -92,4 +93,14 @@ Mx::ErrorStatus Layout::dxfOutFields(MxDbDxfFiler* filer) const {
     return filer->writeObjectId(330, block);
 }
 
-} // namespace merix::db
+Mx::ErrorStatus mxdbOpenLayoutDictionary(MxDbDictionary*& dictionary, const MxDbDatabase& database, Mx::OpenMode mode) {
+    dictionary = nullptr;
+    MxDbDictionary* named = nullptr;
+    MxDbObjectId id;
+    Mx::ErrorStatus status = mxdbOpenObject(named, database.namedObjectsDictionaryId(), Mx::kForRead);
+    if (status != Mx::eOk)
+        return status;
+    status = named->getAt(merix::db::kLayoutDictionary, id);
+    named->close();
+    return status == Mx::eOk ? mxdbOpenObject(dictionary, id, mode) : status;
+}

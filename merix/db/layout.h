@@ -1,25 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "host/db/object.h"
-
-#include <string>
+#include "host/db/layout.h"
 
 namespace merix::db {
 
-/// A layout: the sheet that shows a block (model space or a paper space). Its plot settings are kept with the record
-/// they came from; a new layout gets the defaults of a millimetre sheet.
-class Layout : public MxDbObject {
-public:
-    static MxRxClass* desc();
-    MxRxClass* isA() const override;
-    std::wstring name;
-    std::int16_t tabOrder = 0;
-    MxDbObjectId block;
-    Mx::ErrorStatus dwgInFields(MxDbDwgFiler* filer) override;
-    Mx::ErrorStatus dwgOutFields(MxDbDwgFiler* filer) const override;
-    Mx::ErrorStatus dxfInFields(MxDbDxfFiler* filer) override;
-    Mx::ErrorStatus dxfOutFields(MxDbDxfFiler* filer) const override;
-};
+using Layout = ::MxDbLayout;
+
+/// The key of the layouts' dictionary in the named object dictionary.
+inline constexpr wchar_t kLayoutDictionary[] = L"ACAD_LAYOUT";
 
 } // namespace merix::db

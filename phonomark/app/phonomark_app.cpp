@@ -51,7 +51,8 @@ int CPhonomarkApp::On_kInitAppMsg(void* appId) {
     if (!_hdllInstance)
         LoadPhonomarkRes(); // loaded again without having been unmapped
     registerClasses();
-    g_editorrect = new PhonomarkEdReactor(true);
+    if (!g_editorrect)
+        g_editorrect = new PhonomarkEdReactor(true);
     registerCommands();
     createMxPhManager();
     g_bPhonomarkShow = GetProfileIntW(RegSection(), L"VoiceShow", 1) != 0;

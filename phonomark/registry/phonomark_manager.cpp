@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/phonomark_manager.h"
 
+#include "host/db/layout.h"
 #include "host/ed/input.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/texts.h"
@@ -27,6 +28,23 @@ bool g_managerAlive = false;
 std::vector<MxApDocument*> openDocuments() {
     const MxApDocManager* manager = mxDocManagerPtr();
     return manager ? manager->documents() : std::vector<MxApDocument*>();
+}
+
+/// The blocks that the drawing's layouts show, in the order of the layouts.
+std::vector<MxDbObjectId> layoutBlocks(const MxDbDatabase& database) {
+    std::vector<MxDbObjectId> blocks;
+    MxDbDictionary* layouts = nullptr;
+    if (mxdbOpenLayoutDictionary(layouts, database, Mx::kForRead) != Mx::eOk)
+        return blocks;
+    for (const auto& [name, id] : layouts->entries()) {
+        MxDbLayout* layout = nullptr;
+        if (mxdbOpenObject(layout, id, Mx::kForRead) != Mx::eOk)
+            continue;
+        blocks.push_back(layout->block);
+        layout->close();
+    }
+    layouts->close();
+    return blocks;
 }
 
 /// A step of the registry's end that fails leaves the others to be done.
@@ -86,6 +104,23 @@ bool PhonomarkManager::AppendPhonomark(MxDbObjectId id, MxApDocument* document) 
     return true;
 }
 
+void PhonomarkManager::AppendPhonomark(MxApDocument* document) {
+    const MxDbDatabase* database = document ? document->database() : nullptr;
+    for (const MxDbObjectId& block : database ? layoutBlocks(*database) : std::vector<MxDbObjectId>()) {
+        MxDbBlockTableRecord* record = nullptr;
+        if (mxdbOpenObject(record, block, Mx::kForRead) != Mx::eOk)
+            continue;
+        for (const MxDbObjectId& id : record->entityIds()) {
+            MxDbPhonomark* note = nullptr;
+            if (mxdbOpenObject(note, id, Mx::kForRead) != Mx::eOk)
+                continue; // erased, or no note
+            AppendPhonomark(id, document);
+            note->close();
+        }
+        record->close();
+    }
+}
+
 void PhonomarkManager::RemovePhonomark(MxDbObjectId id, MxApDocument* document) {
     const auto entry = m_documents.find(document);
     if (entry == m_documents.end() || !entry->second)
@@ -119,7 +154,7 @@ void PhonomarkManager::ShowAllObjects(bool show, MxApDocument* document) {
 
 void PhonomarkManager::UpdateAll(MxApDocument* document) {
     const auto entry = m_documents.find(document);
-    if (entry == m_documents.end() || !entry->second || !document->database())
+    if (entry == m_documents.end() || !entry->second || !document || !document->database())
         return;
     const std::vector<MxDbObjectId> ids = entry->second->ids();
     const MxDbObjectId currentSpace = document->database()->currentSpaceId();

@@ -20,7 +20,10 @@ public:
     PhonomarkManager(const PhonomarkManager&) = delete;
     PhonomarkManager& operator=(const PhonomarkManager&) = delete;
 
+    /// Lists the note at the end; an id that is listed already stands there twice then. Always true.
     bool AppendPhonomark(MxDbObjectId id, MxApDocument* document);
+    /// Searches the blocks of all layouts for notes and lists each at the end, whatever is listed already.
+    void AppendPhonomark(MxApDocument* document);
     /// The document is hover-monitored no more when this was its last note.
     void RemovePhonomark(MxDbObjectId id, MxApDocument* document);
     void RemovePhonomark(MxApDocument* document);

@@ -57,6 +57,26 @@ TEST(Tables, TextStylesTablesAndLayoutsFileThemselves) {
     EXPECT_EQ(refiled(layout)->block, layout.block);
 }
 
+TEST(Tables, TheLayoutsStandInADictionaryOfTheDrawing) {
+    Drawing drawing;
+    MxDbDictionary* layouts = nullptr;
+    ASSERT_EQ(mxdbOpenLayoutDictionary(layouts, drawing.database, Mx::kForWrite), Mx::eOk);
+    std::vector<std::pair<std::wstring, MxDbObjectId>> blocks;
+    for (const auto& [name, id] : layouts->entries())
+        blocks.emplace_back(name, drawing.at<MxDbLayout>(id).block);
+    EXPECT_EQ(blocks, (std::vector<std::pair<std::wstring, MxDbObjectId>>{{L"Model", drawing.imp.roots.modelSpace},
+                                                                          {L"Layout1", drawing.imp.roots.paperSpace}}));
+    MxDbDictionary* second = layouts;
+    EXPECT_EQ(mxdbOpenLayoutDictionary(second, drawing.database, Mx::kForRead), Mx::eOpenForWrite);
+    EXPECT_FALSE(second);
+    layouts->erase();
+    layouts->close();
+    EXPECT_EQ(mxdbOpenLayoutDictionary(layouts, drawing.database, Mx::kForRead), Mx::eKeyNotFound);
+    EXPECT_FALSE(layouts);
+    const MxDbDatabase empty;
+    EXPECT_EQ(mxdbOpenLayoutDictionary(layouts, empty, Mx::kForRead), Mx::eNullObjectId);
+}
+
 TEST(Tables, ABlockFilesItsEntitiesInTheirOrder) {
     Drawing drawing;
     const MxDbObjectId a = drawing.addLine(), b = drawing.addLine();

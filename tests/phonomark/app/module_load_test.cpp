@@ -1,152 +1,94 @@
 // SPDX-License-Identifier: MIT
 // The module as it is shipped, loaded and unloaded by the host's loader.
-#include "host/db/database.h"
-#include "host/db/dictionary.h"
-#include "merix/ap/document_imp.h"
-#include "merix/db/database_imp.h"
-#include "merix/ed/command_stack.h"
-#include "merix/ed/console.h"
-#include "merix/ed/host_functions.h"
-#include "merix/ed/prompter.h"
-#include "merix/rx/module_loader.h"
+#include "tests/phonomark/app/loaded_module.h"
 
-#include <QFile>
-#include <QSettings>
+#include "tests/support/dxf_tags.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <QTemporaryDir>
 
-#include <array>
-#include <deque>
 #include <dlfcn.h>
+#include <malloc.h>
 
 using merix::ap::DocManager;
 using merix::rx::Module;
 using merix::rx::ModuleLoader;
 using ::testing::HasSubstr;
+using ModuleLoadTest = LoadedModuleTest;
 
 namespace {
 
-constexpr std::array kClasses{L"MxDbPhonomark",      L"PhonomarkDcReactor", L"PhonomarkEdReactor",
-                              L"PhonomarkEnReactor", L"PhonomarkPmReactor", L"PhonomarkPsReactor",
-                              L"PhonomarkObReactor"};
+/// What a load and an unload may leave behind in the process's memory: lines of the console's history and the like.
+constexpr std::size_t kBytesPerTurn = 4096;
 
-/// Answers a point prompt and, when there is nothing left, Esc.
-class Answers : public merix::ed::InputSource {
-public:
-    explicit Answers(std::deque<QString> lines)
-        : m_lines(std::move(lines)) {
-        merix::ed::Prompter::instance().setSource(this);
-    }
-    ~Answers() override { merix::ed::Prompter::instance().setSource(nullptr); }
-    bool feed() override {
-        if (m_lines.empty()) {
-            merix::ed::Prompter::instance().cancel();
-            return false;
-        }
-        const QString line = m_lines.front();
-        m_lines.pop_front();
-        merix::ed::Prompter::instance().submitLine(line);
-        return true;
-    }
-
-private:
-    std::deque<QString> m_lines;
-};
-
-class ModuleLoadTest : public ::testing::Test {
+/// Drawings with notes of all kinds, open while the module comes and goes.
+class ModuleTurnsTest : public LoadedModuleTest {
 protected:
-    void SetUp() override {
-        QSettings(QStringLiteral("VORKAS/MERIX/2026"), QStringLiteral("MERIX")).clear();
-        m_document = DocManager::instance().create();
+    /// Two new drawings, and one from a file with recorded notes of every type, one of them attached.
+    std::vector<merix::ap::Document*> openDrawings() {
+        std::vector<merix::ap::Document*> open{&document(), DocManager::instance().create()};
+        for (merix::ap::Document* drawing : open) {
+            DocManager::instance().activate(drawing);
+            for (const QString& at : {QStringLiteral("1,1"), QStringLiteral("5,5"), QStringLiteral("9,9")})
+                run("PHONOMARK", {at});
+        }
+        QFile recorded(QStringLiteral(MERIX_SOURCE_DIR "/tests/golden/drawings/recorded.dxf"));
+        EXPECT_TRUE(recorded.open(QIODevice::ReadOnly));
+        open.push_back(openCopyOf(recorded.readAll(), "recorded.dxf"));
+        return open;
     }
-    void TearDown() override {
-        ModuleLoader::instance().unloadAll();
-        while (auto* open = dynamic_cast<merix::ap::Document*>(DocManager::instance().curDocument()))
-            DocManager::instance().close(*open);
+    /// Opens the text of a DXF file as a file of that name.
+    merix::ap::Document* openCopyOf(const QByteArray& text, const char* name) {
+        const QString path = m_folder.filePath(QString::fromLatin1(name));
+        const QString asDxf = m_folder.filePath(QStringLiteral("copy.dxf"));
+        QFile file(path.endsWith(QLatin1String(".dxf")) ? path : asDxf);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        file.close();
+        merix::ap::Document* opened = nullptr;
+        const auto result = DocManager::instance().open(file.fileName(), &opened);
+        EXPECT_TRUE(result.ok) << result.message.toStdString();
+        if (file.fileName() != path) {
+            EXPECT_TRUE(DocManager::instance().saveAs(*opened, path).ok);
+        }
+        return opened;
     }
-
-    static Module& load() {
-        const auto result = ModuleLoader::instance().load(MERIX_BINARY_DIR "/bin/libMrxPhonomark.mrx");
-        if (!result)
-            throw std::runtime_error(result.error);
-        return *result.module;
+    QByteArray savedText(merix::ap::Document& drawing) {
+        const QString path = m_folder.filePath(QStringLiteral("saved%1.dxf").arg(quintptr(&drawing)));
+        EXPECT_TRUE(DocManager::instance().saveAs(drawing, path).ok);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
     }
-    static void unload(Module& module) {
-        const auto result = ModuleLoader::instance().unload(module);
-        EXPECT_TRUE(result) << result.error;
-    }
-
-    /// What calling a host-language function prints.
-    static std::string call(const char* line) {
-        auto& console = merix::ed::Console::instance();
-        console.markRead();
-        merix::ed::HostFunctions::instance().callLine(QString::fromLatin1(line));
-        return console.unread().trimmed().section(QLatin1Char('\n'), -1).toStdString();
-    }
-    static void run(const char* line, std::deque<QString> answers = {}) {
-        const Answers source(std::move(answers));
-        merix::ed::CommandStack::instance().runLine(QString::fromLatin1(line));
-    }
-    static std::string printedBy(const char* line) {
-        auto& console = merix::ed::Console::instance();
-        console.markRead();
-        run(line);
-        return console.unread().toStdString();
-    }
-    std::vector<MxDbObjectId> entities() {
-        MxDbBlockTableRecord* space = nullptr;
-        if (mxdbOpenObject(space, document().database()->currentSpaceId(), Mx::kForRead) != Mx::eOk)
-            return {};
-        const std::vector<MxDbObjectId> ids = space->entityIds();
-        space->close();
-        return ids;
-    }
-    static int commandsOfTheModule() {
-        int count = 0;
-        for (const QString& command : merix::ed::CommandStack::instance().commands())
-            count += command.startsWith(QStringLiteral("PHONOMARKCM_"), Qt::CaseInsensitive) ? 1 : 0;
-        return count;
-    }
-    static int classesRegistered() {
-        int count = 0;
-        for (const wchar_t* name : kClasses)
-            count += mxrxFindMxRxClass(name) ? 1 : 0;
-        return count;
-    }
-    /// The handles that the drawing's stored list of notes names, in order.
-    static std::vector<std::wstring> stored(const MxDbDatabase& database) {
-        const auto entry = [](MxDbObjectId dictionaryId, const wchar_t* key) {
-            MxDbObjectId id;
-            MxDbDictionary* dictionary = nullptr;
-            if (mxdbOpenObject(dictionary, dictionaryId, Mx::kForRead) == Mx::eOk) {
-                dictionary->getAt(key, id);
-                dictionary->close();
-            }
-            return id;
-        };
+    /// The handles of the entities that carry a transient reactor: the listed notes of a module at work, in the order
+    /// of the drawing; one that carries two stands there twice.
+    static std::vector<std::wstring> watchedNotes(const merix::ap::Document& drawing) {
         std::vector<std::wstring> handles;
-        MxDbXrecord* list = nullptr;
-        if (mxdbOpenObject(list, entry(entry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST"),
-                           Mx::kForRead) != Mx::eOk)
-            return handles;
-        resbuf* chain = nullptr;
-        list->rbChain(&chain);
-        for (const resbuf* element = chain; element; element = element->rbnext)
-            handles.push_back(std::get<std::wstring>(element->resval));
-        mxutRelRb(chain);
-        list->close();
+        for (const merix::db::ObjectStub& stub : drawing.database()->imp().stubs())
+            for (const auto& reactor : stub.object ? stub.object->reactors() : std::vector<MxDbReactorEntry>())
+                if (reactor.transient) {
+                    wchar_t text[17];
+                    stub.handle.getIntoAsciiBuffer(text);
+                    handles.emplace_back(text);
+                }
         return handles;
     }
-    static bool isMapped() {
-        QFile maps(QStringLiteral("/proc/self/maps"));
-        return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libMrxPhonomark");
+    /// The records of notes, their reactors and their list.
+    std::vector<merix::test::Record> notesTags(const QByteArray& dxf) {
+        QFile file(m_folder.filePath(QStringLiteral("tags.dxf")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(dxf) == dxf.size());
+        file.close();
+        std::vector<merix::test::Record> found;
+        for (const char* section : {"ENTITIES", "OBJECTS"})
+            for (auto& record : merix::test::records(merix::test::readTags(file.fileName()), section))
+                if (const QByteArray type = record[0].value.trimmed();
+                    type == "PHONOMARK" || type == "PhonomarkPsReactor" || type == "XRECORD")
+                    found.push_back(std::move(record));
+        EXPECT_FALSE(found.empty());
+        return found;
     }
-
-    merix::ap::Document& document() { return *m_document; }
+    static std::size_t bytesInUse() { return mallinfo2().uordblks; }
 
 private:
-    merix::ap::Document* m_document = nullptr;
+    QTemporaryDir m_folder;
 };
 
 } // namespace
@@ -154,7 +96,7 @@ private:
 TEST_F(ModuleLoadTest, LoadingRegistersTheClassesAndTheCommands) {
     EXPECT_EQ(classesRegistered(), 0);
     const Module& module = load();
-    EXPECT_EQ(classesRegistered(), int(kClasses.size()));
+    EXPECT_EQ(classesRegistered(), int(kModuleClasses.size()));
     EXPECT_THAT(
         merix::ed::CommandStack::instance().commands(),
         ::testing::IsSupersetOf({QStringLiteral("PhonomarkCM_.PHONOMARK"), QStringLiteral("PhonomarkCM_.VOICEMAN"),
@@ -187,7 +129,7 @@ TEST_F(ModuleLoadTest, AMessageAboveFifteenChangesNothing) {
     const auto changes = document().database()->imp().undo.undoUnits().size();
     for (const int message : {16, 17, 18, 19, 20, 1000, 0x7fffffff, -1}) {
         EXPECT_EQ(ModuleLoader::instance().sendMessage(module, message), 0);
-        EXPECT_EQ(classesRegistered(), int(kClasses.size()));
+        EXPECT_EQ(classesRegistered(), int(kModuleClasses.size()));
         EXPECT_EQ(commandsOfTheModule(), 3);
         EXPECT_EQ(call("(PhonomarkShow)"), "1");
         EXPECT_EQ(DocManager::instance().all(), documents);
@@ -196,16 +138,6 @@ TEST_F(ModuleLoadTest, AMessageAboveFifteenChangesNothing) {
     }
     run("VOICESHOW"); // the notes are still listed and the command still works
     EXPECT_EQ(call("(PhonomarkShow)"), "0");
-}
-
-TEST_F(ModuleLoadTest, MessagesWithoutAHandlerAreAnsweredWithSuccess) {
-    Module& module = load();
-    for (const int message : {0, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}) {
-        EXPECT_EQ(ModuleLoader::instance().sendMessage(module, message), 0) << message;
-        EXPECT_EQ(classesRegistered(), int(kClasses.size()));
-        EXPECT_EQ(commandsOfTheModule(), 3);
-        EXPECT_EQ(call("(PhonomarkShow)"), "1");
-    }
 }
 
 TEST_F(ModuleLoadTest, NotesAreShownOnAFreshInstallationAndHiddenByTheCommand) {
@@ -250,7 +182,7 @@ TEST_F(ModuleLoadTest, TheCommandGroupOutlivesTheModuleAndItsClassesComeBack) {
     EXPECT_EQ(commandsOfTheModule(), 3);
     load();
     EXPECT_EQ(commandsOfTheModule(), 3);
-    EXPECT_EQ(classesRegistered(), int(kClasses.size()));
+    EXPECT_EQ(classesRegistered(), int(kModuleClasses.size()));
     run("VOICESHOW");
     EXPECT_EQ(call("(PhonomarkShow)"), "0");
 }
@@ -271,7 +203,7 @@ TEST_F(ModuleLoadTest, WithoutTheResourceModuleLoadingCompletes) {
     qunsetenv("MERIX_RESOURCE_PATH");
     load();
     qputenv("MERIX_RESOURCE_PATH", path);
-    EXPECT_EQ(classesRegistered(), int(kClasses.size()));
+    EXPECT_EQ(classesRegistered(), int(kModuleClasses.size()));
     EXPECT_EQ(call("(PhonomarkShow)"), "1");
     EXPECT_EQ(printedBy("VOICESHOW"), "\nCommand: VOICESHOW") << "the host's line alone";
     EXPECT_EQ(call("(PhonomarkShow)"), "0");
@@ -296,37 +228,66 @@ TEST_F(ModuleLoadTest, NotesOutliveAnUnloadWithTheirDrawingOpen) {
     }
 }
 
-TEST_F(ModuleLoadTest, FiftyLoadsAndUnloadsLeaveDrawingsListsAndSettingsAsTheyWere) {
+TEST_F(ModuleTurnsTest, FiftyLoadsAndUnloadsLeaveDrawingsListsAndSettingsAsTheyWere) {
     load();
-    std::vector<merix::ap::Document*> open{&document(), DocManager::instance().create()};
-    for (merix::ap::Document* drawing : open) {
-        DocManager::instance().activate(drawing);
-        for (const QString& at : {QStringLiteral("1,1"), QStringLiteral("5,5"), QStringLiteral("9,9")})
-            run("PHONOMARK", {at});
-    }
+    const std::vector<merix::ap::Document*> open = openDrawings();
     run("VOICESHOW");
-    const std::vector<MxDbObjectId> notes = entities();
-    ASSERT_EQ(notes.size(), 3u);
-    std::vector<std::wstring> handles;
-    for (const MxDbObjectId id : notes) {
-        wchar_t text[17];
-        id.handle().getIntoAsciiBuffer(text);
-        handles.emplace_back(text);
+    std::vector<std::vector<std::wstring>> lists;
+    std::vector<QByteArray> texts;
+    for (merix::ap::Document* drawing : open) {
+        texts.push_back(savedText(*drawing));
+        lists.push_back(stored(*drawing->database()));
+        EXPECT_THAT(lists.back(), ::testing::SizeIs(::testing::Ge(3u)));
+        EXPECT_EQ(watchedNotes(*drawing), lists.back());
     }
+    std::size_t memory = 0;
     for (int turn = 0; turn < 50 && !HasFailure(); ++turn) {
         SCOPED_TRACE(turn);
-        Module& module = *ModuleLoader::instance().modules().front();
-        unload(module);
+        unload(*ModuleLoader::instance().modules().front());
         EXPECT_FALSE(isMapped());
         EXPECT_EQ(classesRegistered(), 0);
-        EXPECT_EQ(stored(*open[1]->database()), handles);
-        EXPECT_EQ(stored(*open[0]->database()).size(), 3u);
+        for (std::size_t i = 0; i < open.size(); ++i) {
+            EXPECT_EQ(stored(*open[i]->database()), lists[i]);
+            EXPECT_TRUE(savedText(*open[i]) == texts[i]) << "drawing " << i << " without its module";
+            EXPECT_THAT(watchedNotes(*open[i]), ::testing::IsEmpty());
+        }
         load();
-        EXPECT_EQ(entities(), notes);
+        for (std::size_t i = 0; i < open.size(); ++i) {
+            EXPECT_EQ(watchedNotes(*open[i]), lists[i]) << "each listed and watched once";
+            EXPECT_TRUE(savedText(*open[i]) == texts[i]) << "drawing " << i << " with its module again";
+        }
         EXPECT_EQ(call("(PhonomarkShow)"), "0");
         EXPECT_EQ(commandsOfTheModule(), 3);
+        if (turn == 9)
+            memory = bytesInUse();
     }
+    EXPECT_LT(bytesInUse(), memory + 40 * kBytesPerTurn);
     EXPECT_EQ(ModuleLoader::instance().modules().size(), 1u);
+}
+
+TEST_F(ModuleTurnsTest, ADrawingSavedWithoutTheModuleKeepsItsNotesTheirListAndTheirAttachments) {
+    Module& module = load();
+    merix::ap::Document* const drawing = openDrawings().back();
+    savedText(*drawing);
+    const std::vector<std::wstring> list = stored(*drawing->database());
+    const QByteArray before = savedText(*drawing);
+    unload(module);
+    for (const char* name : {"kept.dxf", "kept.merix"}) {
+        // A run without the module: opened, changed, saved and closed.
+        merix::ap::Document* kept = openCopyOf(before, name);
+        run("LINE", {QStringLiteral("0,0"), QStringLiteral("5,5"), QString()});
+        ASSERT_TRUE(DocManager::instance().save(*kept).ok);
+        EXPECT_EQ(stored(*kept->database()), list) << name;
+        const QString path = kept->path();
+        DocManager::instance().close(*kept);
+
+        load();
+        ASSERT_TRUE(DocManager::instance().open(path, &kept).ok);
+        EXPECT_EQ(watchedNotes(*kept), list) << name;
+        EXPECT_EQ(notesTags(savedText(*kept)), notesTags(before)) << name;
+        unload(*ModuleLoader::instance().modules().front());
+        DocManager::instance().close(*kept);
+    }
 }
 
 TEST_F(ModuleLoadTest, AnErasedNoteCanComeBackAfterTheModuleHasGone) {

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/phonomark_manager.h"
 
-#include "host/db/dictionary.h"
+#include "host/db/layout.h"
 #include "merix/ap/document_imp.h"
 #include "merix/db/entities.h"
+#include "merix/db/entity_traits.h"
 #include "merix/db/tables.h"
+#include "merix/ed/selection.h"
 #include "phonomark/app/entry_point.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/ob_reactor.h"
@@ -45,6 +47,30 @@ protected:
         }
         return id;
     }
+
+    void eraseLayouts() {
+        MxDbDictionary* layouts = nullptr;
+        ASSERT_EQ(mxdbOpenLayoutDictionary(layouts, database(), Mx::kForWrite), Mx::eOk);
+        layouts->erase();
+        layouts->close();
+    }
+
+    /// Writes down which objects got new graphics, in order, and whether the drawing was locked then.
+    class Redrawn : public merix::db::DatabaseListener {
+    public:
+        explicit Redrawn(merix::db::DatabaseImp& database)
+            : m_database(database) {
+            m_database.addListener(this);
+        }
+        ~Redrawn() override { m_database.removeListener(this); }
+        void objectGraphicsModified(MxDbObject& object) override {
+            redrawn.emplace_back(object.objectId(), m_database.undo.isOpen());
+        }
+        std::vector<std::pair<MxDbObjectId, bool>> redrawn;
+
+    private:
+        merix::db::DatabaseImp& m_database;
+    };
 
     /// Fails whoever changes what it watches.
     class Failing : public MxDbObjectReactor {
@@ -101,6 +127,52 @@ TEST_F(RegistryTest, AnIdThatCannotBeOpenedStaysListed) {
     EXPECT_THAT(listed(), IsEmpty());
 }
 
+TEST_F(RegistryTest, ASearchListsTheNotesOfEveryLayoutInTheirOrder) {
+    const QStringList layouts = document().layouts();
+    ASSERT_GE(layouts.size(), 2);
+    ASSERT_TRUE(document().setCurrentLayout(layouts[1]));
+    const MxDbObjectId onPaper = addNote();
+    ASSERT_TRUE(document().setCurrentLayout(layouts[0]));
+    addLine();
+    const MxDbObjectId first = addNote(), erased = addNote(), second = addNote();
+    registry().ErasePhonomark(erased, nullptr);
+    registry().RemovePhonomark(&document());
+    registry().AppendPhonomark(&document());
+    EXPECT_THAT(listed(), ElementsAre(first, second, onPaper));
+    EXPECT_TRUE(isWatched(onPaper));
+    registry().AppendPhonomark(&document());
+    EXPECT_THAT(listed(), ElementsAre(first, second, onPaper, first, second, onPaper)) << "nothing is cleared first";
+}
+
+TEST_F(RegistryTest, ASearchSkipsWhatCannotBeRead) {
+    const MxDbObjectId open = addNote(), note = addNote();
+    registry().RemovePhonomark(&document());
+    MxDbPhonomark* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, open, Mx::kForWrite), Mx::eOk);
+    registry().AppendPhonomark(&document());
+    EXPECT_THAT(listed(), ElementsAre(note));
+    writer->close();
+    registry().RemovePhonomark(&document());
+    MxDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(mxdbOpenObject(space, database().currentSpaceId(), Mx::kForWrite), Mx::eOk);
+    registry().AppendPhonomark(&document());
+    EXPECT_THAT(listed(), IsEmpty());
+    space->close();
+    eraseLayouts();
+    registry().AppendPhonomark(&document());
+    registry().AppendPhonomark(nullptr);
+    EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(RegistryTest, WithoutADocumentThereIsNothingToDrawAnew) {
+    const MxDbObjectId id = addNote();
+    registry().AppendPhonomark(id, nullptr);
+    const auto before = graphicsVersion(id);
+    registry().UpdateAll(nullptr);
+    EXPECT_EQ(graphicsVersion(id), before);
+    registry().RemovePhonomark(static_cast<MxApDocument*>(nullptr));
+}
+
 TEST_F(RegistryTest, DocumentsHaveTheirOwnLists) {
     const MxDbObjectId id = addNote();
     merix::ap::Document* second = DocManager::instance().create();
@@ -140,6 +212,21 @@ TEST_F(RegistryTest, ErasingIsOneUndoableUnitNamedForTheUser) {
     EXPECT_EQ(units.back().name, L"Delete note");
 }
 
+TEST_F(RegistryTest, ErasingLetsTheSelectionGo) {
+    const MxDbObjectId id = addNote(), other = addNote();
+    merix::ed::Selection::instance().set({other});
+    registry().ErasePhonomark(id, nullptr);
+    EXPECT_THAT(merix::ed::Selection::instance().ids(), IsEmpty());
+}
+
+TEST_F(RegistryTest, NothingIsErasedInADrawingThatAnotherHolds) {
+    const MxDbObjectId id = addNote();
+    const DocumentLock held(&document(), L"Other", 298);
+    EXPECT_TRUE(registry().ErasePhonomark(id, nullptr));
+    EXPECT_THAT(printed(), HasSubstr("PhonomarkErase: the drawing is held by Other"));
+    EXPECT_THAT(listed(), ElementsAre(id));
+}
+
 TEST_F(RegistryTest, ANoteOnALockedLayerIsNotErasedAndTheUserIsTold) {
     const MxDbObjectId id = addNote();
     lockLayerOf(id);
@@ -155,6 +242,44 @@ TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewToo) {
     const auto before = graphicsVersion(id);
     registry().UpdateAll(&document());
     EXPECT_GT(graphicsVersion(id), before);
+}
+
+TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewAfterAllOthers) {
+    const MxDbObjectId locked = addNote();
+    const MxDbObjectId free = addNote();
+    auto layer = std::make_unique<merix::db::LayerRecord>();
+    layer->name = L"Free";
+    const MxDbObjectId other(database().imp().adopt(layer.release(), {}, database().imp().roots.layerTable));
+    MxDbEntity* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, free, Mx::kForWrite), Mx::eOk);
+    ASSERT_EQ(merix::db::setLayer(*open, other), Mx::eOk);
+    open->close();
+    lockLayerOf(locked);
+    const Redrawn watch(database().imp());
+    registry().UpdateAll(&document());
+    EXPECT_THAT(watch.redrawn, ElementsAre(std::pair(free, true), std::pair(locked, false)));
+}
+
+TEST_F(RegistryTest, ANoteThatCannotBeChangedNowIsPassedOver) {
+    MxDbObjectId nothing;
+    ASSERT_EQ(database().getMxDbObjectId(nothing, true, MxDbHandle(0xABCDEF), 0), Mx::eOk);
+    registry().AppendPhonomark(nothing, &document());
+    const MxDbObjectId read = addNote(), last = addNote();
+    MxDbPhonomark* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, read, Mx::kForRead), Mx::eOk);
+    const auto beforeRead = graphicsVersion(read), beforeLast = graphicsVersion(last);
+    registry().UpdateAll(&document());
+    EXPECT_EQ(graphicsVersion(read), beforeRead) << "it is not put off either";
+    EXPECT_GT(graphicsVersion(last), beforeLast);
+    reader->close();
+    TransformView view(1.0);
+    registry().ShowAllObjects(true, &document());
+    using Drawn = std::pair<MxDbObjectId, bool>;
+    EXPECT_THAT(view.drawn, ::testing::IsSupersetOf({Drawn(read, true), Drawn(last, true)}));
+    MxDbObjectId out;
+    registry().ErasePhonomark(nothing, &document());
+    EXPECT_EQ(printed(), "");
+    EXPECT_THAT(listed(), ElementsAre(nothing, read, last));
 }
 
 TEST_F(RegistryTest, OnlyNotesOfTheCurrentSpaceAreDrawnAnew) {
@@ -199,6 +324,18 @@ TEST_F(RegistryTest, TheRegistryCanBeMadeAgainAfterItsEnd) {
     createMxPhManager();
     EXPECT_TRUE(livePhManager());
     EXPECT_THAT(listed(), ElementsAre(id)) << "the list was written into the drawing";
+}
+
+TEST_F(RegistryTest, TheListsOfAllOpenDrawingsAreWrittenAtItsEndAndReadAtItsStart) {
+    const MxDbObjectId id = addNote();
+    merix::ap::Document &first = document(), *second = DocManager::instance().create();
+    useDocument(*second);
+    const MxDbObjectId a = addNote(), b = addNote();
+    deleteMxPhManager();
+    createMxPhManager();
+    EXPECT_THAT(listed(), ElementsAre(a, b));
+    useDocument(first);
+    EXPECT_THAT(listed(), ElementsAre(id));
 }
 
 TEST_F(RegistryTest, EventsDoNotReachARegistryThatIsGone) {

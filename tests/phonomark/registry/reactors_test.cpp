@@ -1,21 +1,38 @@
 // SPDX-License-Identifier: MIT
 // The reactors on host events, moved by the events of the real host.
+#include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
+#include "merix/rx/system_registry.h"
 #include "phonomark/app/module_state.h"
+#include "phonomark/app/phonomark_app.h"
 #include "phonomark/registry/dc_reactor.h"
 #include "phonomark/registry/ed_reactor.h"
 #include "phonomark/registry/en_reactor.h"
+#include "phonomark/registry/ob_reactor.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
 using merix::ap::DocManager;
-using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
 
+bool g_hasDocumentManager = true;
+
 class ReactorsTest : public SoundTest {
 protected:
+    void TearDown() override {
+        g_hasDocumentManager = true;
+        merix::rx::setSystemRegistryEntry(L"MxEditor", &merix::ed::Editor::instance());
+        merix::rx::setSystemRegistryEntry(L"MERIX_REGISTERED_COMMANDS", &merix::ed::CommandStack::instance());
+        SoundTest::TearDown();
+    }
+    /// Registers T while its name stands for another class than the one that T knows as its own.
+    template <class T> static void registerUnderATakenName() {
+        T::gpDesc = MxDbObject::desc();
+        T::rxInit();
+    }
     std::vector<MxDbObjectId> ids(MxApDocument* of) {
         std::vector<MxDbObjectId> out;
         livePhManager()->GetAllObjects(out, of);
@@ -24,6 +41,72 @@ protected:
 };
 
 } // namespace
+
+/// The host's; null stands for a host that has not made its document manager yet.
+MxApDocManager* mxDocManagerPtr() {
+    return g_hasDocumentManager ? &DocManager::instance() : nullptr;
+}
+
+TEST_F(ReactorsTest, WithoutADocumentManagerTheDocumentReactorStaysUnattachedInSilence) {
+    g_hasDocumentManager = false;
+    PhonomarkDcReactor reactor(true);
+    EXPECT_FALSE(reactor.IsAttached());
+    EXPECT_EQ(reactor.Subject(), nullptr);
+    EXPECT_FALSE(reactor.Attach());
+    g_hasDocumentManager = true;
+    EXPECT_TRUE(reactor.Attach());
+    g_hasDocumentManager = false;
+    reactor.Detach();
+    EXPECT_TRUE(reactor.IsAttached()) << "there is nothing to detach from";
+    g_hasDocumentManager = true;
+    EXPECT_EQ(printed(), "");
+}
+
+TEST_F(ReactorsTest, WithoutAnEditorTheEditorReactorStaysUnattachedInSilence) {
+    for (MxRxObject* other :
+         {static_cast<MxRxObject*>(nullptr), static_cast<MxRxObject*>(&merix::ed::CommandStack::instance())}) {
+        merix::rx::setSystemRegistryEntry(L"MxEditor", other);
+        PhonomarkEdReactor reactor(true);
+        EXPECT_FALSE(reactor.IsAttached());
+        EXPECT_EQ(reactor.Subject(), nullptr);
+        EXPECT_FALSE(reactor.Attach());
+    }
+    EXPECT_EQ(printed(), "");
+}
+
+TEST_F(ReactorsTest, AClassIsRegisteredOnce) {
+    MxRxClass* const known = PhonomarkObReactor::desc();
+    EXPECT_EQ(PhonomarkObReactor::rxInit(), known);
+    EXPECT_EQ(PhonomarkDcReactor::rxInit(), PhonomarkDcReactor::desc());
+    EXPECT_EQ(known->dwgVersion(), 1);
+    EXPECT_STREQ(known->name(), L"PhonomarkObReactor");
+    EXPECT_EQ(known->myParent(), MxDbObjectReactor::desc());
+    EXPECT_EQ(PhonomarkEdReactor::desc()->myParent(), MxEditorReactor::desc());
+}
+
+TEST_F(ReactorsTest, AnotherClassUnderTheNameStopsTheHost) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(registerUnderATakenName<PhonomarkDcReactor>(), "Class mismatch");
+    EXPECT_DEATH(registerUnderATakenName<PhonomarkEdReactor>(), "Class mismatch");
+    EXPECT_DEATH(registerUnderATakenName<PhonomarkEnReactor>(), "Class mismatch");
+    EXPECT_DEATH(registerUnderATakenName<PhonomarkObReactor>(), "Class mismatch");
+}
+
+TEST_F(ReactorsTest, AHostWithoutACommandStackStopsTheModule) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (MxRxObject* other :
+         {static_cast<MxRxObject*>(nullptr), static_cast<MxRxObject*>(&merix::ed::Editor::instance())})
+        EXPECT_EXIT(
+            {
+                merix::rx::setSystemRegistryEntry(L"MERIX_REGISTERED_COMMANDS", other);
+                CPhonomarkApp().On_kInitAppMsg(nullptr);
+            },
+            [](int status) {
+                return WIFSIGNALED(status) && (WTERMSIG(status) == SIGILL || WTERMSIG(status) == SIGTRAP);
+            },
+            ::testing::Not(HasSubstr("merix: ")))
+            << "a trap without a message";
+}
 
 TEST_F(ReactorsTest, TheDocumentReactorIsAttachedBeforeTheFirstMessage) {
     EXPECT_TRUE(g_dcReactor.IsAttached());
@@ -54,14 +137,49 @@ TEST_F(ReactorsTest, EveryReactorClassMakesItsObjects) {
 }
 
 TEST_F(ReactorsTest, EverySaveWritesTheListAutomaticOnesToo) {
-    for (const wchar_t* file : {L"/tmp/a.PH$", L"/tmp/a.ms$", L"/tmp/a.dxf", L""}) {
+    for (const wchar_t* file : {L"/tmp/a.PH$", L"/tmp/a.ph$", L"/tmp/a.ms$", L"/tmp/a.MS$", L"/tmp/a..MS$",
+                                L"/tmp/a.dxf", L"/tmp/a", L"", static_cast<const wchar_t*>(nullptr)}) {
         addNote();
-        merix::ed::Editor::instance().notifyBeginSave(&database(), file);
+        g_editorrect->beginSave(&database(), file);
         const auto before = listed();
         livePhManager()->RemovePhonomark(&document());
         livePhManager()->ReadVoiceHandle(&document());
         EXPECT_EQ(listed(), before);
     }
+}
+
+TEST_F(ReactorsTest, TheHostsAutomaticCopyHoldsTheList) {
+    const MxDbObjectId id = addNote();
+    const QString copy = folder.filePath(QStringLiteral("plan.dxf.ms$"));
+    ASSERT_TRUE(DocManager::instance().writeCopy(document(), copy).ok);
+    merix::ap::Document* opened = nullptr;
+    ASSERT_TRUE(DocManager::instance().openCopy(copy, {}, QStringLiteral("plan"), &opened).ok);
+    const std::vector<MxDbObjectId> known = ids(opened);
+    ASSERT_EQ(known.size(), 1u);
+    EXPECT_EQ(known[0].handle(), id.handle());
+}
+
+TEST_F(ReactorsTest, TheNotesOfALayoutAreDrawnAnewWhenItBecomesTheCurrentOne) {
+    const MxDbObjectId id = addNote();
+    const QStringList layouts = document().layouts();
+    ASSERT_GE(layouts.size(), 2);
+    auto before = note(id).data().graphicsVersion;
+    ASSERT_TRUE(document().setCurrentLayout(layouts[1]));
+    EXPECT_EQ(note(id).data().graphicsVersion, before);
+    ASSERT_TRUE(document().setCurrentLayout(layouts[0]));
+    EXPECT_GT(note(id).data().graphicsVersion, before);
+}
+
+TEST_F(ReactorsTest, NotesHiddenInOneDrawingAreHiddenInTheOthersWhenTheyAreActivated) {
+    const MxDbObjectId id = addNote();
+    merix::ap::Document& first = document();
+    useDocument(*DocManager::instance().create());
+    addNote();
+    const auto before = note(id).data().graphicsVersion;
+    run("VOICESHOW");
+    EXPECT_EQ(note(id).data().graphicsVersion, before) << "only the current drawing is switched at once";
+    DocManager::instance().activate(&first);
+    EXPECT_GT(note(id).data().graphicsVersion, before);
 }
 
 TEST_F(ReactorsTest, EveryCommandMarksTheNotesAsDraggedWhileItRuns) {

@@ -3,6 +3,7 @@
 
 #include "host/db/dictionary.h"
 #include "tests/phonomark/module_fixture.h"
+#include "tests/support/dxf_tags.h"
 
 using merix::ap::DocManager;
 using ::testing::ElementsAre;
@@ -38,6 +39,38 @@ protected:
         mxutRelRb(chain);
         list->close();
         return result;
+    }
+    /// The list that a DXF file holds as (code, text).
+    static std::vector<std::pair<int, std::wstring>> storedIn(const QString& dxf) {
+        std::vector<std::pair<int, std::wstring>> result;
+        for (const auto& record : merix::test::records(merix::test::readTags(dxf), "OBJECTS")) {
+            if (record[0].value != "XRECORD")
+                continue;
+            bool own = false;
+            for (const merix::test::Tag& tag : record) {
+                if (own && tag.code != 280)
+                    result.emplace_back(tag.code, QString::fromUtf8(tag.value).toStdWString());
+                own = own || (tag.code == 100 && tag.value == "AcDbXrecord");
+            }
+        }
+        return result;
+    }
+    /// Stores a chain as the list, whoever made it.
+    void store(std::initializer_list<std::pair<short, const wchar_t*>> elements) {
+        addNote();
+        ASSERT_TRUE(registry().SaveVoiceHandle(&database()));
+        resbuf* chain = nullptr;
+        resbuf** next = &chain;
+        for (const auto& [code, text] : elements) {
+            *next = mxutBuildList(code, text);
+            next = &(*next)->rbnext;
+        }
+        MxDbXrecord* list = nullptr;
+        ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+        list->setFromRbChain(*chain);
+        list->close();
+        mxutRelRb(chain);
+        registry().RemovePhonomark(&document());
     }
     static std::pair<int, std::wstring> element(MxDbObjectId id) {
         wchar_t text[17];
@@ -123,6 +156,89 @@ TEST_F(VoiceListTest, ADictionaryThatIsOpenElsewhereIsLeftAsItIs) {
     EXPECT_TRUE(dictionary().isNull());
     EXPECT_FALSE(registry().SaveVoiceHandle(nullptr));
     EXPECT_FALSE(registry().ReadVoiceHandle(nullptr));
+}
+
+TEST_F(VoiceListTest, ADictionaryOrAListThatCannotBeOpenedIsLeftAsItIs) {
+    const MxDbObjectId a = addNote();
+    registry().SaveVoiceHandle(&database());
+    addNote();
+    MxDbDictionary* notes = nullptr;
+    ASSERT_EQ(mxdbOpenObject(notes, dictionary(), Mx::kForRead), Mx::eOk);
+    EXPECT_FALSE(registry().SaveVoiceHandle(&database()));
+    notes->close();
+    EXPECT_THAT(stored(), ElementsAre(element(a)));
+    MxDbXrecord* list = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForRead), Mx::eOk);
+    EXPECT_TRUE(registry().SaveVoiceHandle(&database())) << "the dictionary could be had";
+    list->close();
+    EXPECT_THAT(stored(), ElementsAre(element(a)));
+    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+    registry().RemovePhonomark(&document());
+    EXPECT_TRUE(registry().ReadVoiceHandle(&document()));
+    list->close();
+    EXPECT_THAT(listed(), IsEmpty());
+    ASSERT_EQ(mxdbOpenObject(notes, dictionary(), Mx::kForWrite), Mx::eOk);
+    EXPECT_FALSE(registry().ReadVoiceHandle(&document()));
+    notes->close();
+}
+
+TEST_F(VoiceListTest, WhatAnotherProgramPutUnderTheNamesIsNeitherReadNorReplaced) {
+    addNote();
+    MxDbDictionary* named = nullptr;
+    MxDbObjectId id;
+    ASSERT_EQ(database().getNamedObjectsDictionary(named, Mx::kForWrite), Mx::eOk);
+    auto* foreign = new MxDbXrecord;
+    ASSERT_EQ(named->setAt(L"PHONO_MARK", foreign, id), Mx::eOk);
+    foreign->close();
+    named->close();
+    EXPECT_FALSE(registry().SaveVoiceHandle(&database()));
+    EXPECT_FALSE(registry().ReadVoiceHandle(&document()));
+    EXPECT_EQ(dictionary(), id);
+}
+
+TEST_F(VoiceListTest, EveryElementThatReadsAsAHandleIsListedWhateverItsCode) {
+    store({{102, L"2A"}, {1, L"ffff"}, {300, L"002a"}, {102, L""}, {102, L"no handle"}, {102, L"10000000000000000"}});
+    EXPECT_TRUE(registry().ReadVoiceHandle(&document()));
+    std::vector<std::uint64_t> handles;
+    for (const MxDbObjectId& id : listed())
+        handles.push_back(id.handle().value());
+    EXPECT_THAT(handles, ElementsAre(0x2A, 0xFFFF, 0x2A));
+}
+
+TEST_F(VoiceListTest, BothKindsOfFileHoldTheSameListInItsOrderWithDuplicatesAndStaleHandles) {
+    const MxDbObjectId a = addNote(), b = addNote(), c = addNote();
+    registry().ErasePhonomark(a, nullptr);
+    ASSERT_TRUE(DocManager::instance().undo(document())); // comes back at the end
+    registry().AppendPhonomark(b, &document());
+    for (const std::uint64_t handle : {0xABCDEFULL, 0xFFFFFFFFFFFFFFFFULL}) {
+        MxDbObjectId nothing;
+        ASSERT_EQ(database().getMxDbObjectId(nothing, true, MxDbHandle(handle), 0), Mx::eOk);
+        registry().AppendPhonomark(nothing, &document());
+    }
+    const std::vector<std::pair<int, std::wstring>> expected{element(b), element(c),       element(a),
+                                                             element(b), {102, L"ABCDEF"}, {102, L"FFFFFFFFFFFFFFFF"}};
+    const QString dxf = folder.filePath(QStringLiteral("a.dxf")), native = folder.filePath(QStringLiteral("a.merix")),
+                  again = folder.filePath(QStringLiteral("again.dxf"));
+    ASSERT_TRUE(DocManager::instance().saveAs(document(), dxf).ok);
+    EXPECT_EQ(storedIn(dxf), expected);
+    ASSERT_TRUE(DocManager::instance().saveAs(document(), native).ok);
+    DocManager::instance().close(document());
+    for (const QString& path : {dxf, native}) {
+        merix::ap::Document* opened = nullptr;
+        ASSERT_TRUE(DocManager::instance().open(path, &opened).ok);
+        useDocument(*opened);
+        EXPECT_EQ(stored(), expected) << path.toStdString();
+        std::vector<std::pair<int, std::wstring>> known;
+        for (const MxDbObjectId& id : listed())
+            known.push_back(element(id));
+        EXPECT_EQ(known, expected) << path.toStdString();
+        const MxDbObjectId fresh = addNote();
+        EXPECT_LT(fresh.handle().value(), 0xFFFFFFULL) << "a stale handle does not use the numbers up";
+        ASSERT_TRUE(DocManager::instance().undo(document()));
+        ASSERT_TRUE(DocManager::instance().saveAs(document(), again).ok);
+        EXPECT_EQ(storedIn(again), expected) << path.toStdString();
+        DocManager::instance().close(document());
+    }
 }
 
 TEST_F(VoiceListTest, NotesAreKnownAfterReopeningInBothKindsOfFile) {
