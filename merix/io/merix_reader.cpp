@@ -334,8 +334,11 @@ std::unique_ptr<MxDbObject> Reader::makeObject(const Row& row, RecordPlace place
             return object;
         refusal = "status " + std::to_string(static_cast<int>(status));
     }
-    if (!isModuleClass(aClass) && !row.text.empty() && !row.stale)
-        return makeKeptObject(m_database, m_parts->encoding(), row.text, place);
+    if (!isModuleClass(aClass) && !row.text.empty() && !row.stale) {
+        object = makeKeptObject(m_database, m_parts->encoding(), row.text, place);
+        readObjectLinks(m_database, row.text, object->data());
+        return object;
+    }
     return entity ? keepStream<db::KeptEntity, MxDbEntity>(m_database, name, row)
                   : keepStream<db::KeptObject, MxDbObject>(m_database, name, row);
 }

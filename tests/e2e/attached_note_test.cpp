@@ -93,6 +93,24 @@ TEST_F(AttachedNoteTest, TheBondIsSavedAndWorksAfterOpening) {
     run(script);
 }
 
+TEST_F(AttachedNoteTest, ARunWithoutTheModuleKeepsTheNoteAndItsBond) {
+    const QByteArray files[] = {"kept.dxf", "kept.merix"};
+    QByteArray made = sheet(), changed, used;
+    for (const QByteArray& file : files) {
+        made += "@save " + file + '\n';
+        // Both kinds are written by a program that does not know what it keeps; the object is moved meanwhile.
+        changed +=
+            "@open " + file + "\nMOVE\n100,110\n\n0,0\n50,40\nLINE\n10,10\n20,20\n\n" + clean() + "@save\n@close\n";
+        used += "@open " + file + '\n' + view() + clean() + markerAt(190, 160) + "MOVE\nAll\n\n0,0\n7,5\n" +
+                markerAt(197, 165) + clean() + "@close\n";
+    }
+    ASSERT_EQ(merix::test::runScript(made, m_folder.path()).status, 0);
+    const Outcome kept =
+        merix::test::runScript("@viewsize 800 600\n" + changed, m_folder.path(), {QStringLiteral("--no-module")});
+    ASSERT_EQ(kept.status, 0) << kept.err.constData() << kept.out.constData();
+    run(used);
+}
+
 TEST_F(AttachedNoteTest, ErasingTheObjectOrTheNoteInAnyOrderAndTakingItBackLeavesNothingBroken) {
     const QByteArray eraseObject = "ERASE\n100,110\n\n";
     QByteArray script = sheet();

@@ -251,6 +251,27 @@ TEST_F(MerixFile, AnObjectWhoseModuleIsAbsentBecomesDxf) {
     EXPECT_TRUE(reopen("a.merix")) << "its tags cost an object nothing but its DXF";
 }
 
+TEST_F(MerixFile, AnObjectThatIsKeptAsTheDxfItCameAsKnowsItsReactorsAndDictionary) {
+    const std::string text =
+        drawing("0|SAMPLENOTE|5|32|102|{ACAD_REACTORS|330|33|102|}|102|{ACAD_XDICTIONARY|360|40|102|}|330|1F|100|"
+                "AcDbEntity|8|0|100|MxDbSampleNote|90|1|10|1|20|2|30|3|93|0|1|words|"
+                "0|CIRCLE|5|33|330|1F|100|AcDbEntity|8|0|100|AcDbCircle|10|0|20|0|40|1.50",
+                "0|DICTIONARY|5|40|330|32|100|AcDbDictionary|281|1");
+    {
+        const WithSampleClass sample;
+        ASSERT_TRUE(load(text));
+        saveAs("a.merix");
+    }
+    MxDbDatabase other;
+    ASSERT_TRUE(readDrawing(directory / "a.merix", other));
+    const auto id = [&](std::uint64_t handle) { return MxDbObjectId(other.imp().find(MxDbHandle(handle))); };
+    const MxDbObject* kept = db::DatabaseImp::peek(id(0x32));
+    ASSERT_EQ(kept->isA(), db::KeptEntity::desc());
+    EXPECT_EQ(kept->extensionDictionary(), id(0x40));
+    ASSERT_EQ(kept->reactors().size(), 1U);
+    EXPECT_EQ(kept->reactors()[0].persistent, id(0x33));
+}
+
 TEST_F(MerixFile, DamageGivesOneLine) {
     ASSERT_TRUE(load(drawing(kEntities)));
     saveAs("good.merix");
