@@ -2,12 +2,11 @@
 #include "merix/ap/autosave.h"
 
 #include "merix/ed/prompter.h"
+#include "merix/ed/variables.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 #include <unistd.h>
 
@@ -28,6 +27,17 @@ qint64 now() {
     return clock.elapsed();
 }
 
+/// A name for a copy of `drawing`. One that another run left, or makes, is kept as long as it would be offered.
+QString freeName(const QString& stem, const QString& drawing) {
+    for (int n = 1; n < 1000; ++n) {
+        const QString number = n == 1 ? QString() : QStringLiteral(".%1").arg(n);
+        const QFileInfo known(stem + number + copySuffix());
+        if (!known.exists() || !(isNewer(known, drawing) || SessionList::isListed(known.filePath())))
+            return known.filePath();
+    }
+    return {};
+}
+
 } // namespace
 
 Autosave& Autosave::instance() {
@@ -42,7 +52,8 @@ Autosave::Autosave() {
     for (Document* document : manager.all())
         watch(document);
     connect(&m_timer, &QTimer::timeout, this, &Autosave::look);
-    setInterval(m_minutes);
+    setInterval(ed::saveTime());
+    ed::setSaveTimeListener([this](int minutes) { setInterval(minutes); });
 }
 
 void Autosave::setInterval(double minutes) {
@@ -102,13 +113,12 @@ QStringList Autosave::saveNow() {
 QString Autosave::copyPath(const Document& document) const {
     const QString& path = document.path();
     if (!path.isEmpty() && QFileInfo(QFileInfo(path).absolutePath()).isWritable())
-        return path + QStringLiteral(".ms$");
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
-    if (!QDir().mkpath(folder))
+        return freeName(path, path);
+    const QString folder = recoveryFolder();
+    if (folder.isEmpty())
         return {};
     // Two programs may each have a "Drawing1".
-    return QStringLiteral("%1/%2-%3.ms$").arg(folder, document.title()).arg(::getpid());
+    return freeName(QStringLiteral("%1/%2-%3").arg(folder, document.title()).arg(::getpid()), path);
 }
 
 bool Autosave::copy(Document& document) {
@@ -116,22 +126,30 @@ bool Autosave::copy(Document& document) {
     const QString path = state.path.isEmpty() ? copyPath(document) : state.path;
     state.changedAt = -1;
     const quint64 changes = document.changes();
+    if (path.isEmpty())
+        return fail(state, document.title() + QStringLiteral(": no folder for a copy"));
+    if (state.path.isEmpty())
+        QFile::remove(
+            path); // of another run, overtaken by the drawing: it must not be taken for the one that is listed
     // The list comes first: it passes over a copy that is not there, but nobody looks for a copy that it lacks.
-    if (!path.isEmpty())
-        SessionList::instance().add(path, document.path(), document.title());
-    const Result result = path.isEmpty() ? Result{false, document.title() + QStringLiteral(": no folder for a copy")}
-                                         : DocManager::instance().writeCopy(document, path);
-    if (!result.ok) {
+    const bool isListed = SessionList::instance().add(path, document.path(), document.title());
+    if (const Result result = DocManager::instance().writeCopy(document, path); !result.ok) {
         if (state.path.isEmpty())
             SessionList::instance().remove(path);
-        if (!std::exchange(state.failed, true))
-            Q_EMIT failed(QStringLiteral("Automatic save: ") + result.message);
-        return false;
+        return fail(state, result.message);
     }
     state.copied = changes;
     state.path = path;
+    if (!isListed)
+        return fail(state, path + QStringLiteral(": the list of copies cannot be written, nobody will be offered it"));
     state.failed = false;
     return true;
+}
+
+bool Autosave::fail(State& state, const QString& why) {
+    if (!std::exchange(state.failed, true))
+        Q_EMIT failed(QStringLiteral("Automatic save: ") + why);
+    return false;
 }
 
 Result Autosave::recover(const Recovery& recovery) {

@@ -18,15 +18,16 @@ public:
     static Autosave& instance();
 
     /// A copy is made when a drawing has had unsaved changes for this many minutes, and again after as many minutes of
-    /// further change. 0: never. 5 unless set.
+    /// further change. 0: never. The variable SAVETIME unless set.
     double interval() const { return m_minutes; }
     void setInterval(double minutes);
 
     /// Makes a copy of every drawing with changes that no file holds; beginSave is told of each. Returns the paths.
     QStringList saveNow();
 
-    /// Where the copy of a drawing goes: its path with `.ms$` added, in the user's data folder for a drawing never
-    /// saved or in a folder that cannot be written. Empty when there is no place.
+    /// Where the first copy of a drawing goes: its path with `.ms$` added, in the user's data folder for a drawing
+    /// never saved or in a folder that cannot be written; with a number when a copy that another run left, or makes,
+    /// stands there. Empty when there is no place.
     QString copyPath(const Document& document) const;
 
     /// Opens a copy as the drawing that it is of, with changes to save. The copy stays until that drawing is saved or
@@ -52,9 +53,11 @@ private:
         QString path;          ///< of the copy that exists
         bool failed = false;
     };
+    bool fail(State& state, const QString& why);
+
     std::map<Document*, State> m_states;
     QTimer m_timer;
-    double m_minutes = 5.0;
+    double m_minutes = 0.0;
 };
 
 } // namespace merix::ap

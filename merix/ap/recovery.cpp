@@ -2,12 +2,11 @@
 #include "merix/ap/recovery.h"
 
 #include "merix/ap/document_imp.h"
+#include "merix/ap/session_list.h"
 #include "merix/rx/shutdown.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
 #include <QThread>
 
 #include <atomic>
@@ -76,11 +75,8 @@ void atShutdown() {
 QString recoveryPath(const QString& path, const QString& title) {
     if (!path.isEmpty() && QFileInfo(QFileInfo(path).absolutePath()).isWritable())
         return freeName(path);
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
-    if (!QDir().mkpath(folder))
-        return {};
-    return freeName(folder + QLatin1Char('/') + title);
+    const QString folder = recoveryFolder();
+    return folder.isEmpty() ? QString() : freeName(folder + QLatin1Char('/') + title);
 }
 
 void writeRecoveryFilesAtShutdown() {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A list is a text: "merix copies 1", then for each copy three lines, the copy's path, the drawing's and the title,
-// percent-encoded so that a line holds any name.
+// A list is a text: "merix copies 1", then for each copy four lines, the copy's path, the drawing's, the title
+// (percent- encoded so that a line holds any name) and the hash of the drawing's file, then "end". It is written over
+// the one before it, in place, as the lock is on this file; what a process that dies meanwhile leaves of the one before
+// stands behind "end".
 #include "merix/ap/session_list.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +13,7 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <set>
+#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -22,12 +25,9 @@ namespace merix::ap {
 namespace {
 
 constexpr const char* kHead = "merix copies 1";
+constexpr const char* kEnd = "end";
 /// A list is small: a drawing is three paths.
 constexpr qint64 kLongestList = 1 << 20;
-
-QString folder() {
-    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
-}
 
 QByteArray encoded(const QString& text) {
     return QUrl::toPercentEncoding(text, " /:");
@@ -37,24 +37,60 @@ QString decoded(const QByteArray& line) {
     return QUrl::fromPercentEncoding(line);
 }
 
+/// Tells whether a file is the same as it was; empty when it cannot be read.
+QByteArray hashOf(const QString& path) {
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    return file.open(QFile::ReadOnly) && hash.addData(&file) ? hash.result().toHex() : QByteArray();
+}
+
+/// What is in the drawing's file is older than the copy. A save that died half way leaves a file with a later time, and
+/// so does the roll back of what it wrote: the content is then what it was when the copy was made.
+bool isWorthMore(const QFileInfo& copy, const QString& drawing, const QByteArray& hashThen) {
+    return isNewer(copy, drawing) || QFileInfo(drawing + QStringLiteral("-journal")).size() > 0 ||
+           (!hashThen.isEmpty() && hashOf(drawing) == hashThen);
+}
+
 std::vector<Recovery> parse(const QByteArray& text) {
     std::vector<Recovery> entries;
     const QList<QByteArray> lines = text.split('\n');
     if (lines.front() != kHead)
         return entries;
-    for (int i = 1; i + 2 < lines.size(); i += 3) {
+    for (int i = 1; i + 3 < lines.size() && lines[i] != kEnd; i += 4) {
         Recovery entry{decoded(lines[i]), decoded(lines[i + 1]), decoded(lines[i + 2]), {}};
-        const QFileInfo copy(entry.copy), drawing(entry.drawing);
-        if (entry.copy.isEmpty() || !copy.isFile())
-            continue;
+        const QFileInfo copy(entry.copy);
+        if (!entry.copy.endsWith(copySuffix()) || !copy.isFile())
+            continue; // whoever discards a copy must not be led to another file
         entry.made = copy.lastModified();
-        if (entry.drawing.isEmpty() || !drawing.exists() || drawing.lastModified() <= entry.made)
+        if (isWorthMore(copy, entry.drawing, lines[i + 3]))
             entries.push_back(std::move(entry));
     }
     return entries;
 }
 
+/// No other program reads the file as one that nobody holds while this one writes it first.
+bool lockNew(int file) {
+    struct stat status {};
+    return ::flock(file, LOCK_EX) == 0 && ::fstat(file, &status) == 0 && status.st_nlink > 0;
+}
+
 } // namespace
+
+const QString& copySuffix() {
+    static const QString suffix = QStringLiteral(".ms$");
+    return suffix;
+}
+
+QString recoveryFolder() {
+    const QString folder =
+        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
+    return QDir().mkpath(folder) ? folder : QString();
+}
+
+bool isNewer(const QFileInfo& copy, const QString& drawing) {
+    const QFileInfo known(drawing);
+    return drawing.isEmpty() || !known.exists() || known.lastModified() <= copy.lastModified();
+}
 
 SessionList& SessionList::instance() {
     static SessionList list;
@@ -63,38 +99,40 @@ SessionList& SessionList::instance() {
 
 /// A process that ends in order leaves no list unless copies still matter.
 SessionList::~SessionList() {
-    if (m_file >= 0)
-        ::close(m_file);
+    close();
 }
 
 bool SessionList::open() {
     if (m_file >= 0)
         return true;
-    if (!QDir().mkpath(folder()))
+    const QString folder = recoveryFolder();
+    if (folder.isEmpty())
         return false;
     // Process ids come round again; a list that is there under this one's name belongs to a dead process.
     for (int n = 0; n < 1000; ++n) {
-        m_path = QStringLiteral("%1/session-%2-%3.list").arg(folder()).arg(::getpid()).arg(n);
-        const int file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        if (file < 0)
-            continue;
-        // Somebody who looks for lists may have met this one before it was locked, and deleted it as an empty one.
-        struct stat now = {};
-        if (::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &now) == 0 && now.st_nlink > 0) {
-            m_file = file;
+        m_path = QStringLiteral("%1/session-%2-%3.list").arg(folder).arg(::getpid()).arg(n);
+        m_file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (m_file < 0 && errno != EEXIST)
+            return false;
+        if (m_file >= 0 && lockNew(m_file))
             return true;
-        }
-        ::close(file);
+        close(); // another program took the empty list for one left behind and deleted it
     }
     return false;
 }
 
+void SessionList::close() {
+    if (m_file >= 0)
+        ::close(m_file);
+    m_file = -1;
+}
+
 bool SessionList::write() {
     QByteArray text = kHead;
-    for (const Recovery& entry : m_entries)
-        text += '\n' + encoded(entry.copy) + '\n' + encoded(entry.drawing) + '\n' + encoded(entry.title);
-    text += '\n';
-    // In place: the lock is on this file. A list cut short by a crash loses at most its last entry.
+    for (const Entry& entry : m_entries)
+        text += '\n' + encoded(entry.copy) + '\n' + encoded(entry.drawing) + '\n' + encoded(entry.title) + '\n' +
+                entry.hash;
+    text += QByteArray("\n") + kEnd + '\n';
     return ::pwrite(m_file, text.constData(), std::size_t(text.size()), 0) == text.size() &&
            ::ftruncate(m_file, text.size()) == 0 && ::fsync(m_file) == 0;
 }
@@ -102,49 +140,67 @@ bool SessionList::write() {
 bool SessionList::add(const QString& copy, const QString& drawing, const QString& title) {
     if (!open())
         return false;
-    std::erase_if(m_entries, [&](const Recovery& entry) { return entry.copy == copy; });
-    m_entries.push_back({copy, drawing, title, {}});
+    Entry entry{copy, drawing, title, QFileInfo(drawing).lastModified(), QFileInfo(drawing).size(), {}};
+    const auto known = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.copy == copy; });
+    const bool same = known != m_entries.end() && known->drawing == drawing && known->saved == entry.saved &&
+                      known->size == entry.size;
+    entry.hash = same ? known->hash : hashOf(drawing);
+    if (known != m_entries.end())
+        m_entries.erase(known);
+    m_entries.push_back(std::move(entry));
     return write();
 }
 
 void SessionList::remove(const QString& copy) {
-    if (std::erase_if(m_entries, [&](const Recovery& entry) { return entry.copy == copy; }) == 0)
+    if (std::erase_if(m_entries, [&](const Entry& entry) { return entry.copy == copy; }) == 0)
         return;
     if (!m_entries.empty()) {
         write();
         return;
     }
     QFile::remove(m_path);
-    ::close(m_file);
-    m_file = -1;
+    close();
 }
 
-std::vector<Recovery> SessionList::leftBehind() {
-    std::vector<Recovery> found;
-    std::set<QString> held; // by programs that are at work
-    const QDir lists(folder());
+void SessionList::readAll(std::vector<Recovery>& left, std::set<QString>& held) {
+    const QString folder = recoveryFolder();
+    if (folder.isEmpty())
+        return;
+    const QDir lists(folder);
     for (const QString& name : lists.entryList({QStringLiteral("session-*.list")}, QDir::Files)) {
         const QString path = lists.filePath(name);
         QFile file(path);
         if (!file.open(QFile::ReadOnly))
             continue;
+        const bool isHeld = ::flock(file.handle(), LOCK_SH | LOCK_NB) != 0;
         const std::vector<Recovery> entries =
             file.size() <= kLongestList ? parse(file.readAll()) : std::vector<Recovery>();
-        if (::flock(file.handle(), LOCK_SH | LOCK_NB) != 0) {
-            for (const Recovery& entry : entries)
-                held.insert(entry.copy);
-            continue;
-        }
-        if (entries.empty())
+        if (!isHeld && entries.empty())
             QFile::remove(path);
-        for (const Recovery& entry : entries)
-            if (std::none_of(found.begin(), found.end(),
-                             [&](const Recovery& known) { return known.copy == entry.copy; }))
-                found.push_back(entry);
+        for (const Recovery& entry : entries) {
+            if (isHeld)
+                held.insert(entry.copy);
+            else if (std::none_of(left.begin(), left.end(), [&](const Recovery& e) { return e.copy == entry.copy; }))
+                left.push_back(entry);
+        }
     }
+}
+
+std::vector<Recovery> SessionList::leftBehind() {
+    std::vector<Recovery> found;
+    std::set<QString> held; // by programs that are at work
+    readAll(found, held);
     std::erase_if(found, [&](const Recovery& entry) { return held.contains(entry.copy); });
     std::stable_sort(found.begin(), found.end(), [](const Recovery& a, const Recovery& b) { return a.made < b.made; });
     return found;
+}
+
+bool SessionList::isListed(const QString& copy) {
+    std::vector<Recovery> left;
+    std::set<QString> held;
+    readAll(left, held);
+    return held.contains(copy) ||
+           std::any_of(left.begin(), left.end(), [&](const Recovery& entry) { return entry.copy == copy; });
 }
 
 } // namespace merix::ap

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QString>
 
+#include <set>
 #include <vector>
 
 namespace merix::ap {
@@ -19,6 +21,13 @@ struct Recovery {
     bool operator==(const Recovery&) const = default;
 };
 
+/// What the name of every copy ends in: ".ms$".
+const QString& copySuffix();
+/// Where lists are, and the copies that can stand nowhere else; made when it is missing. Empty when it cannot be.
+QString recoveryFolder();
+/// The copy is not older than the drawing's file (a path; empty: there is none).
+bool isNewer(const QFileInfo& copy, const QString& drawing);
+
 class SessionList {
 public:
     static SessionList& instance();
@@ -29,18 +38,31 @@ public:
     /// Forgets a copy; the list goes with its last entry.
     void remove(const QString& copy);
 
-    /// Copies that programs left behind which are no longer running, newer than the drawings they are of, oldest
-    /// first. Lists with nothing of that kind left are deleted.
+    /// Copies that programs left behind which are no longer running, oldest first; those only that hold more than the
+    /// drawings they are of: newer, or the drawing is what it was when they were made. Lists with nothing of that kind
+    /// left are deleted.
     static std::vector<Recovery> leftBehind();
+    /// A program, running or not, put this copy aside, and it holds more than its drawing.
+    static bool isListed(const QString& copy);
 
 private:
+    /// What was put aside, and what the drawing's file was then.
+    struct Entry {
+        QString copy, drawing, title;
+        QDateTime saved; ///< the file's time; with its size it says that the hash still holds
+        qint64 size;
+        QByteArray hash;
+    };
     SessionList() = default;
+    /// Adds what dead programs left, and what others hold.
+    static void readAll(std::vector<Recovery>& left, std::set<QString>& held);
     bool open();
     bool write();
+    void close();
 
     QString m_path;
     int m_file = -1; ///< open and locked once something was added
-    std::vector<Recovery> m_entries;
+    std::vector<Entry> m_entries;
 };
 
 } // namespace merix::ap

@@ -3,7 +3,11 @@
 
 #include "merix/db/database_imp.h"
 #include "merix/ed/active_view.h"
+#include "merix/ed/drawing_access.h"
 #include "merix/ed/properties.h"
+
+#include <QSettings>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <cmath>
@@ -119,6 +123,37 @@ Mx::ErrorStatus setEcho(const Value& value) {
     return Mx::eOk;
 }
 
+constexpr int kSaveTimeUnlessSet = 5, kLongestSaveTime = 600;
+constexpr const char* kSaveTimeKey = "SAVETIME";
+std::optional<int> g_saveTime;
+std::function<void(int)> g_saveTimeListener;
+
+QSettings userSettings() {
+    return {QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                QStringLiteral("/merix/merix.conf"),
+            QSettings::IniFormat};
+}
+
+std::optional<Value> getSaveTime() {
+    return Value(saveTime());
+}
+
+Mx::ErrorStatus setSaveTime(const Value& value) {
+    const int minutes = std::get<int>(value);
+    if (minutes < 0 || minutes > kLongestSaveTime)
+        return Mx::eOutOfRange;
+    g_saveTime = minutes;
+    QSettings settings = userSettings();
+    settings.setValue(QLatin1String(kSaveTimeKey), minutes);
+    settings.sync();
+    if (settings.status() != QSettings::NoError)
+        tell(QStringLiteral("%1 cannot be kept for the next time: %2")
+                 .arg(QLatin1String(kSaveTimeKey), settings.fileName()));
+    if (g_saveTimeListener)
+        g_saveTimeListener(minutes);
+    return Mx::eOk;
+}
+
 std::optional<Value> getViewCenter() {
     return view() ? std::optional<Value>(MxGePoint3d(view()->center.x, view()->center.y, 0.0)) : std::nullopt;
 }
@@ -131,6 +166,19 @@ std::optional<Value> getViewSize() {
 
 bool isCommandEchoOn() {
     return g_commandEcho;
+}
+
+int saveTime() {
+    if (!g_saveTime) {
+        bool isNumber = false;
+        const int kept = userSettings().value(QLatin1String(kSaveTimeKey)).toInt(&isNumber);
+        g_saveTime = isNumber && kept >= 0 && kept <= kLongestSaveTime ? kept : kSaveTimeUnlessSet;
+    }
+    return *g_saveTime;
+}
+
+void setSaveTimeListener(std::function<void(int)> listener) {
+    g_saveTimeListener = std::move(listener);
 }
 
 const std::vector<Variable>& systemVariables() {
@@ -147,6 +195,7 @@ const std::vector<Variable>& systemVariables() {
         {"EXTMIN", Type::kPoint, getHeader<&Header::extMin>, nullptr},
         {"INSUNITS", Type::kInteger, getHeader<&Header::insUnits>, setUnits},
         {"LTSCALE", Type::kReal, getHeader<&Header::linetypeScale>, setPositive<&Header::linetypeScale>},
+        {kSaveTimeKey, Type::kInteger, getSaveTime, setSaveTime},
         {"TEXTSIZE", Type::kReal, getHeader<&Header::textSize>, setPositive<&Header::textSize>},
         {"VIEWCTR", Type::kPoint, getViewCenter, nullptr},
         {"VIEWSIZE", Type::kReal, getViewSize, nullptr},

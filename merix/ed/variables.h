@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -29,5 +30,10 @@ const Variable* systemVariable(const QString& name);
 QString formatValue(const MxEdVariableValue& value);
 /// CMDECHO: what modules run is shown.
 bool isCommandEchoOn();
+/// SAVETIME: after how many minutes of unsaved change a drawing is copied, 0 to 600; 0: never. Kept in the user's
+/// settings, 5 unless set there.
+int saveTime();
+/// `listener` is called with each new value of SAVETIME. There is one; null takes it away.
+void setSaveTimeListener(std::function<void(int)> listener);
 
 } // namespace merix::ed

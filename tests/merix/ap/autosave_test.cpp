@@ -3,19 +3,27 @@
 
 #include "merix/db/database_imp.h"
 #include "merix/db/entities.h"
+#include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
-#include "merix/ed/reactor_list.h"
+#include "tests/merix/ed/answers.h"
 
 #include "host/ed/editor.h"
+#include "host/ed/variables.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
 
 using namespace merix;
 using ap::Autosave;
@@ -43,10 +51,39 @@ int linesIn(Document& document) {
     return count;
 }
 
+/// The messages of failed copies.
+struct Told {
+    Told() {
+        QObject::connect(&Autosave::instance(), &Autosave::failed, &context,
+                         [this](const QString& why) { lines << why; });
+    }
+    QStringList lines;
+    QObject context;
+};
+
+/// While it lives no file of this process can be longer than a sector: for writers a disk that is full.
+class FullDisk {
+public:
+    FullDisk() {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = 512;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
 class AutosaveTest : public testing::Test {
 protected:
     AutosaveTest() {
         qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("data")).toUtf8());
+        qputenv("XDG_CONFIG_HOME", folder.filePath(QStringLiteral("config")).toUtf8());
         Autosave::instance();
         path = folder.filePath(QStringLiteral("plan.dxf"));
         document = DocManager::instance().create();
@@ -55,6 +92,19 @@ protected:
     ~AutosaveTest() override {
         for (Document* open : DocManager::instance().all())
             DocManager::instance().close(*open);
+        Autosave::instance().setInterval(0);
+    }
+    /// Lets the time pass in which copies are made many times.
+    static void letLooksPass() {
+        Autosave::instance().setInterval(0.0001); // 6 ms, with a look each
+        QEventLoop loop;
+        QTimer::singleShot(100, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    static void waitFor(const QString& file) {
+        for (const QDeadlineTimer bound(60'000); !QFile::exists(file) && !bound.hasExpired();)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        EXPECT_TRUE(QFile::exists(file)) << file.toStdString();
     }
     QByteArray bytes(const QString& of) {
         QFile file(of);
@@ -166,14 +216,156 @@ TEST_F(AutosaveTest, ADrawingThatIsOpenIsNotRecoveredOverItself) {
     EXPECT_EQ(DocManager::instance().all().size(), 1U);
 }
 
-TEST_F(AutosaveTest, AFailureIsToldOnce) {
-    QStringList told;
-    QObject context;
-    QObject::connect(&Autosave::instance(), &Autosave::failed, &context, [&](const QString& why) { told << why; });
-    ASSERT_TRUE(QDir().mkpath(path + QStringLiteral(".ms$"))); // a folder stands in the way
+TEST_F(AutosaveTest, AFullDiskIsToldOnceAndLeavesTheWorkAndTheEarlierCopyAsTheyWere) {
+    const Told told;
     addLine(*document, 5);
+    const QString copy = Autosave::instance().saveNow().value(0);
+    const QByteArray earlier = bytes(copy), drawing = bytes(path);
+    {
+        const FullDisk full;
+        for (int line = 0; line < 3; ++line) {
+            addLine(*document, 6);
+            EXPECT_TRUE(Autosave::instance().saveNow().isEmpty());
+        }
+    }
+    ASSERT_EQ(told.lines.size(), 1);
+    EXPECT_TRUE(told.lines[0].startsWith(QStringLiteral("Automatic save: ")));
+    EXPECT_NE(told.lines[0].indexOf(copy), -1) << told.lines[0].toStdString();
+    EXPECT_EQ(bytes(copy), earlier);
+    EXPECT_EQ(bytes(path), drawing);
+    EXPECT_EQ(QDir(folder.path()).entryList({QStringLiteral(".merix-*")}, QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_EQ(linesIn(*document), 4);
+    EXPECT_TRUE(document->isChanged());
+    EXPECT_EQ(Autosave::instance().saveNow(), QStringList{copy}) << "there is room again";
+    {
+        const FullDisk full;
+        addLine(*document, 7);
+        Autosave::instance().saveNow();
+    }
+    EXPECT_EQ(told.lines.size(), 2) << "a failure after a success is told again";
+}
+
+TEST_F(AutosaveTest, AFolderThatCannotBeWrittenHasItsCopiesInTheUsersDataFolder) {
+    const QString gone = folder.filePath(QStringLiteral("gone"));
+    ASSERT_TRUE(QDir().mkpath(gone));
+    ASSERT_TRUE(DocManager::instance().saveAs(*document, gone + QStringLiteral("/plan.dxf")).ok);
+    ASSERT_TRUE(QDir(gone).removeRecursively());
+    const Told told;
+    addLine(*document, 5);
+    const QString copy = Autosave::instance().saveNow().value(0);
+    EXPECT_TRUE(copy.startsWith(folder.filePath(QStringLiteral("data")))) << copy.toStdString();
+    EXPECT_TRUE(QFile::exists(copy));
+    EXPECT_TRUE(told.lines.isEmpty());
+}
+
+TEST_F(AutosaveTest, WithoutAnyPlaceForACopyTheWorkGoesOn) {
+    QFile(folder.filePath(QStringLiteral("file"))).open(QFile::WriteOnly);
+    qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("file/data")).toUtf8());
+    const Told told;
+    Document* fresh = DocManager::instance().create();
+    addLine(*fresh, 5);
     EXPECT_TRUE(Autosave::instance().saveNow().isEmpty());
     EXPECT_TRUE(Autosave::instance().saveNow().isEmpty());
-    ASSERT_EQ(told.size(), 1);
-    EXPECT_NE(told[0].indexOf(path), -1) << told[0].toStdString();
+    EXPECT_EQ(told.lines, QStringList{QStringLiteral("Automatic save: %1: no folder for a copy").arg(fresh->title())});
+    EXPECT_EQ(linesIn(*fresh), 1);
+}
+
+TEST_F(AutosaveTest, ACopyThatNobodyWillBeOfferedIsToldOf) {
+    QFile(folder.filePath(QStringLiteral("file"))).open(QFile::WriteOnly);
+    qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("file/data")).toUtf8());
+    const Told told;
+    addLine(*document, 5);
+    Autosave::instance().saveNow();
+    EXPECT_TRUE(QFile::exists(path + QStringLiteral(".ms$")));
+    ASSERT_EQ(told.lines.size(), 1);
+    EXPECT_NE(told.lines[0].indexOf(QStringLiteral("nobody will be offered")), -1) << told.lines[0].toStdString();
+    DocManager::instance().close(*document);
+    EXPECT_FALSE(QFile::exists(path + QStringLiteral(".ms$")));
+}
+
+TEST_F(AutosaveTest, ACopyOfAnotherRunIsKeptUntilTheDrawingIsNewer) {
+    const QString left = path + QStringLiteral(".ms$");
+    QFile file(left);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write("left behind");
+    file.close();
+    addLine(*document, 5);
+    EXPECT_EQ(Autosave::instance().saveNow(), QStringList{path + QStringLiteral(".2.ms$")});
+    EXPECT_EQ(bytes(left), QByteArray("left behind"));
+    ASSERT_TRUE(DocManager::instance().save(*document).ok);
+    EXPECT_FALSE(QFile::exists(path + QStringLiteral(".2.ms$")));
+    EXPECT_TRUE(QFile::exists(left));
+    ASSERT_TRUE(file.open(QFile::ReadWrite));
+    file.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFile::FileModificationTime);
+    file.close();
+    addLine(*document, 6);
+    struct Reactor : MxEditorReactor {
+        void beginSave(MxDbDatabase*, const wchar_t* name) override {
+            there = QFile::exists(QString::fromWCharArray(name));
+        }
+        bool there = true;
+    } reactor;
+    ed::Editor::instance().addReactor(&reactor);
+    EXPECT_EQ(Autosave::instance().saveNow(), QStringList{left}) << "nobody is offered that one any more";
+    ed::Editor::instance().removeReactor(&reactor);
+    EXPECT_FALSE(reactor.there) << "it would be taken for the new one if the program died now";
+}
+
+TEST_F(AutosaveTest, WhatReactorsWriteAlongWithACopyIsNoChangeAndNoStep) {
+    struct Reactor : MxEditorReactor {
+        void beginSave(MxDbDatabase*, const wchar_t*) override { addLine(*document, 9); }
+        Document* document = nullptr;
+    } reactor;
+    reactor.document = document;
+    addLine(*document, 5);
+    addLine(*document, 6);
+    ASSERT_TRUE(DocManager::instance().undo(*document));
+    const db::UndoRecorder& undo = document->database()->imp().undo;
+    const auto undoSteps = undo.undoUnits().size(), redoSteps = undo.redoUnits().size();
+    const quint64 changes = document->changes();
+    ed::Editor::instance().addReactor(&reactor);
+    EXPECT_EQ(Autosave::instance().saveNow().size(), 1);
+    ed::Editor::instance().removeReactor(&reactor);
+    EXPECT_EQ(undo.undoUnits().size(), undoSteps);
+    EXPECT_EQ(undo.redoUnits().size(), redoSteps);
+    EXPECT_EQ(document->changes(), changes);
+    EXPECT_TRUE(document->isChanged());
+    EXPECT_TRUE(DocManager::instance().redo(*document));
+    EXPECT_TRUE(DocManager::instance().undo(*document));
+    EXPECT_TRUE(DocManager::instance().undo(*document));
+    EXPECT_FALSE(DocManager::instance().undo(*document));
+}
+
+TEST_F(AutosaveTest, NoCopyIsMadeInTheMiddleOfACommandButWhileItWaitsForTheUser) {
+    static std::function<void()> body;
+    const QString copy = path + QStringLiteral(".ms$");
+    body = [&] {
+        addLine(*document, 5);
+        letLooksPass();
+        EXPECT_FALSE(QFile::exists(copy));
+        QString answer;
+        ed::Prompter::instance().getString(false, QStringLiteral("Next: "), answer);
+    };
+    ed::CommandStack::instance().addCommand(L"TEST", L"SLOW", L"SLOW", 0, [] { body(); });
+    test::Answers answers({QStringLiteral("on")});
+    answers.before = [&] { waitFor(copy); };
+    EXPECT_EQ(ed::CommandStack::instance().runLine(QStringLiteral("SLOW")), ed::CommandStack::Outcome::kEnded);
+    EXPECT_EQ(document->database()->imp().undo.undoUnits().size(), 1U);
+    EXPECT_TRUE(document->isChanged());
+}
+
+TEST_F(AutosaveTest, TheVariableSetsTheIntervalAndNoughtMakesNoCopies) {
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 7), Mx::eOk);
+    EXPECT_EQ(Autosave::instance().interval(), 7.0);
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 601), Mx::eOutOfRange);
+    EXPECT_EQ(Autosave::instance().interval(), 7.0);
+    letLooksPass();
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 0), Mx::eOk);
+    EXPECT_EQ(Autosave::instance().interval(), 0.0);
+    addLine(*document, 5);
+    QEventLoop loop;
+    QTimer::singleShot(100, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_FALSE(QFile::exists(path + QStringLiteral(".ms$")));
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 5), Mx::eOk);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ap/session_list.h"
 
-#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -18,12 +18,14 @@ namespace {
 class SessionListTest : public testing::Test {
 protected:
     SessionListTest() { qputenv("XDG_DATA_HOME", folder.path().toUtf8()); }
-    QString write(const QString& name, const QByteArray& bytes = "x") {
-        const QString path = folder.filePath(name);
+    QString write(const QString& name) {
+        writeTo(folder.filePath(name), "x");
+        return folder.filePath(name);
+    }
+    static void writeTo(const QString& path, const QByteArray& bytes) {
         QFile file(path);
         EXPECT_TRUE(file.open(QFile::WriteOnly));
         file.write(bytes);
-        return path;
     }
     void setAge(const QString& path, int secondsAgo) {
         QFile file(path);
@@ -40,12 +42,18 @@ protected:
         int status = 0;
         waitpid(child, &status, 0);
     }
+    /// Their paths. The folder carries the program's name, which other tests of the process may have set.
     QStringList lists() const {
         QStringList found;
-        QDir data(folder.path());
-        for (const QString& application : data.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-            found += QDir(data.filePath(application) + QStringLiteral("/recovery")).entryList(QDir::Files);
-        return found + QDir(data.filePath(QStringLiteral("recovery"))).entryList(QDir::Files);
+        for (QDirIterator at(folder.path(), {QStringLiteral("*.list")}, QDir::Files, QDirIterator::Subdirectories);
+             at.hasNext();)
+            found << at.next();
+        return found;
+    }
+    QByteArray bytesOf(const QString& path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QFile::ReadOnly));
+        return file.readAll();
     }
     QTemporaryDir folder;
 };
@@ -65,11 +73,40 @@ TEST_F(SessionListTest, WhatADeadProgramPutAsideIsFoundWithItsNames) {
 
 TEST_F(SessionListTest, ACopyOlderThanItsDrawingIsNotOfferedAndItsListGoes) {
     const QString drawing = write(QStringLiteral("a.dxf")), copy = write(QStringLiteral("a.dxf.ms$"));
-    setAge(copy, 60);
     dieWith(copy, drawing);
+    writeTo(drawing, "saved since");
+    setAge(copy, 60);
     EXPECT_EQ(lists().size(), 1);
     EXPECT_TRUE(SessionList::leftBehind().empty());
     EXPECT_TRUE(lists().isEmpty());
+}
+
+TEST_F(SessionListTest, ADrawingWhoseSaveDiedHalfWayIsNotNewerThanItsCopy) {
+    const QString drawing = write(QStringLiteral("a.merix")), copy = write(QStringLiteral("a.merix.ms$"));
+    dieWith(copy, drawing);
+    setAge(copy, 60); // the drawing was written to since
+    EXPECT_TRUE(SessionList::isListed(copy));
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U) << "what was written has been rolled back: it is as it was";
+    writeTo(drawing, "half of it");
+    const QString journal = write(QStringLiteral("a.merix-journal"));
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U) << "it will be rolled back";
+    QFile::remove(journal);
+    EXPECT_TRUE(SessionList::leftBehind().empty()) << "it was saved";
+    EXPECT_FALSE(SessionList::isListed(copy));
+}
+
+TEST_F(SessionListTest, TheStateOfTheDrawingIsTakenAnewWithEachCopy) {
+    const QString drawing = write(QStringLiteral("a.dxf")), copy = write(QStringLiteral("a.dxf.ms$"));
+    const pid_t child = fork();
+    if (child == 0) {
+        SessionList::instance().add(copy, drawing, QStringLiteral("a"));
+        writeTo(drawing, "saved meanwhile");
+        SessionList::instance().add(copy, drawing, QStringLiteral("a"));
+        _exit(0);
+    }
+    waitpid(child, nullptr, 0);
+    setAge(copy, 60);
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U);
 }
 
 TEST_F(SessionListTest, ACopyThatIsGoneIsNotOffered) {
@@ -103,15 +140,51 @@ TEST_F(SessionListTest, WhatAProgramAtWorkHoldsIsNotOffered) {
 TEST_F(SessionListTest, ADamagedListIsPassedOverAndDeleted) {
     const QString copy = write(QStringLiteral("a.ms$"));
     dieWith(copy, QString());
-    const QString list = SessionList::leftBehind().empty() ? QString() : lists().front();
-    ASSERT_FALSE(list.isEmpty());
+    ASSERT_EQ(SessionList::leftBehind().size(), 1U);
+    const QString list = lists().value(0);
     for (const QByteArray& text : {QByteArray("nonsense\n\n\n\n"), QByteArray("merix copies 1\nonly"), QByteArray()}) {
-        QDir data(folder.path());
-        for (const QString& at : {QStringLiteral("recovery"), QStringLiteral("merix_ap_test/recovery")})
-            if (data.exists(at))
-                write(at + QLatin1Char('/') + list, text);
+        writeTo(list, text);
         EXPECT_TRUE(SessionList::leftBehind().empty());
         EXPECT_TRUE(lists().isEmpty());
+    }
+}
+
+TEST_F(SessionListTest, WhatStandsBehindTheEndOfAListWasCutOffByADeath) {
+    const QString a = write(QStringLiteral("a.ms$")), b = write(QStringLiteral("b.ms$"));
+    dieWith(a, QString());
+    dieWith(b, QString());
+    ASSERT_EQ(lists().size(), 2);
+    const QByteArray other = bytesOf(lists()[1]);
+    const QByteArray tail = other.mid(other.indexOf('\n') + 1);
+    writeTo(lists()[0], bytesOf(lists()[0]) + tail);
+    QFile::remove(lists()[1]);
+    ASSERT_EQ(SessionList::leftBehind().size(), 1U);
+    writeTo(lists()[0], bytesOf(lists()[0]).replace("\nend\n", "\n"));
+    EXPECT_EQ(SessionList::leftBehind().size(), 2U) << "without an end the lines that follow would count";
+}
+
+TEST_F(SessionListTest, AnotherFileThanACopyIsNeverOffered) {
+    const QString drawing = write(QStringLiteral("plan.dxf"));
+    dieWith(drawing, QString());
+    EXPECT_TRUE(SessionList::leftBehind().empty());
+}
+
+TEST_F(SessionListTest, AListDeletedByAnotherProgramBeforeItWasLockedIsMadeAnew) {
+    const QString copy = write(QStringLiteral("a.ms$"));
+    // Others look for what was left behind all the while; nothing that is put aside may get lost to them.
+    constexpr int kPrograms = 40;
+    for (int n = 0; n < kPrograms; ++n) {
+        const pid_t looker = fork();
+        if (looker == 0) {
+            for (int look = 0; look < 200; ++look)
+                SessionList::leftBehind();
+            _exit(0);
+        }
+        dieWith(copy, QString());
+        waitpid(looker, nullptr, 0);
+        ASSERT_EQ(SessionList::leftBehind().size(), 1U) << n;
+        for (const QString& list : lists())
+            QFile::remove(list);
     }
 }
 

@@ -113,3 +113,10 @@ TEST_F(CommandsScriptTest, VariablesAreSavedWithTheDrawing) {
 TEST_F(CommandsScriptTest, PartsOfADrawingAreCopiedIntoAnother) {
     expectFine(kSheet + "COPYCLIP\nall\n\nNEW\nPASTECLIP\n0,0\nERASE\nall\n\n@expect 2 erased\n");
 }
+
+TEST_F(CommandsScriptTest, TheTimeBetweenCopiesIsKeptForTheNextRun) {
+    expectFine(
+        "NEW\nSETVAR\nSAVETIME\n\n@expect <5>\nSETVAR\nSAVETIME\n601\n@expect SAVETIME does not take the value 601.\n"
+        "SETVAR\nSAVETIME\n17\n");
+    expectFine("NEW\nSETVAR\nSAVETIME\n\n@expect <17>\n");
+}

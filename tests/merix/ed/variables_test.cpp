@@ -3,6 +3,10 @@
 
 #include "command_fixture.h"
 
+#include <QFile>
+#include <QSettings>
+#include <QTemporaryDir>
+
 #include <cmath>
 #include <limits>
 
@@ -109,4 +113,36 @@ TEST_F(VariablesTest, EachIsNamedOnceAndCanBeRead) {
         before = name;
     }
     EXPECT_EQ(database.undo.undoUnits().size(), 0U);
+}
+
+TEST_F(VariablesTest, TheTimeBetweenCopiesIsOfTheUserAndChecked) {
+    const QTemporaryDir home;
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    const QString file = home.filePath(QStringLiteral("merix/merix.conf"));
+    const auto kept = [&] {
+        return QSettings(file, QSettings::IniFormat).value(QStringLiteral("SAVETIME")).toString();
+    };
+    std::vector<int> told;
+    ed::setSaveTimeListener([&](int minutes) { told.push_back(minutes); });
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 600), Mx::eOk);
+    EXPECT_EQ(kept(), QStringLiteral("600"));
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 601), Mx::eOutOfRange);
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", -1), Mx::eOutOfRange);
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 2.5), Mx::eInvalidInput);
+    EXPECT_EQ(get(L"SAVETIME"), QStringLiteral("600"));
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 0), Mx::eOk) << "never";
+    EXPECT_EQ(kept(), QStringLiteral("0"));
+    EXPECT_THAT(told, testing::ElementsAre(600, 0));
+    ed::setSaveTimeListener({});
+    EXPECT_FALSE(document.isChanged());
+    EXPECT_EQ(database.undo.undoUnits().size(), 0U);
+}
+
+TEST_F(VariablesTest, ASettingThatCannotBeKeptHoldsForThisRunAndIsToldOf) {
+    const QTemporaryDir home;
+    QFile(home.filePath(QStringLiteral("file"))).open(QFile::WriteOnly);
+    qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("file")).toUtf8());
+    EXPECT_EQ(mxedSetVar(L"SAVETIME", 12), Mx::eOk);
+    EXPECT_EQ(get(L"SAVETIME"), QStringLiteral("12"));
+    EXPECT_THAT(shown(), testing::HasSubstr("SAVETIME cannot be kept for the next time"));
 }
