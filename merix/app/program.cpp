@@ -108,6 +108,7 @@ int runWindow(const Options& options) {
         if (!unattended) {
             for (const QString& drawing : options.drawings)
                 window.openFile(drawing);
+            window.recoveryBar()->look();
             return;
         }
         failure = runUnattended(options, window);
@@ -115,6 +116,8 @@ int runWindow(const Options& options) {
     });
     QApplication::exec();
     closeAll();
+    while (ui::MainWindow::all().size() > 1)
+        delete ui::MainWindow::all().back(); // those that drawings were moved to
     return failure.isEmpty() ? 0 : complain(failure);
 }
 

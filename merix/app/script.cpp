@@ -37,12 +37,15 @@ QString withoutComment(const QString& line, bool& isLine) {
 
 } // namespace
 
-Script::Script(ui::MainWindow& window)
-    : m_window(window)
-    , m_desktop(window)
+Script::Script(ui::MainWindow& first)
+    : m_desktop(first)
     , m_hand(m_desktop) {}
 
 Script::~Script() = default;
+
+ui::MainWindow& Script::window() {
+    return *ui::MainWindow::instance();
+}
 
 QString Script::run(LineReader& lines, const QString& name) {
     m_lines = &lines;

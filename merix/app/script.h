@@ -17,7 +17,7 @@ namespace merix::app {
 class Script : public QObject, public ed::InputSource {
     Q_OBJECT
 public:
-    explicit Script(ui::MainWindow& window);
+    explicit Script(ui::MainWindow& first);
     ~Script() override;
 
     /// `name` is what messages call the script. Returns when its last line is done; empty, or `NAME:LINE: why` of the
@@ -32,6 +32,8 @@ private:
     using Action = QString (Script::*)(const QString& argument);
     static Action actionNamed(const QString& name);
 
+    /// The window of the active drawing.
+    static ui::MainWindow& window();
     bool runNext();
     QString runLine(const QString& line);
     QString runTyped(const QString& line);
@@ -59,7 +61,6 @@ private:
     QString expect(const QString& argument);
     QString listWindows(const QString& argument);
 
-    ui::MainWindow& m_window;
     Desktop m_desktop;
     Hand m_hand;
     LineReader* m_lines = nullptr;

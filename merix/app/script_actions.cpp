@@ -34,7 +34,7 @@ QString Script::hover(const QString& argument) {
     const double x = numbers.value(0).toDouble(&okX), y = numbers.value(1).toDouble(&okY);
     if (numbers.size() != 2 || !okX || !okY || !std::isfinite(x) || !std::isfinite(y))
         return QStringLiteral("a point is X Y in drawing units");
-    const ui::DrawingView* view = m_window.view();
+    const ui::DrawingView* view = window().view();
     if (!view->document())
         return noDrawing();
     const QPointF place = view->toWidget({x, y, 0.0});
@@ -104,9 +104,9 @@ QString Script::viewSize(const QString& argument) {
     const QSize wanted(numbers.value(0).toInt(), numbers.value(1).toInt());
     if (numbers.size() != 2 || wanted.isEmpty() || wanted.width() > kLargestView || wanted.height() > kLargestView)
         return QStringLiteral("a size is WIDTH HEIGHT in pixels, 1 to %1 each").arg(kLargestView);
-    m_window.resize(m_window.size() + wanted - m_window.view()->size());
+    window().resize(window().size() + wanted - window().view()->size());
     drain();
-    const QSize got = m_window.view()->size();
+    const QSize got = window().view()->size();
     return got == wanted ? QString()
                          : QStringLiteral("the view is %1 by %2 instead").arg(got.width()).arg(got.height());
 }
@@ -114,7 +114,7 @@ QString Script::viewSize(const QString& argument) {
 QString Script::viewShot(const QString& argument) {
     if (argument.isEmpty())
         return QStringLiteral("a file name is needed");
-    return writePicture(m_window.view()->grab().toImage().convertToFormat(QImage::Format_RGB32), argument);
+    return writePicture(window().view()->grab().toImage().convertToFormat(QImage::Format_RGB32), argument);
 }
 
 QString Script::open(const QString& argument) {

@@ -24,6 +24,24 @@ constexpr double kWheelStep = 1.2;                       ///< zoom of one notch 
 constexpr double kNotch = 120.0;                         ///< angle units of one notch, by Qt
 const MxDbExtents kEmptySheet{{0, 0, 0}, {420, 297, 0}}; ///< shown of a drawing that holds nothing
 
+/// Graphics are made for the view that shows them, whichever is active: modules size their marks by its pixels and look
+/// for line types in its drawing.
+class MadeFor {
+public:
+    explicit MadeFor(DrawingView& view)
+        : m_database(view.document()->database())
+        , m_before(ed::activeView()) {
+        ed::setActiveView(&view);
+    }
+    ~MadeFor() { ed::setActiveView(m_before); }
+    MadeFor(const MadeFor&) = delete;
+    MadeFor& operator=(const MadeFor&) = delete;
+
+private:
+    db::WorkingDatabaseScope m_database;
+    ed::ActiveView* m_before;
+};
+
 } // namespace
 
 DrawingView::DrawingView(QWidget* parent)
@@ -41,6 +59,8 @@ DrawingView::DrawingView(QWidget* parent)
 }
 
 void DrawingView::promptChanged() {
+    if (!isActive())
+        return;
     const ed::Prompter& prompter = ed::Prompter::instance();
     if (prompter.isWaiting() || ed::CommandStack::instance().isRunning())
         abandon(); // the hand is the command's now
@@ -59,30 +79,43 @@ DrawingView::~DrawingView() {
 // ---------------------------------------------------------------- what is shown
 
 void DrawingView::setDocument(ap::Document* document) {
-    if (m_document == document && document)
+    if (m_document == document)
         return;
     if (m_document) {
         m_layoutViews[{m_document, m_space}] = m_document->view();
         m_document->disconnect(this);
     }
     m_hand.abandon();
-    ed::Selection::instance().clear(); // it is of the drawing that was active
+    if (isActive())
+        ed::setActiveView(nullptr);
     m_document = document;
     if (document) {
         m_space = space();
-        if (auto& highlights = m_highlights[document]; !highlights) {
-            highlights = std::make_unique<Highlights>(*document->database());
-            connect(highlights.get(), &Highlights::changed, this, &DrawingView::repaintMarks);
-        }
+        if (!m_highlights[document])
+            keep(document, std::make_unique<Highlights>(*document->database()));
         connect(document, &ap::Document::graphicsChanged, this, &DrawingView::update);
         connect(document, &ap::Document::layoutChanged, this, &DrawingView::layoutChanged);
         setUpTransform(document->view());
     }
     setCursor(document ? Qt::BlankCursor : Qt::ArrowCursor);
-    ed::setActiveView(document ? this : nullptr);
     update();
-    if (document)
-        ed::Editor::instance().notifyViewChanged();
+}
+
+void DrawingView::becomeActive() {
+    if (!m_document || isActive())
+        return;
+    if (auto* before = dynamic_cast<DrawingView*>(ed::activeView())) {
+        before->m_hand.abandon();
+        before->repaintMarks();
+    }
+    ed::setActiveView(this);
+    repaintMarks();
+    ed::Editor::instance().notifyViewChanged();
+}
+
+void DrawingView::keep(ap::Document* document, std::unique_ptr<Highlights> highlights) {
+    connect(highlights.get(), &Highlights::changed, this, &DrawingView::repaintMarks);
+    m_highlights[document] = std::move(highlights);
 }
 
 void DrawingView::forget(ap::Document* document) {
@@ -91,6 +124,19 @@ void DrawingView::forget(ap::Document* document) {
     std::erase_if(m_layoutViews, [&](const auto& entry) { return entry.first.first == document; });
     m_scenes.erase(document);
     m_highlights.erase(document);
+}
+
+void DrawingView::takeOver(DrawingView& other, ap::Document* document) {
+    for (const auto& [place, view] : other.m_layoutViews)
+        if (place.first == document)
+            m_layoutViews[place] = view;
+    if (auto scene = other.m_scenes.extract(document))
+        m_scenes.insert(std::move(scene));
+    if (auto highlights = other.m_highlights.extract(document)) {
+        highlights.mapped()->disconnect(&other);
+        keep(document, std::move(highlights.mapped()));
+    }
+    other.forget(document);
 }
 
 void DrawingView::setUpTransform(ge::ViewTransform& view) {
@@ -107,14 +153,16 @@ void DrawingView::layoutChanged() {
     if (!m_document || m_space == space())
         return;
     m_hand.abandon();
-    ed::Selection::instance().clear();
+    if (isActive())
+        ed::Selection::instance().clear();
     m_layoutViews[{m_document, m_space}] = m_document->view();
     m_space = space();
     const auto known = m_layoutViews.find({m_document, m_space});
     m_document->view() = known == m_layoutViews.end() ? ge::ViewTransform() : known->second;
     setUpTransform(m_document->view());
     update();
-    ed::Editor::instance().notifyViewChanged();
+    if (isActive())
+        ed::Editor::instance().notifyViewChanged();
 }
 
 gi::Scene& DrawingView::scene() {
@@ -137,7 +185,8 @@ void DrawingView::setTransform(const ge::ViewTransform& transform) {
         return;
     m_document->view() = transform;
     update();
-    ed::Editor::instance().notifyViewChanged();
+    if (isActive())
+        ed::Editor::instance().notifyViewChanged(); // else when it becomes active
     if (m_cursor) {
         Q_EMIT cursorMoved(toWorld(*m_cursor));
         m_hover.start(0);
@@ -145,7 +194,10 @@ void DrawingView::setTransform(const ge::ViewTransform& transform) {
 }
 
 MxDbExtents DrawingView::extents() {
-    return m_document ? scene().extents(space()) : MxDbExtents();
+    if (!m_document)
+        return {};
+    const MadeFor graphics(*this);
+    return scene().extents(space());
 }
 
 double DrawingView::aperture() const {
@@ -236,7 +288,8 @@ void DrawingView::paintEvent(QPaintEvent* event) {
     if (!m_marks.isNull())
         painter.drawPixmap(0, 0, m_marks);
     if (m_document) {
-        m_hand.paint(painter);
+        if (isActive())
+            m_hand.paint(painter);
         paintCursor(painter);
     } else
         paintHint(painter);
@@ -251,6 +304,7 @@ void DrawingView::paintPicture() {
     m_picture.fill(kCanvas);
     m_stale = false; // before painting: what changes meanwhile is painted next time
     if (m_document) {
+        const MadeFor graphics(*this);
         QPainter painter(&m_picture);
         scene().paint(painter, m_document->view(), space(), paintOptions());
     }
@@ -267,7 +321,9 @@ gi::PaintOptions DrawingView::paintOptions() const {
 /// A halo around everything that is selected or highlighted, itself drawn over it again.
 void DrawingView::paintMarks() {
     m_marksStale = false;
-    std::vector<MxDbObjectId> ids = ed::Selection::instance().ids();
+    std::vector<MxDbObjectId> ids;
+    if (isActive()) // the selection is of the active drawing
+        ids = ed::Selection::instance().ids();
     if (m_document)
         for (const MxDbObjectId id : m_highlights.at(m_document)->ids())
             if (!ed::Selection::instance().contains(id))
@@ -276,6 +332,7 @@ void DrawingView::paintMarks() {
         m_marks = QPixmap();
         return;
     }
+    const MadeFor graphics(*this);
     gi::PaintOptions options = paintOptions();
     QPixmap halo(m_picture.size());
     halo.fill(Qt::transparent);
@@ -308,7 +365,7 @@ void DrawingView::paintCursor(QPainter& painter) const {
     if (!m_cursor || m_panning)
         return;
     const ed::Prompter& prompter = ed::Prompter::instance();
-    const bool wantsPoint = prompter.isPointTaken() && prompter.wants() != ed::Prompter::Wants::kPick;
+    const bool wantsPoint = isActive() && prompter.isPointTaken() && prompter.wants() != ed::Prompter::Wants::kPick;
     const QPointF c(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
     if (wantsPoint && prompter.base())
         paintRubberBand(painter, c);
@@ -371,7 +428,7 @@ std::optional<MxGePoint3d> DrawingView::aimBase() const {
 
 std::optional<SnapPoint> DrawingView::snapAt(const QPointF& position) {
     const bool isAsked = !m_boxSelects && ed::Prompter::instance().wants() == ed::Prompter::Wants::kPoint;
-    if (!m_snapping || !m_document || !(isAsked || m_hand.isDragging()))
+    if (!m_snapping || !isActive() || !(isAsked || m_hand.isDragging()))
         return {};
     const MxGePoint3d world = toWorld(position);
     const double reach = kSnapReach * devicePixelRatioF() * transform().unitsPerPixel;
@@ -429,7 +486,9 @@ void DrawingView::wheelEvent(QWheelEvent* event) {
 void DrawingView::mousePressEvent(QMouseEvent* event) {
     if (!m_document)
         return;
-    if (event->button() == Qt::MiddleButton) {
+    if (!isActive()) {
+        Q_EMIT activationWanted();
+    } else if (event->button() == Qt::MiddleButton) {
         m_panning = true;
         m_panFrom = event->localPos();
         setCursor(Qt::ClosedHandCursor);
@@ -486,7 +545,7 @@ void DrawingView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void DrawingView::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && m_document)
+    if (event->button() == Qt::LeftButton && isActive())
         leftRelease(event);
     if (event->button() != Qt::MiddleButton || !m_panning)
         return;
@@ -513,7 +572,7 @@ void DrawingView::leaveEvent(QEvent*) {
 }
 
 void DrawingView::hover() {
-    if (!m_document || !m_cursor || m_panning)
+    if (!isActive() || !m_cursor || m_panning)
         return;
     MxEdInputPoint input;
     input.pointComputed = true;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The widget that shows the active drawing and takes the cursor's input. Everything is painted into a picture that is
-// kept until it is stale; what is selected or highlighted is painted into a second one that lies over it, and the
-// cursor over both, so that neither costs painting the drawing. The view's pixels (ed::ActiveView, the contract's pixel
-// operations) are physical ones.
+// The widget that shows a drawing and takes the cursor's input. Everything is painted into a picture that is kept until
+// it is stale; what is selected or highlighted is painted into a second one that lies over it, and the cursor over
+// both, so that neither costs painting the drawing. The view's pixels (ed::ActiveView, the contract's pixel operations)
+// are physical ones. Every window has a view; the one of the active drawing is the active view.
 #pragma once
 
 #include "merix/ap/document_imp.h"
@@ -28,11 +28,18 @@ public:
     explicit DrawingView(QWidget* parent = nullptr);
     ~DrawingView() override;
 
-    /// Shows another drawing, as it was shown before, or whole when it is new; null for none.
+    /// Shows another drawing, as it was shown before, or whole when it is new; null for none. It is not the active view
+    /// then.
     void setDocument(ap::Document* document);
     ap::Document* document() const { return m_document; }
+    /// The drawing shown has become the active one: its view is what the editor and modules work on.
+    void becomeActive();
+    /// Only the active view answers prompts, selects and tells what lies under the cursor.
+    bool isActive() const { return ed::activeView() == this; }
     /// Forgets what was kept for a drawing that closes.
     void forget(ap::Document* document);
+    /// Takes what `other` keeps of a drawing that it shows no longer: graphics, highlights, what its layouts show.
+    void takeOver(DrawingView& other, ap::Document* document);
     void zoomExtents();
     /// Selects all that is visible in the current layout.
     void selectAll();
@@ -72,6 +79,8 @@ public:
 Q_SIGNALS:
     void cursorMoved(const MxGePoint3d& world);
     void cursorLeft();
+    /// A button was pressed in a view that is not active. The press does nothing else.
+    void activationWanted();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -87,6 +96,7 @@ protected:
 private:
     gi::Scene& scene();
     MxDbObjectId space() const;
+    void keep(ap::Document* document, std::unique_ptr<Highlights> highlights);
     void setUpTransform(ge::ViewTransform& view);
     void layoutChanged();
     void paintPicture();

@@ -6,6 +6,7 @@
 #include "merix/ui/icons.h"
 #include "merix/ui/look.h"
 #include "merix/ui/plot.h"
+#include "merix/ui/undo_menu.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -22,24 +23,15 @@
 #include <QStatusBar>
 #include <QTabBar>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace merix::ui {
 
 namespace {
 
-MainWindow* g_window = nullptr;
-
 QKeySequence keys(const char* sequence) {
     return QKeySequence(QString::fromLatin1(sequence));
-}
-
-/// "GRIP_STRETCH" and "Grip stretch" are "Grip stretch" to a reader.
-QString readable(const std::wstring& unit) {
-    QString name = QString::fromStdWString(unit).replace(QLatin1Char('_'), QLatin1Char(' '));
-    if (name == name.toUpper())
-        name = name.left(1) + name.mid(1).toLower();
-    return name;
 }
 
 QString fileFilter() {
@@ -49,11 +41,9 @@ QString fileFilter() {
 } // namespace
 
 MainWindow::MainWindow() {
-    g_window = this;
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     resize(1280, 800);
-    registerPlotCommands(ed::CommandStack::instance());
     buildCentre();
     buildMenus();
     buildStatusBar();
@@ -65,30 +55,15 @@ MainWindow::MainWindow() {
     });
     // A command may have ended, and with it an undo step, a layer may be current.
     connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, [this] { m_titles.start(0); });
-    for (ap::Document* document : ap::DocManager::instance().all())
-        addDocument(document);
-    activated(current());
+    join();
     m_commandLine->entry()->setFocus();
-}
-
-MainWindow::~MainWindow() {
-    g_window = nullptr;
-}
-
-MainWindow* MainWindow::instance() {
-    return g_window;
 }
 
 // ---------------------------------------------------------------- parts
 
 void MainWindow::buildCentre() {
-    m_tabs = new QTabBar;
-    m_tabs->setDocumentMode(true);
-    m_tabs->setTabsClosable(true);
-    m_tabs->setExpanding(false);
-    m_tabs->setDrawBase(false);
-    m_tabs->setFocusPolicy(Qt::NoFocus);
-    m_tabs->setAccessibleName(tr("Open drawings"));
+    m_recovery = new RecoveryBar;
+    m_tabs = new DrawingTabs;
     m_view = new DrawingView;
     m_layouts = new QTabBar;
     m_layouts->setShape(QTabBar::RoundedSouth);
@@ -101,6 +76,7 @@ void MainWindow::buildCentre() {
     auto* column = new QVBoxLayout(centre);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
+    column->addWidget(m_recovery);
     column->addWidget(m_tabs);
     column->addWidget(m_view, 1);
     column->addWidget(m_layouts);
@@ -116,21 +92,8 @@ void MainWindow::buildCentre() {
 
     connect(m_commandLine, &CommandLine::escaped, m_view, &DrawingView::escape);
     connect(m_view, &DrawingView::cursorMoved, this, &MainWindow::showCursor);
-    connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) {
-        if (ap::Document* document = documentAt(index); document && document != current())
-            whenIdle([this, guard = QPointer<ap::Document>(document)] {
-                if (guard)
-                    ap::DocManager::instance().activate(guard);
-            });
-    });
-    connect(m_tabs, &QTabBar::tabCloseRequested, this, [this](int index) {
-        whenIdle([this, guard = QPointer<ap::Document>(documentAt(index))] {
-            if (guard)
-                closeDocument(*guard);
-        });
-    });
     connect(m_layouts, &QTabBar::currentChanged, this, [this](int index) {
-        ap::Document* document = current();
+        ap::Document* document = shown();
         if (index >= 0 && document && m_layouts->tabText(index) != document->currentLayout())
             whenIdle([guard = QPointer<ap::Document>(document), name = m_layouts->tabText(index)] {
                 if (guard)
@@ -146,7 +109,9 @@ QAction* MainWindow::addAction(QMenu* menu, const QString& text, const QKeySeque
     // The drawing may be closed before the action's turn comes.
     connect(action, &QAction::triggered, this, [this, needsDrawing, act] {
         whenIdle([this, needsDrawing, act] {
-            if (!needsDrawing || current())
+            if (needsDrawing && shown())
+                ap::DocManager::instance().activate(shown()); // it is, unless the desktop kept its window behind
+            if (!needsDrawing || shown())
                 act();
         });
     });
@@ -164,33 +129,49 @@ void MainWindow::buildFileMenu() {
     onBar(addAction(file, tr("&New"), QKeySequence::New, false, [] { ap::DocManager::instance().create(); }), "NEW");
     onBar(addAction(file, tr("&Open…"), QKeySequence::Open, false, [this] { openDialog(); }), "OPEN");
     file->addSeparator();
-    onBar(addAction(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*current(), false); }), "SAVE");
-    addAction(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*current(), true); });
+    onBar(addAction(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*shown(), false); }), "SAVE");
+    addAction(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*shown(), true); });
     file->addSeparator();
     addAction(file, tr("&Export…"), keys("Ctrl+E"), true, [this] { exportDialog(); });
     addAction(file, tr("&Print…"), QKeySequence::Print, true, [this] {
-        if (const QString why = printWithDialog({current()->database(), {}, {}}, this); !why.isEmpty())
+        if (const QString why = printWithDialog({shown()->database(), {}, {}}, this); !why.isEmpty())
             showFailure(why);
     });
     file->addSeparator();
-    addAction(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*current()); });
-    addAction(file, tr("&Quit"), keys("Ctrl+Q"), false, [this] { close(); });
+    m_tabActions = {addAction(file, tr("&Close"), keys("Ctrl+W"), true, [this] { closeDocument(*shown()); })};
+    addAction(file, tr("&Quit"), keys("Ctrl+Q"), false, [this] { quit(); });
 }
 
 void MainWindow::buildEditMenu() {
     auto& manager = ap::DocManager::instance();
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    m_undo = addAction(edit, tr("&Undo"), QKeySequence::Undo, true, [this, &manager] { manager.undo(*current()); });
-    m_redo = addAction(edit, tr("&Redo"), keys("Ctrl+Y"), true, [this, &manager] { manager.redo(*current()); });
+    m_undo = addAction(edit, tr("&Undo"), QKeySequence::Undo, true, [this, &manager] { manager.undo(*shown()); });
+    m_redo = addAction(edit, tr("&Redo"), keys("Ctrl+Y"), true, [this, &manager] { manager.redo(*shown()); });
     m_bar->addSeparator();
-    for (const auto& [action, icon] : {std::pair{m_undo, "UNDO"}, {m_redo, "REDO"}}) {
+    const auto onBar = [this](QAction* action, const char* icon, Steps steps) {
         action->setIcon(iconNamed(QLatin1String(icon)));
         m_bar->addAction(action);
-    }
+        auto* button = qobject_cast<QToolButton*>(m_bar->widgetForAction(action));
+        button->setPopupMode(QToolButton::MenuButtonPopup);
+        button->setMenu(new UndoMenu(
+            steps, [this] { return shown(); }, button));
+    };
+    onBar(m_undo, "UNDO", Steps::kUndo);
+    onBar(m_redo, "REDO", Steps::kRedo);
     edit->addSeparator();
     m_commands.fill("Edit", *edit, *m_bar);
     edit->addSeparator();
     addAction(edit, tr("Select &All"), QKeySequence::SelectAll, true, [this] { m_view->selectAll(); });
+}
+
+void MainWindow::buildViewMenu() {
+    QMenu* view = menuBar()->addMenu(tr("&View"));
+    m_commands.fill("View", *view, *m_bar);
+    view->addSeparator();
+    m_takeOut = addAction(view, tr("Move to &New Window"), keys("Ctrl+Shift+N"), true, [this] { takeOut(*shown()); });
+    m_takeBack = addAction(view, tr("Move to &Other Window"), {}, true, [this] { takeBack(); });
+    m_tabActions = QList<QAction*>{m_takeOut, m_takeBack} + m_tabActions;
+    connect(view, &QMenu::aboutToShow, this, &MainWindow::allowMoves);
 }
 
 void MainWindow::buildMenus() {
@@ -203,8 +184,9 @@ void MainWindow::buildMenus() {
     addToolBar(m_bar);
     buildFileMenu();
     buildEditMenu();
+    buildViewMenu();
     for (const auto& [name, text] :
-         {std::pair{"View", tr("&View")}, {"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Insert", tr("&Insert")}})
+         {std::pair{"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Insert", tr("&Insert")}})
         m_commands.fill(name, *menuBar()->addMenu(text), *m_bar);
     m_bar->addSeparator();
     QMenu* aids = menuBar()->addMenu(tr("&Aids"));
@@ -228,98 +210,42 @@ void MainWindow::buildStatusBar() {
     m_coordinates->setFont(fixedFont());
     m_coordinates->setAccessibleName(tr("Cursor coordinates"));
     m_coordinates->setMinimumWidth(m_coordinates->fontMetrics().horizontalAdvance(QString(30, QLatin1Char('0'))));
+    m_notice = new QLabel;
+    m_notice->setObjectName(QStringLiteral("notice"));
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setForegroundRole(QPalette::Link);
+    m_notice->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long text must not widen the window
     m_drawingName = new QLabel;
     statusBar()->setSizeGripEnabled(false);
     statusBar()->setContentsMargins(8, 0, 8, 0);
     statusBar()->addWidget(m_coordinates);
+    statusBar()->addWidget(m_notice, 1);
     statusBar()->addPermanentWidget(m_drawingName);
 }
 
-void MainWindow::connectDocuments() {
-    auto& manager = ap::DocManager::instance();
-    connect(&manager, &ap::DocManager::documentOpened, this, &MainWindow::addDocument);
-    connect(&manager, &ap::DocManager::documentClosing, this, &MainWindow::removeDocument);
-    connect(&manager, &ap::DocManager::documentActivated, this, &MainWindow::activated);
-}
-
-// ---------------------------------------------------------------- documents
-
-int MainWindow::indexOf(const ap::Document* document) const {
-    for (int i = 0; i < m_tabs->count(); ++i)
-        if (documentAt(i) == document)
-            return i;
-    return -1;
-}
-
-ap::Document* MainWindow::documentAt(int index) const {
-    return static_cast<ap::Document*>(m_tabs->tabData(index).value<void*>());
-}
-
-ap::Document* MainWindow::current() const {
-    return ap::DocManager::instance().current();
-}
-
-void MainWindow::addDocument(ap::Document* document) {
-    if (indexOf(document) >= 0)
-        return;
-    {
-        const QSignalBlocker quiet(m_tabs); // the manager says which drawing becomes active
-        const int index = m_tabs->addTab(document->title());
-        m_tabs->setTabData(index, QVariant::fromValue(static_cast<void*>(document)));
-        m_tabs->setTabToolTip(index, document->path());
-    }
-    connect(document, &ap::Document::titleChanged, this, &MainWindow::showTitles);
-    connect(document, &ap::Document::graphicsChanged, this, [this] {
-        if (!m_titles.isActive())
-            m_titles.start(0);
-    });
-    connect(document, &ap::Document::layoutChanged, this, &MainWindow::showLayouts);
-    connect(document, &ap::Document::layoutsChanged, this, &MainWindow::showLayouts);
-    showTitles();
-}
-
-void MainWindow::removeDocument(ap::Document* document) {
-    m_view->forget(document);
-    document->disconnect(this);
-    const QSignalBlocker quiet(m_tabs);
-    m_tabs->removeTab(indexOf(document));
-}
-
-void MainWindow::activated(ap::Document* document) {
-    if (document)
-        addDocument(document);
-    {
-        const QSignalBlocker quiet(m_tabs);
-        m_tabs->setCurrentIndex(indexOf(document));
-    }
-    m_view->setDocument(document);
+void MainWindow::refresh() {
     for (QAction* action : qAsConst(m_drawingActions))
-        action->setEnabled(document);
+        action->setEnabled(shown());
     showTitles();
     showLayouts();
     showState();
 }
 
 void MainWindow::showState() {
-    const ap::Document* document = current();
-    const db::UndoRecorder* undo = document ? &document->database()->imp().undo : nullptr;
-    const bool back = undo && undo->canUndo(), forth = undo && undo->canRedo();
-    m_undo->setEnabled(back);
-    m_redo->setEnabled(forth);
-    m_undo->setText(back ? tr("&Undo %1").arg(readable(undo->undoUnits().back().name)) : tr("&Undo"));
-    m_redo->setText(forth ? tr("&Redo %1").arg(readable(undo->redoUnits().back().name)) : tr("&Redo"));
-    m_layerBox->showLayers(current());
+    ap::Document* document = shown();
+    const QStringList back = document ? stepNames(*document, Steps::kUndo, 1) : QStringList();
+    const QStringList forth = document ? stepNames(*document, Steps::kRedo, 1) : QStringList();
+    m_undo->setEnabled(!back.isEmpty());
+    m_redo->setEnabled(!forth.isEmpty());
+    m_undo->setText(back.isEmpty() ? tr("&Undo") : tr("&Undo %1").arg(back.first()));
+    m_redo->setText(forth.isEmpty() ? tr("&Redo") : tr("&Redo %1").arg(forth.first()));
+    m_layerBox->showLayers(document);
     m_commands.refresh(document);
 }
 
 void MainWindow::showTitles() {
-    for (int i = 0; i < m_tabs->count(); ++i) {
-        const ap::Document* document = documentAt(i);
-        m_tabs->setTabText(i, document->isChanged() ? document->title() + QLatin1Char('*') : document->title());
-        m_tabs->setTabToolTip(i, document->path());
-    }
-    m_tabs->setVisible(m_tabs->count() > 0);
-    const ap::Document* document = current();
+    m_tabs->showTitles();
+    const ap::Document* document = shown();
     setWindowTitle(document ? tr("%1[*] – Merix").arg(document->title()) : QStringLiteral("Merix"));
     setWindowModified(document && document->isChanged());
     m_drawingName->setText(!document                    ? QString()
@@ -331,7 +257,7 @@ void MainWindow::showLayouts() {
     const QSignalBlocker quiet(m_layouts);
     while (m_layouts->count())
         m_layouts->removeTab(0);
-    if (ap::Document* document = current()) {
+    if (ap::Document* document = shown()) {
         const QStringList names = document->layouts();
         for (const QString& name : names)
             m_layouts->addTab(name);
@@ -373,15 +299,15 @@ bool MainWindow::openFile(const QString& path) {
 }
 
 void MainWindow::openDialog() {
-    const QString folder = current() ? QFileInfo(current()->path()).path() : QString();
+    const QString folder = shown() ? QFileInfo(shown()->path()).path() : QString();
     const QStringList paths = QFileDialog::getOpenFileNames(this, tr("Open"), folder, fileFilter());
     for (const QString& path : paths)
         openFile(path);
 }
 
 void MainWindow::exportDialog() {
-    const QPointer<ap::Document> document = current();
-    const QFileInfo drawing(current()->path().isEmpty() ? current()->title() : current()->path());
+    const QPointer<ap::Document> document = shown();
+    const QFileInfo drawing(document->path().isEmpty() ? document->title() : document->path());
     QString kind = tr("PDF (*.pdf)");
     QString path =
         QFileDialog::getSaveFileName(this, tr("Export"), drawing.path() + QLatin1Char('/') + drawing.completeBaseName(),
@@ -416,44 +342,6 @@ bool MainWindow::save(ap::Document& document, bool askForName) {
         showFailure(result.message);
     showTitles();
     return result.ok;
-}
-
-bool MainWindow::closeDocument(ap::Document& document) {
-    const QPointer<ap::Document> guard(&document); // a module may close it while a question is open
-    if (!m_unattended && document.isChanged()) {
-        const auto answer =
-            QMessageBox::question(this, QStringLiteral("Merix"), tr("Save the changes to %1?").arg(document.title()),
-                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
-        if (!guard)
-            return true;
-        if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !save(document, false)))
-            return !guard;
-    }
-    if (guard)
-        ap::DocManager::instance().close(document);
-    return true;
-}
-
-void MainWindow::closeEvent(QCloseEvent* event) {
-    if (QApplication::activeModalWidget()) {
-        event->ignore();
-        return;
-    }
-    if (ed::CommandStack::instance().isRunning()) {
-        event->ignore();
-        whenIdle([this] { close(); });
-        return;
-    }
-    while (m_tabs->count()) {
-        const int before = m_tabs->count();
-        if (!closeDocument(*documentAt(before - 1))) {
-            event->ignore();
-            return;
-        }
-        if (m_tabs->count() == before)
-            break;
-    }
-    event->accept();
 }
 
 // ---------------------------------------------------------------- input

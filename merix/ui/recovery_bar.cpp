@@ -9,8 +9,15 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QVariant>
 
 namespace merix::ui {
+
+namespace {
+
+constexpr const char* kCopy = "copy"; ///< property of a row
+
+} // namespace
 
 RecoveryBar::RecoveryBar(QWidget* parent)
     : QFrame(parent)
@@ -24,7 +31,9 @@ RecoveryBar::RecoveryBar(QWidget* parent)
 }
 
 void RecoveryBar::look() {
-    qDeleteAll(findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly));
+    const auto rows = findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly);
+    for (QFrame* row : rows)
+        drop(row);
     for (const ap::Recovery& recovery : ap::SessionList::leftBehind())
         addRow(recovery);
     setVisible(m_rows->count() > 0);
@@ -33,50 +42,54 @@ void RecoveryBar::look() {
 void RecoveryBar::addRow(const ap::Recovery& recovery) {
     auto* row = new QFrame;
     row->setObjectName(QStringLiteral("recoveryRow"));
+    row->setProperty(kCopy, recovery.copy);
     auto* line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
     auto* text = new QLabel(tr("Unsaved changes were kept: %1").arg(recovery.title));
     text->setTextFormat(Qt::PlainText);
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    text->setWordWrap(true);
+    text->setToolTip(recovery.drawing.isEmpty() ? recovery.copy : recovery.drawing);
     auto* open = new QPushButton(tr("Recover"));
-    auto* drop = new QPushButton(tr("Discard"));
+    auto* discard = new QPushButton(tr("Discard"));
     auto* later = new QPushButton(tr("Later"));
-    for (QPushButton* button : {open, drop, later}) {
+    line->addWidget(text, 1);
+    for (QPushButton* button : {open, discard, later}) {
         button->setAutoDefault(false);
         button->setFocusPolicy(Qt::TabFocus); // a click must not take the keyboard from the command line
+        line->addWidget(button);
     }
-    line->addWidget(text, 1);
-    line->addWidget(open);
-    line->addWidget(drop);
-    line->addWidget(later);
     m_rows->addWidget(row);
 
-    const auto done = [this, row] {
-        m_rows->removeWidget(row);
-        row->hide();
-        row->deleteLater();
-        hideIfEmpty();
-    };
-    connect(later, &QPushButton::clicked, this, done);
-    connect(drop, &QPushButton::clicked, this, [recovery, done] {
+    connect(open, &QPushButton::clicked, this, [this, recovery] { Q_EMIT recoverWanted(recovery); });
+    connect(discard, &QPushButton::clicked, this, [this, recovery, row] {
         ap::Autosave::instance().discard(recovery);
-        done();
+        drop(row);
     });
-    connect(open, &QPushButton::clicked, this, [recovery, done, text] {
-        const ap::Result result = ap::Autosave::instance().recover(recovery);
-        if (result.ok)
-            done();
-        else
-            text->setText(result.message);
-    });
+    connect(later, &QPushButton::clicked, this, [this, row] { drop(row); });
     QTimer::singleShot(0, text, [recovery, text] {
-        text->setText(tr("Unsaved changes were kept: %1").arg(ap::describe(recovery)));
-        text->setToolTip(recovery.copy);
+        QString what = ap::describe(recovery);
+        if (what.startsWith(recovery.drawing)) // the tool tip has its folder
+            what.remove(0, recovery.drawing.lastIndexOf(QLatin1Char('/')) + 1);
+        text->setText(tr("Unsaved changes were kept: %1").arg(what));
     });
 }
 
-void RecoveryBar::hideIfEmpty() {
+void RecoveryBar::answered(const ap::Recovery& recovery, const ap::Result& result) {
+    const auto rows = findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly);
+    for (QFrame* row : rows) {
+        if (row->property(kCopy) != recovery.copy)
+            continue;
+        if (result.ok)
+            drop(row);
+        else
+            row->findChild<QLabel*>()->setText(result.message);
+    }
+}
+
+void RecoveryBar::drop(QWidget* row) {
+    m_rows->removeWidget(row);
+    row->setParent(nullptr);
+    row->deleteLater();
     if (m_rows->count() == 0)
         hide();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "merix/ap/document_imp.h"
 #include "merix/ap/session_list.h"
 
 #include <QFrame>
@@ -17,10 +18,15 @@ public:
     explicit RecoveryBar(QWidget* parent = nullptr);
     /// Looks for copies. What each holds is found out as soon as the program is idle.
     void look();
+    /// What became of a recovery that was wanted: its row goes, or says why not.
+    void answered(const ap::Recovery& recovery, const ap::Result& result);
+
+Q_SIGNALS:
+    void recoverWanted(const merix::ap::Recovery& recovery);
 
 private:
     void addRow(const ap::Recovery& recovery);
-    void hideIfEmpty();
+    void drop(QWidget* row);
 
     QVBoxLayout* m_rows = nullptr;
 };

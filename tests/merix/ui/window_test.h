@@ -36,8 +36,10 @@ protected:
     merix::ui::DrawingView& view() { return *window.view(); }
 
     static void settle() {
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
             QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // as a running event loop does
+        }
     }
 
     MxDbObjectId addLine(const MxGePoint3d& from, const MxGePoint3d& to, int color = 1) {
