@@ -2,6 +2,7 @@
 // The module as it is shipped, loaded and unloaded by the host's loader.
 #include "tests/phonomark/app/loaded_module.h"
 
+#include "merix/rx/class_registry.h"
 #include "tests/support/dxf_tags.h"
 
 #include <QTemporaryDir>
@@ -19,6 +20,21 @@ namespace {
 
 /// What a load and an unload may leave behind in the process's memory: lines of the console's history and the like.
 constexpr std::size_t kBytesPerTurn = 4096;
+
+/// Writes down the classes that go, in order. The registry of classes never lets a listener go.
+class Departures : public merix::rx::ClassListener {
+public:
+    static std::vector<std::wstring>& names() {
+        static auto* const listener = new Departures;
+        return listener->m_names;
+    }
+    void classAboutToBeDeleted(const MxRxClass& aClass) override { m_names.emplace_back(aClass.name()); }
+    void hierarchyBuilt() override {}
+
+private:
+    Departures() { merix::rx::addClassListener(this); }
+    std::vector<std::wstring> m_names;
+};
 
 /// Drawings with notes of all kinds, open while the module comes and goes.
 class ModuleTurnsTest : public LoadedModuleTest {
@@ -103,6 +119,13 @@ TEST_F(ModuleLoadTest, LoadingRegistersTheClassesAndTheCommands) {
                                  QStringLiteral("PhonomarkCM_.VOICESHOW")}));
     EXPECT_TRUE(module.unloadable);
     EXPECT_TRUE(module.servesSeveralDocuments);
+}
+
+TEST_F(ModuleLoadTest, TheClassesGoInTheReverseOrderOfTheirComing) {
+    Module& module = load();
+    Departures::names().clear();
+    unload(module);
+    EXPECT_THAT(Departures::names(), ::testing::ElementsAreArray(kModuleClasses.rbegin(), kModuleClasses.rend()));
 }
 
 TEST_F(ModuleLoadTest, TheClassesHaveTheirParents) {

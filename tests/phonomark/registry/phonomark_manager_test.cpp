@@ -97,6 +97,21 @@ TEST_F(RegistryTest, AnIdAppendedTwiceIsListedTwiceAndRemovedOnce) {
     EXPECT_THAT(listed(), ElementsAre(id));
 }
 
+TEST_F(RegistryTest, AnObjectThatIsWatchedAlreadyGetsNoSecondReactor) {
+    const MxDbObjectId id = addNote();
+    registry().RemovePhonomark(id, &document());
+    PhonomarkObReactor other;
+    MxDbObject* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, id, Mx::kForRead), Mx::eOk);
+    ASSERT_EQ(open->addReactor(&other), Mx::eOk);
+    registry().AppendPhonomark(id, &document());
+    const auto reactors = note(id).reactors();
+    ASSERT_EQ(reactors.size(), 1u);
+    EXPECT_EQ(reactors[0].transient, &other);
+    open->removeReactor(&other);
+    open->close();
+}
+
 TEST_F(RegistryTest, RemovalKeepsTheOrderOfTheOthers) {
     const MxDbObjectId a = addNote(), b = addNote(), c = addNote();
     registry().RemovePhonomark(a, &document());
