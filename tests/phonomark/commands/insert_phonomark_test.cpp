@@ -109,11 +109,14 @@ TEST_F(InsertTest, ATypedSpeakerIsCutAtItsBuffer) {
 }
 
 TEST_F(InsertTest, EnterAtTheSettingsQuestionMakesItAPoint) {
-    WriteProfileStringW(L"", L"VoiceType", L"Region"); // no number: asks for a point
-    run("PHONOMARK", {"Settings", "", "3,4"});
-    EXPECT_EQ(only().getPhonomarkType(), 0);
-    EXPECT_EQ(GetProfileStringW(L"", L"VoiceType", L""), L"0");
-    EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+    for (const wchar_t* stored : {L"0", L"1", L"2", L"Region"}) { // the last is no number: asks for a point
+        WriteProfileStringW(L"", L"VoiceType", stored);
+        run("PHONOMARK", {"Settings", "", "3,4"});
+        EXPECT_EQ(only().getPhonomarkType(), 0);
+        EXPECT_EQ(GetProfileStringW(L"", L"VoiceType", L""), L"0");
+        EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+        livePhManager()->ErasePhonomark(listed()[0], &document());
+    }
 }
 
 TEST_F(InsertTest, AStoredReplyIsCreatedWithoutAskingForItsPlace) {
@@ -128,7 +131,10 @@ TEST_F(InsertTest, HiddenNotesAreShownBeforeAnythingIsAsked) {
     SetPhonomarkVar(false);
     run("PHONOMARK");
     EXPECT_TRUE(IsShowPhonomark()) << "although the command was cancelled";
-    EXPECT_THAT(printed(), HasSubstr("Voice notes are shown."));
+    const std::string text = printed();
+    ASSERT_THAT(text, HasSubstr("Voice notes are shown."));
+    EXPECT_LT(text.find("Voice notes are shown."), text.find("note type = Point"));
+    EXPECT_LT(text.find("note type = Point"), text.find("[Settings]"));
     EXPECT_THAT(listed(), IsEmpty());
 }
 
@@ -244,8 +250,8 @@ TEST_F(InsertTest, CancelAtTheObjectPromptCreatesNothing) {
 
 TEST_F(InsertTest, CancelAtTheSettingsQuestionOrAtTheSpeakerCreatesNothing) {
     WriteProfileInt(L"", L"VoiceType", 1);
-    run("PHONOMARK", {"Settings"});
-    run("PHONOMARK", {"Settings", "Spokesman"});
+    run("PHONOMARK", {"Settings", kEscape, "1,2", "3,4"});
+    run("PHONOMARK", {"Settings", "Spokesman", kEscape, "1,2", "3,4"});
     EXPECT_THAT(listed(), IsEmpty());
     EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 1);
 }
@@ -259,6 +265,25 @@ TEST_F(InsertTest, ANoteThatCannotBeAddedIsListedAsNothingAndTheSettingsAreWritt
     EXPECT_EQ(storedSpeaker(), L"Anna");
     EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 0);
     EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+}
+
+TEST_F(InsertTest, AnObjectNoteThatCannotBeAddedLeavesItsObjectAlone) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    WriteProfileInt(L"", L"VoiceType", 2);
+    printed();
+    MxDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(mxdbOpenObject(space, database().currentSpaceId(), Mx::kForRead), Mx::eOk);
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna", "4,2"});
+    space->close();
+    EXPECT_THAT(listed(), ::testing::ElementsAre(MxDbObjectId()));
+    EXPECT_TRUE(merix::db::DatabaseImp::peek(line)->reactors().empty());
+    EXPECT_FALSE(IsAttachedVoice(line));
+    EXPECT_EQ(storedSpeaker(), L"Anna");
+    EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+    MxDbEntity* free = nullptr;
+    ASSERT_EQ(mxdbOpenObject(free, line, Mx::kForWrite), Mx::eOk) << "left open";
+    free->close();
 }
 
 TEST_F(InsertTest, TheLoginNameIsTheSpeakerHoweverLongTheMachinesNameIs) {

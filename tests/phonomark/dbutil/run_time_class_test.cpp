@@ -3,6 +3,10 @@
 
 #include "tests/phonomark/module_fixture.h"
 
+#include <array>
+#include <malloc.h>
+#include <memory>
+
 namespace {
 
 class Watcher : public MxDbObjectReactor {
@@ -19,6 +23,19 @@ public:
 
 TEST(RunTimeClassTest, AClassThatThrowsAtBirthGivesNoObject) {
     EXPECT_EQ(makeOnHostHeap<Thrower>(), nullptr);
+}
+
+TEST(RunTimeClassTest, AClassThatThrowsAtBirthGivesItsBlockBack) {
+    struct Large : Thrower {
+        std::array<char, std::size_t{64} << 20> bytes; // a mapping of its own, counted apart
+    };
+    const std::size_t before = mallinfo2().hblkhd;
+    const std::unique_ptr<void, void (*)(void*)> block(mxHeapAlloc(sizeof(Large)), &mxHeapFree);
+    const std::size_t during = mallinfo2().hblkhd;
+    if (during < before + sizeof(Large))
+        GTEST_SKIP() << "the allocator of this build does not count; the leak checker does";
+    EXPECT_EQ(makeOnHostHeap<Large>(), nullptr);
+    EXPECT_EQ(mallinfo2().hblkhd, during);
 }
 
 TEST(RunTimeClassTest, RegisteringTwiceGivesTheSameClass) {

@@ -28,14 +28,20 @@ public:
         trueColor = color;
         note("truecolor", int{color.red});
     }
-    MxDbObjectId lineType() const override { return {}; }
+    MxDbObjectId lineType() const override {
+        traitsAsked = true;
+        return {};
+    }
     void setLineType(MxDbObjectId id) override {
         linetypes.push_back(id);
         note("linetype", !id.isNull());
     }
     void setFill(bool fill) override { note("fill", fill); }
     void setLineWeight(int weight) override { note("weight", m_weight = weight); }
-    int lineWeight() const override { return m_weight; }
+    int lineWeight() const override {
+        traitsAsked = true;
+        return m_weight;
+    }
     void circle(const MxGePoint3d& center, double radius, const MxGeVector3d&) override {
         grow(center);
         note("circle", radius);
@@ -78,6 +84,7 @@ public:
     }
 
     bool plots = false, hasContext = true, hasTraits = true;
+    mutable bool traitsAsked = false;
     std::vector<std::string> calls;
     std::vector<std::vector<MxGePoint3d>> lines;
     std::vector<MxGiPolylineVertex> last;
@@ -211,6 +218,30 @@ TEST_F(DrawingTest, AnInterfaceWithoutTraitsIsNotAskedForThem) {
     EXPECT_TRUE(recorder.has("text"));
 }
 
+TEST_F(DrawingTest, AnInterfaceWithoutTraitsGetsTheFormsOfEveryPartAlone) {
+    const auto hasOnlyForms = [](const Recorder& drawn) {
+        return !drawn.has("color") && !drawn.has("truecolor") && !drawn.has("linetype") && !drawn.has("fill") &&
+               !drawn.has("weight") && !drawn.traitsAsked;
+    };
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    point.setAudioData(soundBytes(100));
+    point.setAudioDataSize(100);
+    point.setPlaying(true);
+    Recorder whole, plate, light;
+    whole.hasTraits = plate.hasTraits = light.hasTraits = false;
+    point.subWorldDraw(&whole);
+    EXPECT_TRUE(hasOnlyForms(whole));
+    EXPECT_TRUE(whole.has("polyline 5"));
+    EXPECT_TRUE(database().imp().linetypeNamed(L"DASHEDX2").isNull()) << "not looked for, so not loaded";
+    point.DrawBack(&plate);
+    EXPECT_TRUE(hasOnlyForms(plate));
+    EXPECT_TRUE(plate.has("polygon 4"));
+    point.DrawLight(&light);
+    EXPECT_TRUE(hasOnlyForms(light));
+    EXPECT_TRUE(light.has("pline 2"));
+}
+
 TEST_F(DrawingTest, ARecordingOfNinetyNineBytesIsLostWhenDrawn) {
     point.setAudioData(soundBytes(99));
     point.setAudioDataSize(99);
@@ -312,6 +343,18 @@ TEST_F(DrawingTest, WithoutTheLineTypeTheOutlineKeepsTheOneInForce) {
     writer->close();
     EXPECT_FALSE(recorder.has("linetype"));
     EXPECT_TRUE(recorder.has("polyline 5"));
+}
+
+TEST_F(DrawingTest, WithoutTheLineTypeFileTheOutlineKeepsTheLineTypeInForce) {
+    const QByteArray before = qgetenv("MERIX_RESOURCE_PATH");
+    qputenv("MERIX_RESOURCE_PATH", folder.path().toLocal8Bit());
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    EXPECT_TRUE(point.subWorldDraw(&recorder));
+    qputenv("MERIX_RESOURCE_PATH", before);
+    EXPECT_FALSE(recorder.has("linetype"));
+    EXPECT_TRUE(recorder.has("polyline 5"));
+    EXPECT_TRUE(recorder.has("text"));
 }
 
 TEST_F(DrawingTest, AHiddenRegionLeavesIconAndTextAtItsMaximumCorner) {
@@ -455,6 +498,44 @@ TEST_F(DrawingTest, HighlightingAnObjectThatIsGoneDoesNothing) {
     note(object).doHighlight();
     note(object).doUnhighlight();
     EXPECT_TRUE(note(object).isRegionShown());
+}
+
+TEST_F(DrawingTest, HighlightingARegionNoteThatIsOpenElsewhereLeavesTheDrawingAsItIs) {
+    const MxDbObjectId id = addNote(kRegionNote);
+    note(id).ShowRegion(false);
+    database().imp().undo.clear();
+    MxDbPhonomark* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, id, Mx::kForRead), Mx::eOk);
+    reader->doHighlight();
+    EXPECT_TRUE(reader->isRegionShown()) << "the note itself shows it";
+    reader->doUnhighlight();
+    EXPECT_FALSE(reader->isRegionShown());
+    EXPECT_EQ(reader->close(), Mx::eOk);
+    EXPECT_FALSE(database().imp().undo.canUndo()) << "there was nothing that could be changed";
+    ASSERT_EQ(mxdbOpenObject(reader, id, Mx::kForWrite), Mx::eOk) << "left open";
+    reader->close();
+    ASSERT_EQ(mxDocManagerPtr()->lockDocument(&document(), MxApLockMode::kWrite, L"OTHER", L"other"), Mx::eOk)
+        << "left locked";
+    mxDocManagerPtr()->unlockDocument(&document());
+}
+
+TEST_F(DrawingTest, HighlightingAnObjectThatIsWrittenElsewhereDoesNothing) {
+    const MxDbObjectId object = addNote(kObjectNote), line = addLine();
+    note(object).setAttachObj(line);
+    struct : merix::db::DatabaseListener {
+        void entityHighlighted(MxDbObject&, bool) override { ++heard; }
+        int heard = 0;
+    } listener;
+    database().imp().addListener(&listener);
+    MxDbEntity* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, line, Mx::kForWrite), Mx::eOk);
+    note(object).doHighlight();
+    note(object).doUnhighlight();
+    writer->close();
+    EXPECT_EQ(listener.heard, 0);
+    note(object).doHighlight();
+    EXPECT_EQ(listener.heard, 1);
+    database().imp().removeListener(&listener);
 }
 
 TEST_F(DrawingTest, TheRegionIsShownAndHiddenWhileAnotherCommandHoldsTheDrawing) {

@@ -189,3 +189,19 @@ TEST_F(FilingStatusTest, AGroupInPlaceOfTheVersionIsThereForWhoeverReadsOn) {
     EXPECT_EQ(filer.itemCode(), 70);
     EXPECT_EQ(filer.itemInt16(), 2);
 }
+
+TEST_F(FilingStatusTest, ADxfReaderThatReadsNoFileLeavesTheExtentsOfTheObjectAside) {
+    class CopyReader : public merix::io::DxfInFiler {
+    public:
+        using DxfInFiler::DxfInFiler;
+        MxDbFilerType filerType() const override { return MxDbFilerType::kCopy; }
+    };
+    MxDbPhonomark before, after;
+    before.setPhonomarkType(kObjectNote);
+    before.setAttachObj(addLine());
+    const auto& tags = keep(dxf(before));
+    CopyReader filer(database(), m_encoding, tags);
+    EXPECT_EQ(after.dxfInFields(&filer), Mx::eOk);
+    EXPECT_EQ(after.attachObj(), before.attachObj());
+    EXPECT_TRUE(after.extents().isEmpty());
+}
