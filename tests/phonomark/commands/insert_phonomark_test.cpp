@@ -84,6 +84,28 @@ TEST_F(InsertTest, InsertionIsOneUndoableUnit) {
     EXPECT_EQ(listed().size(), 1u);
 }
 
+TEST_F(InsertTest, CancelSaysNothing) {
+    WriteProfileStringW(L"", L"Spokesman", L"Anna");
+    const TransformView view(0.1);
+    const auto saidAfter = [&](const std::string& prompt) {
+        const std::string text = printed();
+        const std::size_t at = text.rfind(prompt);
+        return at == std::string::npos ? "no prompt in " + text : text.substr(at + prompt.size());
+    };
+    for (const int type : {0, 1, 2}) {
+        WriteProfileInt(L"", L"VoiceType", type);
+        run("PHONOMARK");
+        EXPECT_EQ(saidAfter("[Settings]: "), "*Cancel*") << "the command line's own word: " << type;
+        run("PHONOMARK", {"Settings"});
+        EXPECT_EQ(saidAfter("<Point>: "), "*Cancel*") << type;
+        run("PHONOMARK", {"Settings", "Spokesman"});
+        EXPECT_EQ(saidAfter("Enter the speaker's name <Anna>: "), "*Cancel*") << type;
+    }
+    WriteProfileInt(L"", L"VoiceType", 1);
+    run("PHONOMARK", {"1,2"});
+    EXPECT_EQ(saidAfter("Specify the opposite corner: "), "*Cancel*");
+}
+
 TEST_F(InsertTest, CancelCreatesNothingAndKeepsTheSettings) {
     run("PHONOMARK", {"Settings", "Spokesman", "Anna"});
     EXPECT_THAT(listed(), IsEmpty());

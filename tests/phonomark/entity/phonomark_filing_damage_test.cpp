@@ -2,6 +2,9 @@
 // Records that are not as a note writes them: newer, cut short, out of order, or claiming what is not there.
 #include "tests/phonomark/entity/filing_fixture.h"
 
+#include <algorithm>
+#include <sys/resource.h>
+
 using merix::db::DwgWriter;
 
 TEST_F(FilingTest, ABinaryRecordOfANewerVersionIsRefused) {
@@ -68,6 +71,38 @@ TEST_F(FilingTest, ACountBeyondTheStreamAllocatesNothing) {
     EXPECT_EQ(after.getAudioData(), nullptr);
     EXPECT_EQ(after.getAudioDataSize(), 0u);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // their allocators end the process instead
+
+TEST_F(FilingTest, SoundThatThereIsNoMemoryForIsUnreadable) {
+    class BoundlessReader : public merix::db::DwgReader {
+    public:
+        using DwgReader::DwgReader;
+        std::uint64_t bytesLeft() const override { return std::uint64_t{1} << 40; }
+    };
+    MxDbPhonomark before, after;
+    DwgWriter writer(MxDbFilerType::kFile, &database());
+    before.MxDbEntity::dwgOutFields(&writer);
+    writer.writeUInt32(1);
+    writer.writeInt16(0);
+    writer.writePoint3d({4, 5, 6});
+    writer.writeBool(true);
+    before.dwgOutWaveFormatData(&writer);
+    writer.writeUInt32(0xFFFFFFFF);
+    const std::string stream = writer.take();
+    BoundlessReader reader(stream, MxDbFilerType::kFile, &database());
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &limit), 0);
+    const rlimit less{std::min<rlim_t>(limit.rlim_max, rlim_t{3} << 30), limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &less), 0);
+    const Mx::ErrorStatus status = after.dwgInFields(&reader);
+    setrlimit(RLIMIT_AS, &limit);
+    EXPECT_EQ(status, Mx::eItemUnreadable);
+    EXPECT_EQ(after.getAudioData(), nullptr);
+    EXPECT_EQ(after.getAudioDataSize(), 0U);
+}
+
+#endif
 
 TEST_F(FilingTest, SoundBeforeItsSizeIsUnreadable) {
     MxDbPhonomark after;

@@ -205,3 +205,24 @@ TEST_F(FilingStatusTest, ADxfReaderThatReadsNoFileLeavesTheExtentsOfTheObjectAsi
     EXPECT_EQ(after.attachObj(), before.attachObj());
     EXPECT_TRUE(after.extents().isEmpty());
 }
+
+TEST_F(FilingStatusTest, NothingIsReadBehindANewerVersion) {
+    MxDbPhonomark base, after;
+    merix::db::DwgWriter writer(MxDbFilerType::kFile, &database());
+    base.MxDbEntity::dwgOutFields(&writer);
+    writer.writeUInt32(2);
+    const std::string upToVersion = writer.take();
+    const std::string stream = upToVersion + "more";
+    merix::db::DwgReader reader(stream, MxDbFilerType::kFile, &database());
+    EXPECT_EQ(after.dwgInFields(&reader), 301);
+    EXPECT_EQ(reader.bytesLeft(), 4U);
+
+    fill(after, 5);
+    const auto& tags = keep({{100, "MxDbPhonomark"}, {90, "2"}, {70, "3"}});
+    merix::io::DxfInFiler filer(database(), m_encoding, tags);
+    EXPECT_EQ(after.dxfInFields(&filer), 301);
+    ASSERT_EQ(filer.readItem(), Mx::eOk);
+    EXPECT_EQ(filer.itemCode(), 70);
+    EXPECT_EQ(after.getPhonomarkType(), 0);
+    EXPECT_TRUE(after.getAudioData()) << "what the note holds is not released for what is not read";
+}

@@ -179,6 +179,14 @@ TEST_F(AttachmentTest, ANoteThatWasNeverAddedIsNotAttached) {
     EXPECT_TRUE(attach()) << "the object was closed again";
 }
 
+TEST_F(AttachmentTest, AnObjectIsNotOpenedForANoteThatHasNoReactor) {
+    DatabaseImp::peek(m_line)->data().changedSinceSave = false;
+    EXPECT_FALSE(detach());
+    EXPECT_FALSE(DatabaseImp::peek(m_line)->data().changedSinceSave) << "the next save would write it for nothing";
+    ASSERT_TRUE(attach());
+    EXPECT_TRUE(DatabaseImp::peek(m_line)->data().changedSinceSave);
+}
+
 TEST_F(AttachmentTest, ANoteWhoseDictionaryCannotBeReadIsNotDetached) {
     ASSERT_TRUE(attach());
     MxDbDictionary* writer = nullptr;
@@ -207,6 +215,23 @@ TEST_F(AttachmentTest, ADictionaryThatHoldsMoreIsKeptWhenTheNoteIsDetached) {
     EXPECT_FALSE(DatabaseImp::peek(id, true)->isErased());
     EXPECT_FALSE(DatabaseImp::peek(kept, true)->isErased());
     EXPECT_FALSE(detach()) << "there is no entry any more";
+}
+
+TEST_F(AttachmentTest, WhatIsNoReactorUnderTheKeyIsLeftAlone) {
+    MxDbPhonomark* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, m_note, Mx::kForWrite), Mx::eOk);
+    ASSERT_EQ(open->createExtensionDictionary(), Mx::eOk);
+    MxDbDictionary* dictionary = nullptr;
+    ASSERT_EQ(mxdbOpenObject(dictionary, open->extensionDictionary(), Mx::kForWrite), Mx::eOk);
+    auto* record = new MxDbXrecord;
+    MxDbObjectId kept;
+    ASSERT_EQ(dictionary->setAt(L"PHONOMARKASSOC", record, kept), Mx::eOk);
+    record->close();
+    dictionary->close();
+    EXPECT_FALSE(livePhManager()->delNotifier(open, m_line));
+    open->close();
+    EXPECT_EQ(reactorInNote(), kept);
+    EXPECT_FALSE(DatabaseImp::peek(kept, true)->isErased());
 }
 
 TEST_F(AttachmentTest, AnObjectThatIsOpenIsNotDetachedFrom) {
