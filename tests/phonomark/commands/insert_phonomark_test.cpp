@@ -125,6 +125,16 @@ TEST_F(InsertTest, AnEmptyAnswerKeepsTheSpeaker) {
     EXPECT_EQ(speaker(), L"Bert");
 }
 
+TEST_F(InsertTest, ASpeakerThatIsKeptIsCutAtTheSameLength) {
+    WriteProfileStringW(L"", L"Spokesman", std::wstring(200, L'y'));
+    run("PHONOMARK", {"1,2"});
+    EXPECT_EQ(speaker(), std::wstring(200, L'y')) << "not when it is not asked for";
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    run("PHONOMARK", {"Settings", "Spokesman", "", "1,2"});
+    EXPECT_EQ(speaker(), std::wstring(132, L'y'));
+    EXPECT_EQ(storedSpeaker(), std::wstring(132, L'y'));
+}
+
 TEST_F(InsertTest, ATypedSpeakerIsCutAtItsBuffer) {
     run("PHONOMARK", {"Settings", "Spokesman", std::string(200, 'x'), "1,2"});
     EXPECT_EQ(speaker(), std::wstring(132, L'x'));

@@ -86,6 +86,9 @@ TEST_F(AttachmentsTest, OfTwoAttachmentsOnlyTheFirstIsCleaned) {
     EXPECT_EQ(onLine()[0], before[1]);
     EXPECT_TRUE(DatabaseImp::peek(before[0].persistent, true)->isErased());
     EXPECT_FALSE(DatabaseImp::peek(before[1].persistent, true)->isErased());
+    MxDbObject* cleaned = nullptr;
+    ASSERT_EQ(mxdbOpenObject(cleaned, before[0].persistent, Mx::kForWrite, true), Mx::eOk) << "left open";
+    cleaned->close();
     CleanPhonomarkPsReactor(m_line);
     EXPECT_TRUE(onLine().empty());
     CleanPhonomarkPsReactor(m_line);
