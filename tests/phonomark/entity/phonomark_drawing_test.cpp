@@ -155,6 +155,25 @@ TEST_F(DrawingTest, TheMarkerStandsUpAndRightOfThePoint) {
     EXPECT_EQ(recorder.textShown, L"0.0\"");
 }
 
+TEST_F(DrawingTest, TheMarkerTakesTheSizeOfTheZoomWhenItIsDrawn) {
+    point.setPosition({100, 50, 0});
+    point.subWorldDraw(&recorder);
+    const TransformView closer(1.0 / 32);
+    MxDbExtents before, box, after;
+    point.getImageRegion(before);
+    EXPECT_NEAR(before.maxPoint().x - before.minPoint().x, 5, kTolerance) << "as it was drawn";
+    ASSERT_EQ(point.subGetGeomExtents(box), Mx::eOk);
+    EXPECT_NEAR(box.minPoint().x, before.minPoint().x, kTolerance) << "the corner as it was drawn";
+    EXPECT_NEAR(box.maxPoint().x - box.minPoint().x, 1, kTolerance) << "the size of this zoom";
+    EXPECT_NEAR(box.maxPoint().y - box.minPoint().y, 1.8, kTolerance);
+    point.subWorldDraw(&recorder);
+    EXPECT_DOUBLE_EQ(point.refUnits(), 1.0);
+    EXPECT_NEAR(recorder.textHeight, 1.0 / 3, kTolerance);
+    point.getImageRegion(after);
+    EXPECT_NEAR(after.minPoint().x, 100 + 0.6 * std::cos(0.785), kTolerance);
+    EXPECT_NEAR(after.maxPoint().x - after.minPoint().x, 1, kTolerance);
+}
+
 TEST_F(DrawingTest, TheTargetIsCentredOnThePoint) {
     point.setPosition({100, 50, 7});
     point.subWorldDraw(&recorder);

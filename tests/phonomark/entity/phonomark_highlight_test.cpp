@@ -116,3 +116,12 @@ TEST_F(HighlightTest, ShowingTheRegionOfANoteThatCannotBeWrittenChangesNothing) 
     note(id).ShowRegion(true);
     EXPECT_TRUE(note(id).isRegionShown());
 }
+
+TEST_F(HighlightTest, ShowingAndHidingTheRegionDrawsTheNoteAnew) {
+    const MxDbObjectId id = addNote(kRegionNote);
+    for (const bool show : {false, true}) {
+        const auto before = note(id).data().graphicsVersion;
+        note(id).ShowRegion(show);
+        EXPECT_GT(note(id).data().graphicsVersion, before);
+    }
+}
