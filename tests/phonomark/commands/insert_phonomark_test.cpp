@@ -125,6 +125,12 @@ TEST_F(InsertTest, AnEmptyAnswerKeepsTheSpeaker) {
     EXPECT_EQ(speaker(), L"Bert");
 }
 
+TEST_F(InsertTest, ATypedSpeakerHasNoSpaces) {
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna Maria", "1,2"});
+    EXPECT_EQ(speaker(), L"Anna") << "a space ends the answer";
+    EXPECT_EQ(only().position(), MxGePoint3d(1, 2, 0));
+}
+
 TEST_F(InsertTest, ASpeakerThatIsKeptIsCutAtTheSameLength) {
     WriteProfileStringW(L"", L"Spokesman", std::wstring(200, L'y'));
     run("PHONOMARK", {"1,2"});

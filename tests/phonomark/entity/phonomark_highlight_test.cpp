@@ -32,6 +32,24 @@ TEST_F(HighlightTest, HighlightingShowsTheRegionOrTheObject) {
     free->close();
 }
 
+TEST_F(HighlightTest, AnObjectIsShownForObjectNotesAlone) {
+    const MxDbObjectId line = addLine();
+    struct : merix::db::DatabaseListener {
+        void entityHighlighted(MxDbObject&, bool) override { ++heard; }
+        int heard = 0;
+    } listener;
+    database().imp().addListener(&listener);
+    for (const int type : std::initializer_list<int>{kPointNote, kRegionNote, kReplyNote, 7}) {
+        const MxDbObjectId id = addNote(type);
+        note(id).setAttachObj(line);
+        note(id).doHighlight();
+        note(id).doUnhighlight();
+        EXPECT_EQ(note(id).isRegionShown(), type != kRegionNote) << type;
+    }
+    EXPECT_EQ(listener.heard, 0);
+    database().imp().removeListener(&listener);
+}
+
 TEST_F(HighlightTest, HighlightingAnObjectThatIsGoneDoesNothing) {
     const MxDbObjectId object = addNote(kObjectNote), line = addLine();
     note(object).setAttachObj(line);
