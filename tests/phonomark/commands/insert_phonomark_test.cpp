@@ -199,6 +199,24 @@ TEST_F(InsertTest, ARegionIsAskedForByTwoCornersInAnyOrder) {
     EXPECT_THAT(text, HasSubstr("Specify the opposite corner: @-20,15"));
 }
 
+TEST_F(InsertTest, EnterIsNoAnswerToAPlacingPrompt) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    const auto placed = [&](int type, std::deque<std::string> answers) -> MxDbPhonomark& {
+        WriteProfileInt(L"", L"VoiceType", type);
+        printed();
+        run("PHONOMARK", std::move(answers));
+        const std::string text = printed();
+        EXPECT_EQ(text.find("note type = "), text.rfind("note type = ")) << "asked again by the command line";
+        return only();
+    };
+    EXPECT_EQ(placed(0, {"", "1,2"}).position(), MxGePoint3d(1, 2, 0));
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    EXPECT_EQ(placed(1, {"", "1,2", "3,4"}).extents().minPoint(), MxGePoint3d(1, 2, 0));
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    EXPECT_EQ(placed(2, {"", "4,2"}).attachObj(), line);
+}
+
 TEST_F(InsertTest, ARegionWithoutItsOtherCornerIsNone) {
     WriteProfileInt(L"", L"VoiceType", 1);
     run("PHONOMARK", {"30,10"}); // Esc
@@ -352,6 +370,25 @@ TEST_F(InsertTest, WithoutItsTextsTheCommandStillWorks) {
     EXPECT_EQ(printed(), "\nCommand: PHONOMARK\nSettings\nA point is needed.\n10,20") << "there are no keywords";
     EXPECT_EQ(only().position(), MxGePoint3d(10, 20, 0));
     EXPECT_EQ(storedSpeaker(), L"Anna");
+}
+
+TEST_F(InsertTest, AnyOtherKeywordMakesANoteWithoutAPlace) {
+    const TransformView view(0.1);
+    addLine();
+    void* const own = _hdllInstance;
+    _hdllInstance = LoadResourceDll(L"MoreKeywords.dll");
+    ASSERT_TRUE(_hdllInstance);
+    for (const int type : {0, 1, 2}) {
+        WriteProfileInt(L"", L"VoiceType", type);
+        run("PHONOMARK", {"Later", "4,2", "6,7"});
+        EXPECT_EQ(only().getPhonomarkType(), type);
+        EXPECT_EQ(only().position(), MxGePoint3d());
+        EXPECT_TRUE(only().extents().isEmpty());
+        EXPECT_TRUE(only().attachObj().isNull());
+        livePhManager()->ErasePhonomark(listed()[0], &document());
+    }
+    FreeLibrary(_hdllInstance);
+    _hdllInstance = own;
 }
 
 TEST_F(InsertTest, WithoutAWorkingDrawingNothingIsListedButNothing) {
