@@ -98,6 +98,10 @@ QStringList CommandStack::commands() const {
 }
 
 CommandStack::Outcome CommandStack::runLine(const QString& line) {
+    return m_taker && !isRunning() && m_taker->take(line) ? Outcome::kEnded : runCommand(line);
+}
+
+CommandStack::Outcome CommandStack::runCommand(const QString& line) {
     QString typed = line.trimmed();
     if (typed.isEmpty())
         typed = m_last;
@@ -206,7 +210,7 @@ CommandStack::Outcome CommandStack::runGiven(const QString& name, std::vector<Mx
 void CommandStack::submit(const QString& line) {
     Prompter::instance().cancel();
     // The cancelled command unwinds first.
-    QTimer::singleShot(0, &Prompter::instance(), [line] { CommandStack::instance().runLine(line); });
+    QTimer::singleShot(0, &Prompter::instance(), [line] { CommandStack::instance().runCommand(line); });
 }
 
 } // namespace merix::ed

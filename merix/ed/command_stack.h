@@ -29,6 +29,14 @@ public:
     virtual void idle() = 0;
 };
 
+/// What is under way in the window while no command runs and may be answered by typing: grips on their way.
+class LineTaker {
+public:
+    virtual ~LineTaker() = default;
+    /// False when the line is none of its answers: it is a command then.
+    virtual bool take(const QString& line) = 0;
+};
+
 class CommandStack : public MxEdCommandStack {
 public:
     enum class Outcome {
@@ -49,7 +57,7 @@ public:
 
     /// Runs what was typed while nothing waits: a command, local or with a leading `_` global name, further words being
     /// its first answers; an empty line repeats the last command. `'` and `.` before a name are passed over. Returns
-    /// when the command is over.
+    /// when the command is over. A line that the taker takes is no command.
     Outcome runLine(const QString& line);
     /// Runs a command by name with these answers, inside the command under way as part of it. Nothing is shown of it
     /// while the variable CMDECHO is 0. kRefused for session commands, inside one, and while a prompt
@@ -70,6 +78,10 @@ public:
     /// Upper-case alias to global name.
     const QMap<QString, QString>& aliases() const { return m_aliases; }
 
+    /// Null: typed lines are commands. Not owned.
+    void setLineTaker(LineTaker* taker) { m_taker = taker; }
+    LineTaker* lineTaker() const { return m_taker; }
+
     /// Null: commands run without undo. Not owned.
     void setScope(CommandScope* scope) { m_scope = scope; }
     CommandScope* scope() const { return m_scope; }
@@ -77,6 +89,7 @@ public:
 private:
     struct Command;
     CommandStack();
+    Outcome runCommand(const QString& line);
     std::shared_ptr<Command> find(const QString& name, bool global) const;
     /// What was typed stands for; null after the console was told why.
     std::shared_ptr<Command> resolve(QString name) const;
@@ -90,6 +103,7 @@ private:
     QMap<QString, QString> m_aliases;
     QString m_last;
     CommandScope* m_scope = nullptr;
+    LineTaker* m_taker = nullptr;
 };
 
 } // namespace merix::ed

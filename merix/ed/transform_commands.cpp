@@ -2,7 +2,6 @@
 // Commands that bring selected entities, or copies of them, to another place, size or direction.
 #include "merix/ed/transform_commands.h"
 
-#include "merix/ed/arc_geometry.h"
 #include "merix/ed/copy_entities.h"
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/prompter.h"
@@ -120,12 +119,6 @@ void scale() {
         transformEntities(ids, MxGeMatrix3d::about(base, MxGeMatrix3d::scaling(factor, factor, factor)));
 }
 
-MxGeMatrix3d mirrorAbout(const MxGePoint3d& point, double direction) {
-    const MxGeMatrix3d turned =
-        MxGeMatrix3d::rotation(direction) * MxGeMatrix3d::scaling(1, -1, 1) * MxGeMatrix3d::rotation(-direction);
-    return MxGeMatrix3d::about(point, turned);
-}
-
 void mirror() {
     Prompter& prompter = Prompter::instance();
     Ids ids;
@@ -142,7 +135,7 @@ void mirror() {
     const int result = prompter.getKeyword(QStringLiteral("Erase the source objects? [Yes/No] <No>: "), erase);
     if (result != kInputNormal && result != kInputNone)
         return;
-    const MxGeMatrix3d map = mirrorAbout(first, directionTo(first, second));
+    const MxGeMatrix3d map = mirrorAbout(first, second - first);
     if (erase == QLatin1String("Yes"))
         transformEntities(ids, map);
     else
@@ -156,6 +149,15 @@ bool staysInReach(const MxDbEntity& entity) {
 }
 
 } // namespace
+
+MxGeMatrix3d mirrorAbout(const MxGePoint3d& point, const MxGeVector3d& along) {
+    const double size = std::hypot(along.x, along.y), x = along.x / size, y = along.y / size;
+    const double c = (x - y) * (x + y), s = 2 * x * y; // of twice the line's angle
+    MxGeMatrix3d map;
+    map.x = {c, s, 0};
+    map.y = {s, -c, 0};
+    return MxGeMatrix3d::about(point, map);
+}
 
 void transformEntities(const Ids& ids, const MxGeMatrix3d& map) {
     if (!isFinite(map)) {

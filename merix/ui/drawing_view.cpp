@@ -495,7 +495,7 @@ void DrawingView::mousePressEvent(QMouseEvent* event) {
         QWidget::update();
     } else if (event->button() == Qt::LeftButton) {
         leftPress(event);
-    } else if (event->button() == Qt::RightButton && ed::Prompter::instance().isWaiting()) {
+    } else if (event->button() == Qt::RightButton && (ed::Prompter::instance().isWaiting() || m_hand.isDragging())) {
         ed::Prompter::instance().submitLine(QString());
     }
 }

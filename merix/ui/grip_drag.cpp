@@ -4,17 +4,18 @@
 #include "merix/db/access.h"
 #include "merix/db/tables.h"
 #include "merix/ed/editor.h"
+#include "merix/ed/reactor_list.h"
 #include "merix/ed/selection.h"
+#include "merix/ed/transform_commands.h"
+#include "merix/ed/typed_point.h"
 #include "merix/gi/list_painter.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace merix::ui {
 
 namespace {
-
-constexpr const wchar_t* kCommand = L"GRIP_STRETCH";
-constexpr const wchar_t* kUndoName = L"Grip stretch";
 
 void tell(const QString& text) {
     ed::Console::instance().print(QLatin1Char('\n') + text);
@@ -56,39 +57,90 @@ GripDrag::GripDrag(ap::Document& document, std::vector<Grip> grips, const MxGePo
     , m_builder(document.database()->imp())
     , m_base(base)
     , m_at(base) {
-    ed::Editor::instance().notifyCommandWillStart(kCommand);
     for (const Grip& grip : grips)
-        add(grip);
+        if (Moved* moved = add(grip.id))
+            moved->indices.push_back(grip.index);
+    begin();
 }
 
 GripDrag::~GripDrag() {
     if (!m_finished)
-        ed::Editor::instance().notifyCommandCancelled(kCommand);
+        ed::Editor::instance().notifyCommandCancelled(commandOf(m_mode));
+    auto& console = ed::Console::instance();
+    if (console.prompt() == m_prompt) // else something else asks already
+        console.setPrompt(QString(), {});
 }
 
-void GripDrag::add(const Grip& grip) {
-    const auto known =
-        std::find_if(m_moved.begin(), m_moved.end(), [&](const Moved& moved) { return moved.id == grip.id; });
-    if (known != m_moved.end()) {
-        known->indices.push_back(grip.index);
+void GripDrag::begin() {
+    ed::Editor::instance().notifyCommandWillStart(commandOf(m_mode));
+    m_prompt = promptOf(m_mode);
+    ed::Console::instance().setPrompt(m_prompt, ed::parseKeywords(optionsOf(m_mode)));
+}
+
+void GripDrag::setMode(GripMode mode) {
+    if (mode == m_mode)
         return;
+    ed::Editor::instance().notifyCommandCancelled(commandOf(m_mode));
+    m_mode = mode;
+    if (mode != GripMode::kStretch)
+        for (const MxDbObjectId id : ed::Selection::instance().ids())
+            add(id);
+    begin();
+    preview();
+}
+
+GripDrag::Answer GripDrag::answer(const QString& typed) {
+    bool isNumber = false;
+    const double number = typed.toDouble(&isNumber);
+    if (isNumber && (m_mode == GripMode::kRotate || m_mode == GripMode::kScale))
+        return answer(number);
+    const auto point = ed::parseTypedPoint(typed, m_base);
+    if (!point)
+        return Answer::kNone;
+    if (!ed::isInReach(*point)) {
+        tell(QStringLiteral("That point is too far away."));
+        return Answer::kRefused;
     }
-    MxDbEntity* entity = entityOf(grip.id);
+    moveTo(*point);
+    return Answer::kGiven;
+}
+
+GripDrag::Answer GripDrag::answer(double number) {
+    if (!std::isfinite(number) || (m_mode == GripMode::kScale && number <= 0.0)) {
+        tell(m_mode == GripMode::kScale ? QStringLiteral("A number above 0 is needed.")
+                                        : QStringLiteral("That number is too large."));
+        return Answer::kRefused;
+    }
+    m_map = mapOf(m_mode, m_base, m_mode == GripMode::kRotate ? ed::degreesToRadians(number) : number);
+    return Answer::kGiven;
+}
+
+GripDrag::Moved* GripDrag::add(MxDbObjectId id) {
+    const auto known = std::find_if(m_moved.begin(), m_moved.end(), [&](const Moved& moved) { return moved.id == id; });
+    if (known != m_moved.end())
+        return &*known;
+    MxDbEntity* entity = entityOf(id);
     if (!entity)
-        return;
+        return nullptr;
     Moved moved;
-    moved.id = grip.id;
-    moved.indices = {grip.index};
+    moved.id = id;
     moved.picture = m_builder.build(*entity);
     if (!isOfModule(*entity)) {
         moved.copy.reset(static_cast<MxDbEntity*>(entity->isA()->create()));
         moved.image = db::dwgImage(*entity, MxDbFilerType::kCopy);
     }
+    std::vector<MxGePoint3d> grips;
+    const db::ReadAccess readable(*entity);
+    ed::guarded("An entity's grips", [&] { entity->getGripPoints(grips); });
+    if (!grips.empty())
+        moved.place = grips.front();
     m_moved.push_back(std::move(moved));
+    return &m_moved.back();
 }
 
 bool GripDrag::moves(MxDbObjectId id) const {
-    return std::any_of(m_moved.begin(), m_moved.end(), [&](const Moved& moved) { return moved.id == id; });
+    return std::any_of(m_moved.begin(), m_moved.end(),
+                       [&](const Moved& moved) { return moved.id == id && isMoved(moved); });
 }
 
 bool GripDrag::isSelected() const {
@@ -100,22 +152,42 @@ void GripDrag::moveTo(const MxGePoint3d& point) {
     if (point == m_at)
         return;
     m_at = point;
-    for (Moved& moved : m_moved)
-        preview(moved, m_at - m_base);
+    preview();
 }
 
-void GripDrag::preview(Moved& moved, const MxGeVector3d& offset) {
-    if (!moved.copy || db::readDwgImage(*moved.copy, moved.image, MxDbFilerType::kCopy) != Mx::eOk)
+void GripDrag::preview() {
+    m_map = mapOf(m_mode, m_base, m_at);
+    for (Moved& moved : m_moved)
+        preview(moved);
+}
+
+void GripDrag::preview(Moved& moved) {
+    if (!moved.copy || !isMoved(moved) || db::readDwgImage(*moved.copy, moved.image, MxDbFilerType::kCopy) != Mx::eOk)
         return;
-    if (moved.copy->moveGripPointsAt(moved.indices, offset) == Mx::eOk)
+    const auto status = m_mode == GripMode::kStretch ? moved.copy->moveGripPointsAt(moved.indices, m_at - m_base)
+                        : m_map                      ? moved.copy->transformBy(*m_map)
+                                                     : Mx::eOk;
+    if (status == Mx::eOk)
         moved.picture = m_builder.build(*moved.copy);
 }
 
+MxGeVector3d GripDrag::shiftOf(const Moved& moved) const {
+    if (moved.copy)
+        return {};
+    if (m_mode == GripMode::kStretch)
+        return m_at - m_base;
+    return m_map && moved.place ? *m_map * *moved.place - *moved.place : MxGeVector3d();
+}
+
 void GripDrag::paint(QPainter& painter, const ge::ViewTransform& view, const gi::PaintOptions& options) const {
-    ge::ViewTransform shifted = view; // the picture moves one way when what is looked at moves the other
-    shifted.center = {view.center.x - (m_at.x - m_base.x), view.center.y - (m_at.y - m_base.y)};
-    for (const Moved& moved : m_moved)
-        gi::ListPainter(painter, moved.copy ? view : shifted, options).draw(moved.picture);
+    for (const Moved& moved : m_moved) {
+        if (!isMoved(moved))
+            continue;
+        const MxGeVector3d shift = shiftOf(moved);
+        ge::ViewTransform shifted = view; // the picture moves one way when what is looked at moves the other
+        shifted.center = {view.center.x - shift.x, view.center.y - shift.y};
+        gi::ListPainter(painter, shifted, options).draw(moved.picture);
+    }
 }
 
 Mx::ErrorStatus GripDrag::stretch(const Moved& moved, const MxGeVector3d& offset) {
@@ -132,6 +204,8 @@ Mx::ErrorStatus GripDrag::stretch(const Moved& moved, const MxGeVector3d& offset
 void GripDrag::stretchAll(const MxGeVector3d& offset) const {
     int locked = 0, refused = 0;
     for (const Moved& moved : m_moved) {
+        if (!isMoved(moved))
+            continue;
         const auto status = stretch(moved, offset);
         locked += status == Mx::eOnLockedLayer;
         refused += status != Mx::eOk && status != Mx::eOnLockedLayer;
@@ -144,17 +218,26 @@ void GripDrag::stretchAll(const MxGeVector3d& offset) const {
                           : QStringLiteral("%1 entities cannot be changed this way.").arg(refused));
 }
 
+void GripDrag::moveAll() const {
+    if (m_mode == GripMode::kStretch)
+        return stretchAll(m_at - m_base);
+    std::vector<MxDbObjectId> ids;
+    for (const Moved& moved : m_moved)
+        ids.push_back(moved.id);
+    ed::transformEntities(ids, *m_map);
+}
+
 void GripDrag::finish() {
     auto& manager = ap::DocManager::instance();
-    const MxGeVector3d offset = m_at - m_base;
-    if (offset.length() > 0.0) {
-        if (manager.lockDocument(&m_document, MxApLockMode::kWrite, kCommand, kUndoName) != Mx::eOk)
+    if (m_mode == GripMode::kStretch ? (m_at - m_base).length() > 0.0 : m_map.has_value()) {
+        const wchar_t* const command = commandOf(m_mode);
+        if (manager.lockDocument(&m_document, MxApLockMode::kWrite, command, undoNameOf(m_mode)) != Mx::eOk)
             return tell(QStringLiteral("The grips were not moved.")); // after what the lock itself told
-        stretchAll(offset);
+        moveAll();
         manager.unlockDocument(&m_document);
     }
     m_finished = true;
-    ed::Editor::instance().notifyCommandEnded(kCommand);
+    ed::Editor::instance().notifyCommandEnded(commandOf(m_mode));
 }
 
 } // namespace merix::ui

@@ -5,11 +5,13 @@
 #include "merix/ap/document_imp.h"
 #include "merix/gi/graphics_builder.h"
 #include "merix/gi/scene.h"
+#include "merix/ui/grip_mode.h"
 #include "merix/ui/grips.h"
 
 namespace merix::ui {
 
-/// To reactors of the editor a drag is the command GRIP_STRETCH, from here to its end.
+/// To reactors of the editor a drag is the command of its mode, from here to its end or the change of the mode. The
+/// command line shows what it asks for.
 class GripDrag {
 public:
     /// False, after telling why, when one of the grips must not be moved: its layer is locked.
@@ -20,6 +22,14 @@ public:
     /// A drag that was not finished is given up: nothing has changed.
     ~GripDrag();
 
+    /// A drag begins as a stretch. In the other modes the whole selection moves.
+    GripMode mode() const { return m_mode; }
+    void setMode(GripMode mode);
+    enum class Answer { kNone, kRefused, kGiven };
+    /// A point, an angle or a factor as typed, which then stands for where the hand is. kRefused, after telling why,
+    /// when it cannot be meant.
+    Answer answer(const QString& typed);
+
     const MxGePoint3d& base() const { return m_base; }
     const MxGePoint3d& at() const { return m_at; }
     bool moves(MxDbObjectId id) const;
@@ -28,29 +38,41 @@ public:
     void moveTo(const MxGePoint3d& point);
     /// The entities as they will be.
     void paint(QPainter& painter, const ge::ViewTransform& view, const gi::PaintOptions& options) const;
-    /// Moves the grips to where they are: one undo step. Tells once of all that would not move. When the drawing is
-    /// held by another the drag is as good as given up.
+    /// Moves the grips, or the selection, to where they are: one undo step. Tells once of all that would not move. When
+    /// the drawing is held by another the drag is as good as given up.
     void finish();
 
 private:
     struct Moved {
         MxDbObjectId id;
-        std::vector<int> indices;
+        std::vector<int> indices; ///< of its grips that are hot
         /// A copy outside the drawing that is moved for the picture; null for an entity of a module, whose picture
-        /// moves as it is.
+        /// goes along with its first grip as it is, and stays without one.
         std::unique_ptr<MxDbEntity> copy;
         std::string image; ///< of the copy before the move
         gi::DisplayList picture;
+        std::optional<MxGePoint3d> place; ///< of its first grip
     };
-    void add(const Grip& grip);
-    void preview(Moved& moved, const MxGeVector3d& offset);
+    /// What is known of the entity, null when it is none.
+    Moved* add(MxDbObjectId id);
+    bool isMoved(const Moved& moved) const { return m_mode != GripMode::kStretch || !moved.indices.empty(); }
+    void begin();
+    Answer answer(double number);
+    void preview();
+    void preview(Moved& moved);
+    /// Where an entity goes as it is whose picture cannot be made anew.
+    MxGeVector3d shiftOf(const Moved& moved) const;
     static Mx::ErrorStatus stretch(const Moved& moved, const MxGeVector3d& offset);
     void stretchAll(const MxGeVector3d& offset) const;
+    void moveAll() const;
 
     ap::Document& m_document;
     gi::GraphicsBuilder m_builder;
     std::vector<Moved> m_moved;
+    GripMode m_mode = GripMode::kStretch;
     MxGePoint3d m_base, m_at;
+    std::optional<MxGeMatrix3d> m_map; ///< of all that move, but for a stretch
+    QString m_prompt;
     bool m_finished = false;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/selection_hand.h"
 
-#include "merix/ed/command_stack.h"
 #include "merix/ed/selection.h"
 #include "merix/ui/drawing_view.h"
 #include "merix/ui/look.h"
@@ -42,7 +41,9 @@ SelectionHand::SelectionHand(DrawingView& view)
     });
 }
 
-SelectionHand::~SelectionHand() = default;
+SelectionHand::~SelectionHand() {
+    endDrag();
+}
 
 const Grips& SelectionHand::grips() const {
     if (std::exchange(m_stale, false))
@@ -91,11 +92,41 @@ void SelectionHand::pressGrip(const Grip& grip, const QPointF&, Qt::KeyboardModi
             m_grips.coolDown();
         m_grips.setHot(point, true);
         if (GripDrag::mayBegin(m_grips.hot()))
-            m_drag = std::make_unique<GripDrag>(*m_view.document(), m_grips.hot(), point);
+            beginDrag(point);
         else
             m_grips.coolDown();
     }
     m_view.repaintMarks();
+}
+
+void SelectionHand::beginDrag(const MxGePoint3d& base) {
+    m_drag = std::make_unique<GripDrag>(*m_view.document(), m_grips.hot(), base);
+    ed::CommandStack::instance().setLineTaker(this);
+}
+
+std::unique_ptr<GripDrag> SelectionHand::endDrag() {
+    auto& stack = ed::CommandStack::instance();
+    if (stack.lineTaker() == this)
+        stack.setLineTaker(nullptr);
+    return std::move(m_drag);
+}
+
+bool SelectionHand::take(const QString& line) {
+    const QString typed = line.trimmed(), asked = promptOf(m_drag->mode());
+    const auto echo = [&] { ed::Console::instance().print(QLatin1Char('\n') + asked + typed); };
+    if (const auto mode = typed.isEmpty() ? nextMode(m_drag->mode()) : modeNamed(typed)) {
+        echo();
+        m_drag->setMode(*mode);
+    } else {
+        const auto answer = m_drag->answer(typed);
+        if (answer == GripDrag::Answer::kNone)
+            return false;
+        echo();
+        if (answer == GripDrag::Answer::kGiven)
+            finishDrag();
+    }
+    m_view.repaintMarks();
+    return true;
 }
 
 void SelectionHand::move(const QPointF& at) {
@@ -119,7 +150,7 @@ void SelectionHand::release(const QPointF& at, Qt::KeyboardModifiers modifiers) 
 }
 
 void SelectionHand::finishDrag() {
-    const std::unique_ptr<GripDrag> drag = std::move(m_drag);
+    const std::unique_ptr<GripDrag> drag = endDrag();
     m_pressedAt.reset();
     drag->finish();
     m_grips.coolDown();
@@ -157,7 +188,7 @@ void SelectionHand::escape() {
 void SelectionHand::abandon() {
     m_boxFrom.reset();
     m_pressedAt.reset();
-    m_drag.reset();
+    endDrag();
     m_grips.coolDown();
     m_view.repaintMarks();
 }

@@ -2,6 +2,7 @@
 // What the left button does in the drawing while nothing is asked: it selects by click and by box, and drags grips.
 #pragma once
 
+#include "merix/ed/command_stack.h"
 #include "merix/ui/grip_drag.h"
 #include "merix/ui/grips.h"
 
@@ -29,7 +30,7 @@ struct SelectionBox {
 
 void paintSelectionBox(QPainter& painter, const SelectionBox& box);
 
-class SelectionHand : public QObject {
+class SelectionHand : public QObject, private ed::LineTaker {
     Q_OBJECT
 public:
     explicit SelectionHand(DrawingView& view);
@@ -57,9 +58,13 @@ public:
     void paint(QPainter& painter);
 
 private:
+    /// While grips are dragged: Enter and the name of a mode change the mode, a point or number ends the drag there.
+    bool take(const QString& line) override;
     const Grips& grips() const;
     double reach() const;
     void pressGrip(const Grip& grip, const QPointF& at, Qt::KeyboardModifiers modifiers);
+    void beginDrag(const MxGePoint3d& base);
+    std::unique_ptr<GripDrag> endDrag();
     void finishDrag();
     void finishBox(const QPointF& to, Qt::KeyboardModifiers modifiers);
     void select(const std::vector<MxDbObjectId>& ids, bool remove);

@@ -3,10 +3,15 @@
 #include "tests/support/dxf_tags.h"
 #include "tests/support/process.h"
 
+#include <QDir>
 #include <QElapsedTimer>
+#include <QImage>
+#include <QMap>
 #include <QPointF>
 #include <QThread>
+#include <QtEndian>
 
+#include <cmath>
 #include <functional>
 
 using namespace merix::test;
@@ -50,11 +55,13 @@ struct RealWindows : testing::Test {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     std::unique_ptr<Running> screen, manager, merix;
     QString sound, log, drawing, window;
+    QRect frame; ///< of the window on the screen
 
     void SetUp() override {
         // The server names the screen that it found free.
         screen = std::make_unique<Running>(
-            QStringLiteral("Xvfb"), QStringList{"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp"},
+            QStringLiteral("Xvfb"),
+            QStringList{"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp", "-fbdir", folder.path()},
             environment);
         ASSERT_TRUE(comesTrue([&] { return screen->process().waitForReadyRead(50); }));
         environment.insert("DISPLAY", ":" + QString::fromLatin1(screen->process().readLine().trimmed()));
@@ -101,6 +108,11 @@ struct RealWindows : testing::Test {
             return !window.isEmpty();
         }));
         hand({"windowactivate", "--sync", window});
+        moveTo(0, 0);
+        const auto corner = told({"getmouselocation", "--shell"}),
+                   size = told({"getwindowgeometry", "--shell", window});
+        frame = {corner["X"], corner["Y"], size["WIDTH"], size["HEIGHT"]};
+        ASSERT_TRUE(frame.isValid());
     }
     void TearDown() override {
         merix.reset();
@@ -109,7 +121,32 @@ struct RealWindows : testing::Test {
     }
 
     Outcome hand(const QStringList& doing) { return run("xdotool", doing, folder.path(), {}, environment); }
+    /// What it answers in lines of NAME=NUMBER.
+    QMap<QByteArray, int> told(const QStringList& asking) {
+        QMap<QByteArray, int> numbers;
+        for (const QByteArray& line : hand(asking).out.split('\n'))
+            numbers[line.left(line.indexOf('='))] = line.mid(line.indexOf('=') + 1).toInt();
+        return numbers;
+    }
     void moveTo(int x, int y) { hand({"mousemove", "--window", window, QString::number(x), QString::number(y)}); }
+
+    /// What the window shows: the server keeps its screen in a file of big-endian words that tell its measures, a table
+    /// of colours and the pixels.
+    QImage shown() const {
+        QFile file(folder.filePath("Xvfb_screen0"));
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        const QByteArray all = file.readAll();
+        const auto word = [&](int n) { return static_cast<int>(qFromBigEndian<quint32>(all.constData() + 4 * n)); };
+        constexpr int kHeaderWords = 25, kColor = 12;
+        if (all.size() < 4 * kHeaderWords)
+            return {};
+        const int size = word(0), width = word(4), height = word(5), line = word(12), colors = word(19);
+        if (size + kColor * colors + line * height > all.size())
+            return {};
+        const auto* pixels = reinterpret_cast<const uchar*>(all.constData()) + size + kColor * colors;
+        return QImage(pixels, width, height, line, QImage::Format_RGB32).copy(frame);
+    }
 
     /// The records of notes in the saved drawing.
     std::vector<Record> savedNotes() const {
@@ -130,22 +167,26 @@ QPointF point(const Record& record, int code) {
     return {number(record, code), number(record, code + 10)};
 }
 
-/// Two notes put at known places of the window tell where the drawing lies in it.
+/// Two notes at known places of the window.
 struct RealSelection : RealWindows {
     void SetUp() override {
         RealWindows::SetUp();
         if (HasFatalFailure())
             return;
         hand({"key", "F3"}); // the notes go where the hand is, not to an end of a line beside it
-        for (const QPoint& place : {m_left, m_right}) {
-            moveTo(place.x(), place.y());
+        for (const QPoint& at : {m_left, m_right}) {
+            moveTo(at.x(), at.y());
             hand({"type", "PHONOMARK"});
             hand({"key", "Return"});
             hand({"click", "1"});
         }
         ASSERT_TRUE(saved([&] { return savedNotes().size() == 2; }));
-        m_leftPoint = point(savedNotes()[0], 10);
-        m_scale = (m_right.x() - m_left.x()) / (point(savedNotes()[1], 10).x() - m_leftPoint.x());
+        measure(point(savedNotes()[0], 10), point(savedNotes()[1], 10));
+    }
+    /// What lies in the two places of the window tells where the drawing lies in it.
+    void measure(const QPointF& atLeft, const QPointF& atRight) {
+        m_leftPoint = atLeft;
+        m_scale = (m_right.x() - m_left.x()) / (atRight.x() - atLeft.x());
         ASSERT_GT(m_scale, 0.0);
     }
     /// Saves until `condition` holds of the file.
@@ -185,6 +226,134 @@ struct RealSelection : RealWindows {
     const QPoint m_left{500, 330}, m_right{560, 585}; // the right one with nothing around it
     QPointF m_leftPoint;
     double m_scale = 0.0; ///< pixels in a drawing unit
+};
+
+/// A circle with a note, drawn by hand beside the sheet, where nothing else is.
+struct RealAttachment : RealSelection {
+    void SetUp() override {
+        RealSelection::SetUp();
+        if (HasFatalFailure())
+            return;
+        command("CIRCLE");
+        answer(m_center);
+        answer(m_center + QPoint(m_radius, 0));
+        command("PHONOMARK");
+        type("Settings");
+        type("Object");
+        answer(m_center - QPoint(m_radius, 0));
+        ASSERT_TRUE(saved([&] { return !attachedNote().empty(); }));
+        for (const Tag& tag : attachedNote())
+            if (tag.code == 102) // the last is the note's own
+                circle = tag.value;
+        ASSERT_FALSE(savedCircle().empty());
+        ASSERT_TRUE(follows(m_center, m_radius));
+    }
+    /// What the command line said: painted only while the program waits for the next answer.
+    QImage said() const { return shown().copy(0, frame.height() - 145, frame.width(), 70); }
+    /// Does something that the command line answers to.
+    void heard(const std::function<void()>& doing) {
+        const QImage before = said();
+        doing();
+        EXPECT_TRUE(comesTrue([&] { return said() != before; }));
+    }
+    void type(const char* line) {
+        heard([&] {
+            if (*line)
+                hand({"type", line});
+            hand({"key", "Return"});
+        });
+    }
+    void command(const char* name) { type(name); }
+    void answer(const QPoint& at) {
+        heard([&] { click(at); });
+    }
+    /// The command asks for a selection: the circle, by its left end.
+    void selectCircle() {
+        answer(m_center - QPoint(m_radius, 0));
+        type("");
+    }
+
+    Record attachedNote() const {
+        for (const Record& note : savedNotes())
+            if (number(note, 70) == 2)
+                return note;
+        return {};
+    }
+    std::vector<Record> savedLines() const {
+        std::vector<Record> lines;
+        for (const Record& record : records(readTags(drawing), "ENTITIES"))
+            if (record[0].value == "LINE")
+                lines.push_back(record);
+        return lines;
+    }
+    Record savedCircle() const { return savedLine(circle.constData()); }
+    bool circleIs(const QPoint& center, int radius) const {
+        const Record record = savedCircle();
+        if (record.empty())
+            return false;
+        const QPointF off =
+            point(record, 10) - m_leftPoint - QPointF(center.x() - m_left.x(), m_left.y() - center.y()) / m_scale;
+        constexpr double kPixels = 2.5;
+        return std::hypot(off.x(), off.y()) * m_scale < kPixels &&
+               std::abs(number(record, 40) * m_scale - radius) < kPixels;
+    }
+    /// Pixels in the colour of markers in the square of one whose lower left corner is there.
+    int markerPixels(const QPoint& corner) const {
+        constexpr int kMarker = 32;
+        const QImage square = shown().copy(corner.x() + 1, corner.y() - kMarker, kMarker, kMarker);
+        int found = 0;
+        for (int y = 0; y < square.height(); ++y)
+            for (int x = 0; x < square.width(); ++x) {
+                const QColor color = square.pixelColor(x, y);
+                found += color.red() > 150 && std::abs(color.red() - color.blue()) < 20;
+            }
+        return found;
+    }
+    bool showsMarker(const QPoint& corner) const { return markerPixels(corner) > 120; }
+    static QPoint cornerOf(const QPoint& center, int radius) { return center + QPoint(radius, -radius); }
+
+    /// The circle was saved there, its marker is seen at its corner and nowhere else that it ever was, and nothing in
+    /// the file is broken.
+    bool follows(const QPoint& center, int radius) {
+        moveTo(m_apart.x(), m_apart.y());
+        const QPoint corner = cornerOf(center, radius);
+        const bool isSaved = saved([&] { return circleIs(center, radius); });
+        const bool isShown = comesTrue([&] { return showsMarker(corner); });
+        bool isElsewhere = false;
+        for (const QPoint& other : m_corners)
+            isElsewhere |= (other - corner).manhattanLength() > 6 && markerPixels(other) > 40;
+        m_corners.push_back(corner);
+        shown().save(pictures() + QStringLiteral("/%1.png").arg(m_corners.size(), 2, 10, QLatin1Char('0')));
+        const Outcome audit =
+            runScript("@open " + drawing.toUtf8() + "\nAUDIT\n@expect 0 broken, 0 loose\n", folder.path());
+        EXPECT_EQ(audit.status, 0) << audit.err.constData();
+        EXPECT_TRUE(isSaved) << "the circle";
+        EXPECT_TRUE(isShown) << "the marker " << m_corners.size();
+        EXPECT_FALSE(isElsewhere) << "the marker " << m_corners.size();
+        return isSaved && isShown && !isElsewhere && audit.status == 0;
+    }
+    /// The circle is there now; undone it is where it was, and redone there again.
+    void takesBackAndForth(const QPoint& center, int radius) {
+        EXPECT_TRUE(follows(center, radius));
+        hand({"key", "ctrl+z"});
+        EXPECT_TRUE(follows(m_center, m_radius));
+        hand({"key", "ctrl+y"});
+        EXPECT_TRUE(follows(center, radius));
+        m_center = center;
+        m_radius = radius;
+    }
+    /// For people to look at.
+    static QString pictures() {
+        const QString path = QStringLiteral(MERIX_BINARY_DIR "/hand/attached");
+        QDir().mkpath(path);
+        return path;
+    }
+
+    QByteArray circle; ///< its handle
+    QPoint m_center{120, 440};
+    int m_radius = 30;
+    const QPoint m_apart{1150, 500}; ///< nothing is there
+    std::vector<QPoint> m_corners;   ///< where the marker was seen
 };
 
 TEST_F(RealWindows, ANoteIsPlacedRecordedAndSavedWithMouseAndKeyboard) {
@@ -250,6 +419,59 @@ TEST_F(RealSelection, GripsOfWhatWasClickedOrBoxedAreDraggedAndTakenBack) {
     EXPECT_EQ(point(savedNotes()[0], 10), m_leftPoint);
     hand({"key", "ctrl+z"});
     EXPECT_TRUE(saved([&] { return point(savedNotes()[1], 10) == note; }));
+}
+
+TEST_F(RealAttachment, TheMarkerFollowsItsCircleThroughEditsByHandAndThroughTheFile) {
+    command("MOVE");
+    selectCircle();
+    answer(m_center);
+    answer({160, 300});
+    takesBackAndForth({160, 300}, 30);
+
+    click({130, 300});
+    drag({190, 300}, {210, 300}); // by the grip at its right end
+    hand({"key", "Escape"});
+    takesBackAndForth({160, 300}, 50);
+
+    command("ROTATE");
+    selectCircle();
+    answer({160, 400});
+    type("90");
+    takesBackAndForth({60, 400}, 50);
+
+    command("SCALE");
+    selectCircle();
+    answer({160, 400});
+    type("0.5");
+    takesBackAndForth({110, 400}, 25);
+
+    const QPointF center = point(savedCircle(), 10);
+    const double radius = number(savedCircle(), 40);
+    hand({"key", "ctrl+w"});
+    ASSERT_TRUE(comesTrue([&] { return hand({"getwindowname", window}).out.indexOf("plan.dxf") < 0; }));
+    hand({"key", "ctrl+o"});
+    ASSERT_TRUE(comesTrue([&] { return !hand({"search", "--onlyvisible", "--name", "^Open"}).out.isEmpty(); }));
+    hand({"type", drawing});
+    hand({"key", "Return"});
+    ASSERT_TRUE(comesTrue([&] { return hand({"getwindowname", window}).out.indexOf("plan.dxf") >= 0; }));
+
+    m_corners.clear();
+    // The whole of the drawing is shown now.
+    const std::size_t lines = savedLines().size();
+    command("LINE");
+    answer(m_left);
+    answer(m_right);
+    type("");
+    ASSERT_TRUE(saved([&] { return savedLines().size() == lines + 1; }));
+    measure(point(savedLines().back(), 10), point(savedLines().back(), 11));
+    m_center = pixel(center);
+    m_radius = qRound(radius * m_scale);
+    EXPECT_TRUE(follows(m_center, m_radius));
+    command("MOVE");
+    selectCircle();
+    answer(m_center);
+    answer(m_center + QPoint(0, -150));
+    takesBackAndForth(m_center + QPoint(0, -150), m_radius);
 }
 
 } // namespace

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Pictures that no script can bring about: the note is made and painted in this process. The playing mark is set by a
-// procedure that plays a note for another program; paper is light.
+// procedure that plays a note for another program, notes are highlighted by programs too; paper is light.
 #include "merix/gi/graphics_builder.h"
 #include "merix/gi/list_painter.h"
 #include "merix/gi/scene.h"
+#include "merix/ui/drawing_view.h"
 #include "tests/golden/likeness.h"
 #include "tests/phonomark/module_fixture.h"
 
@@ -16,6 +17,21 @@ namespace {
 
 class ModulePictures : public ModuleTest {
 protected:
+    /// Opens a copy of one of the cases' drawings.
+    void open(const QString& name) {
+        const QString copy = folder.filePath(name);
+        ASSERT_TRUE(QFile::copy(QStringLiteral(MERIX_SOURCE_DIR "/tests/golden/drawings/") + name, copy));
+        ASSERT_TRUE(ap::DocManager::instance().open(copy).message.isEmpty());
+        useDocument(*ap::DocManager::instance().current());
+    }
+    /// Of the current space, in the order of drawing.
+    std::vector<MxDbPhonomark*> notes() {
+        std::vector<MxDbPhonomark*> found;
+        for (const MxDbObjectId& id : database().imp().block(database().currentSpaceId())->entityIds())
+            if (auto* note = dynamic_cast<MxDbPhonomark*>(db::DatabaseImp::peek(id)))
+                found.push_back(note);
+        return found;
+    }
     /// Keeps the picture and compares it with the one of the case.
     void expectLike(const QString& name, const QImage& picture) {
         const QString results = QStringLiteral(MERIX_BINARY_DIR "/golden/") + name;
@@ -26,15 +42,27 @@ protected:
     }
 };
 
+/// The drawing as a window shows it: 400 by 250 units in 960 by 600 pixels.
+class Shown {
+public:
+    explicit Shown(ap::Document& document) {
+        m_view.resize(960, 600);
+        m_view.setDocument(&document);
+        ge::ViewTransform transform = m_view.transform();
+        transform.center = {200, 125};
+        transform.unitsPerPixel = 400.0 / 960;
+        m_view.setTransform(transform);
+    }
+    QImage picture() { return m_view.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+
+private:
+    ui::DrawingView m_view;
+};
+
 } // namespace
 
 TEST_F(ModulePictures, EveryNoteThatPlaysShowsAGreenTriangle) {
-    auto& manager = ap::DocManager::instance();
-    const QString copy = folder.filePath(QStringLiteral("recorded.dxf"));
-    ASSERT_TRUE(QFile::copy(QStringLiteral(MERIX_SOURCE_DIR "/tests/golden/drawings/recorded.dxf"), copy));
-    ASSERT_TRUE(manager.open(copy).message.isEmpty());
-    ap::Document& drawing = *manager.current();
-    const MxDbObjectId space = drawing.database()->currentSpaceId();
+    open(QStringLiteral("recorded.dxf"));
 
     TransformView view(400.0 / 960);
     ge::ViewTransform transform = view.transform();
@@ -42,16 +70,15 @@ TEST_F(ModulePictures, EveryNoteThatPlaysShowsAGreenTriangle) {
     transform.width = 960;
     transform.height = 600;
     view.setTransform(transform);
-    for (const MxDbObjectId& id : drawing.database()->imp().block(space)->entityIds())
-        if (auto* note = dynamic_cast<MxDbPhonomark*>(db::DatabaseImp::peek(id)))
-            note->setPlaying(true);
+    for (MxDbPhonomark* note : notes())
+        note->setPlaying(true);
 
     const gi::PaintOptions options;
     QImage picture(960, 600, QImage::Format_RGB32);
     picture.fill(options.background);
     {
         QPainter painter(&picture);
-        gi::Scene(*drawing.database()).paint(painter, transform, space, options);
+        gi::Scene(database()).paint(painter, transform, database().currentSpaceId(), options);
     }
     expectLike(QStringLiteral("playing"), picture);
 }
@@ -87,4 +114,29 @@ TEST_F(ModulePictures, TheIconsCanBeToldOnDarkAndOnLight) {
     }
     all.end();
     expectLike(QStringLiteral("icons"), picture);
+}
+
+TEST_F(ModulePictures, WithTheirRegionsHiddenNotesOfEveryTypeKeepTheirMarkers) {
+    open(QStringLiteral("recorded.dxf"));
+    addNote(kPointNote, {60, 120, 0});
+    for (const int type : {kRegionNote, kObjectNote}) {
+        MxDbPhonomark& silent = note(addNote(type));
+        silent.setExtents(MxDbExtents({160, 180, 0}, {type == kRegionNote ? 200.0 : 240.0, 205, 0}));
+    }
+    Shown shown(document());
+    expectLike(QStringLiteral("region-shown"), shown.picture());
+    for (MxDbPhonomark* note : notes())
+        note->ShowRegion(false);
+    expectLike(QStringLiteral("region-hidden"), shown.picture());
+}
+
+TEST_F(ModulePictures, AHighlightedNoteShowsWhatItBelongsTo) {
+    open(QStringLiteral("recorded.dxf"));
+    Shown shown(document());
+    for (MxDbPhonomark* note : notes())
+        note->doUnhighlight();
+    expectLike(QStringLiteral("unhighlighted"), shown.picture());
+    for (MxDbPhonomark* note : notes())
+        note->doHighlight();
+    expectLike(QStringLiteral("highlighted-by-note"), shown.picture());
 }

@@ -23,8 +23,9 @@ namespace {
 /// Gives the prompts their answers in order, then Esc.
 class Answers : public merix::ed::InputSource {
 public:
-    explicit Answers(std::deque<std::string> lines)
-        : m_lines(std::move(lines)) {
+    Answers(std::deque<std::string> lines, std::string escape)
+        : m_lines(std::move(lines))
+        , m_escape(std::move(escape)) {
         merix::ed::Prompter::instance().setSource(this);
     }
     ~Answers() override { merix::ed::Prompter::instance().setSource(nullptr); }
@@ -37,12 +38,16 @@ public:
         }
         const std::string line = m_lines.front();
         m_lines.pop_front();
-        prompter.submitLine(QString::fromStdString(line));
+        if (line == m_escape)
+            prompter.cancel();
+        else
+            prompter.submitLine(QString::fromStdString(line));
         return true;
     }
 
 private:
     std::deque<std::string> m_lines;
+    std::string m_escape;
 };
 
 } // namespace
@@ -107,7 +112,7 @@ std::string ModuleTest::printed() {
 }
 
 void ModuleTest::run(const std::string& command, std::deque<std::string> answers) {
-    const Answers source(std::move(answers));
+    const Answers source(std::move(answers), kEscape);
     merix::ed::CommandStack::instance().runLine(QString::fromStdString(command));
 }
 

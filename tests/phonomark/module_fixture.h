@@ -39,6 +39,8 @@ protected:
     /// What was printed on the command line since the last call.
     std::string printed();
 
+    /// An answer of the user who presses Esc.
+    static constexpr char kEscape[] = "\x1b";
     /// Runs a command line and answers its prompts; the last answer is Esc.
     void run(const std::string& command, std::deque<std::string> answers = {});
 

@@ -7,6 +7,8 @@
 #include "merix/ed/editor.h"
 #include "merix/ed/prompter.h"
 
+#include <QCoreApplication>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -120,6 +122,26 @@ TEST_F(CommandStackTest, EnterRepeatsTheLastCommandWithoutItsAnswers) {
     EXPECT_EQ(run(""), Outcome::kEnded);
     EXPECT_THAT(g_log, ElementsAre("work", "work"));
     EXPECT_THAT(shown(), HasSubstr("Command: ARBEIT"));
+}
+
+TEST_F(CommandStackTest, WhatIsUnderWayInTheWindowTakesTypedLinesFirst) {
+    struct Taker : LineTaker {
+        bool take(const QString& line) override {
+            lines << line;
+            return line != QLatin1String("NOPE");
+        }
+        QStringList lines;
+    } taker;
+    auto& stack = CommandStack::instance();
+    stack.setLineTaker(&taker);
+    EXPECT_EQ(stack.runLine(QStringLiteral("90")), Outcome::kEnded);
+    EXPECT_EQ(stack.runLine({}), Outcome::kEnded);
+    EXPECT_EQ(stack.runLine(QStringLiteral("NOPE")), Outcome::kUnknown);
+    stack.submit(QStringLiteral("NEITHER")); // from a menu: a command
+    QCoreApplication::processEvents();
+    stack.setLineTaker(nullptr);
+    EXPECT_EQ(stack.runLine(QStringLiteral("90")), Outcome::kUnknown);
+    EXPECT_EQ(taker.lines, (QStringList{QStringLiteral("90"), QString(), QStringLiteral("NOPE")}));
 }
 
 TEST_F(CommandStackTest, WordsAfterTheCommandAreItsFirstAnswers) {

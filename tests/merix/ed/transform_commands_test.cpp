@@ -77,6 +77,13 @@ TEST_F(TransformCommandsTest, MirrorCopiesOrTurnsOver) {
     EXPECT_THAT(shown(), HasSubstr("The mirror line has no direction."));
 }
 
+TEST_F(TransformCommandsTest, AMirrorAlongAnAxisKeepsTheOtherCoordinateToTheLastDigit) {
+    const MxGePoint3d point(0.1, 150.3, 7.0);
+    EXPECT_EQ(ed::mirrorAbout({140, 150, 0}, {0, -90, 0}) * point, MxGePoint3d(279.9, 150.3, 7.0));
+    EXPECT_EQ(ed::mirrorAbout({0, 0, 0}, {1e-3, 0, 0}) * point, MxGePoint3d(0.1, -150.3, 7.0));
+    expectNear(ed::mirrorAbout({1, 1, 0}, {2, 2, 0}) * point, {150.3, 0.1, 7.0});
+}
+
 TEST_F(TransformCommandsTest, WhatCannotTakeAMapStaysAndIsCounted) {
     const MxGeMatrix3d squeeze = MxGeMatrix3d::scaling(2, 1, 1);
     const auto before = snapshot();

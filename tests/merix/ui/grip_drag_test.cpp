@@ -44,6 +44,13 @@ protected:
         layer->close();
         undo().clear();
     }
+    static QString prompt() { return ed::Console::instance().prompt(); }
+    void typed(const QString& keys) {
+        for (const QChar c : keys) { // what Enter begins is over before the next key
+            type(&view(), c);
+            settle();
+        }
+    }
     QRgb pixel(const QPointF& p) { return view().grab().toImage().pixel(int(p.x()), int(p.y())); }
 
     MxDbObjectId first, second;
@@ -205,6 +212,121 @@ TEST_F(GripDragTest, WithOrthoTheGripGoesStraight) {
     drag(at(100, 100), at(103, 160));
     EXPECT_EQ(line(first).start.x, 100);
     EXPECT_NEAR(line(first).start.y, 160, 2);
+}
+
+TEST_F(GripDragTest, EnterLeadsFromStretchingToWaysForTheWholeSelection) {
+    CommandWatch watch;
+    const auto base = QPointF(at(200, 100));
+    view().setSnapping(false);
+    click(base);
+    EXPECT_EQ(prompt(), QStringLiteral("Stretch to or [Move/Rotate/Scale/Mirror] <Move>: "));
+    typed(QStringLiteral(" "));
+    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Rotate/Scale/Mirror/Stretch] <Rotate>: "));
+    click(at(260, 130));
+    EXPECT_EQ(prompt(), QString());
+    const MxGeVector3d by = line(first).end - MxGePoint3d(200, 100, 0);
+    EXPECT_TRUE(near(line(first).end, 260, 130));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0) + by);
+    EXPECT_EQ(line(second).end, MxGePoint3d(200, 200, 0) + by);
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH", L"start GRIP_MOVE", L"end GRIP_MOVE"}));
+    ASSERT_EQ(undo().undoUnits().size(), 1U);
+    EXPECT_EQ(undo().undoUnits()[0].name, L"Grip move");
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+    EXPECT_EQ(line(second).end, MxGePoint3d(200, 200, 0));
+}
+
+TEST_F(GripDragTest, AfterTheLastWayItStretchesAgain) {
+    click(at(100, 100));
+    typed(QStringLiteral("     "));
+    view().setSnapping(false);
+    click(at(50, 60));
+    EXPECT_TRUE(near(line(first).start, 50, 60));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+    EXPECT_EQ(line(second).end, MxGePoint3d(200, 200, 0));
+}
+
+TEST_F(GripDragTest, TheRightButtonIsEnterHereToo) {
+    click(at(100, 100));
+    mouse(QEvent::MouseButtonPress, at(100, 100), Qt::RightButton, Qt::RightButton);
+    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Rotate/Scale/Mirror/Stretch] <Rotate>: "));
+}
+
+TEST_F(GripDragTest, TheSelectionIsMirroredInTheLineFromTheGripToTheHand) {
+    click(at(100, 100));
+    typed(QStringLiteral("mirror\n"));
+    typed(QStringLiteral("@0,50\n"));
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    EXPECT_EQ(line(first).end, MxGePoint3d(0, 100, 0));
+    EXPECT_EQ(line(second).end, MxGePoint3d(0, 200, 0));
+    EXPECT_EQ(undo().undoUnits().back().name, L"Grip mirror");
+}
+
+TEST_F(GripDragTest, AnAngleAndAFactorMayBeTyped) {
+    click(at(200, 100));
+    typed(QStringLiteral("ro\n90\n"));
+    EXPECT_NEAR(line(second).end.x, 100, 1e-9);
+    EXPECT_NEAR(line(second).end.y, 100, 1e-9);
+    click(at(200, 100));
+    ed::Console::instance().markRead();
+    typed(QStringLiteral("sc\n0\n-1\nnan\n"));
+    EXPECT_EQ(ed::Console::instance().unread().count(QStringLiteral("A number above 0 is needed.")), 3);
+    EXPECT_EQ(undo().undoUnits().size(), 1U);
+    typed(QStringLiteral("0.5\n"));
+    EXPECT_NEAR(line(second).end.x, 150, 1e-9);
+    EXPECT_NEAR(line(first).start.y, 50, 1e-9);
+}
+
+TEST_F(GripDragTest, APointMayBeTypedForAStretchToo) {
+    click(at(100, 100));
+    typed(QStringLiteral("1e200,0\n"));
+    EXPECT_TRUE(ed::Console::instance().unread().contains(QStringLiteral("That point is too far away.")));
+    typed(QStringLiteral("@-10,5\n"));
+    EXPECT_EQ(line(first).start, MxGePoint3d(90, 105, 0));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+}
+
+TEST_F(GripDragTest, WhatIsNoAnswerIsACommandAndEndsTheDrag) {
+    CommandWatch watch;
+    click(at(100, 100));
+    typed(QStringLiteral("regen\n"));
+    EXPECT_EQ(watch.told, (Told{L"start GRIP_STRETCH", L"cancel GRIP_STRETCH", L"start REGEN", L"end REGEN"}));
+    typed(QStringLiteral("\n"));
+    EXPECT_EQ(watch.told.back(), L"end REGEN") << "Enter repeats the command again";
+    EXPECT_EQ(prompt(), QString());
+}
+
+TEST_F(GripDragTest, EscapeInAnyWayLeavesEverythingAsItWas) {
+    for (const char* way : {"mo\n", "ro\n", "sc\n", "mi\n"}) {
+        click(at(100, 100));
+        typed(QLatin1String(way));
+        mouse(QEvent::MouseMove, at(130, 150));
+        key(&view(), Qt::Key_Escape);
+        EXPECT_EQ(prompt(), QString());
+    }
+    EXPECT_EQ(line(first).start, MxGePoint3d(100, 100, 0));
+    EXPECT_TRUE(undo().undoUnits().empty());
+}
+
+TEST_F(GripDragTest, TheWholeSelectionIsShownAsItWillBe) {
+    view().setSnapping(false);
+    click(at(100, 100));
+    typed(QStringLiteral("mi\n"));
+    mouse(QEvent::MouseMove, at(100, 20));
+    EXPECT_EQ(pixel(at(0, 150)), qRgb(255, 0, 0)); // the second line, beyond the first
+    typed(QStringLiteral("st\n"));
+    EXPECT_EQ(pixel(at(0, 150)), ui::kCanvas.rgb());
+}
+
+TEST_F(GripDragTest, APromptThatBeginsMeanwhileKeepsItsText) {
+    click(at(100, 100));
+    QString shown;
+    QTimer::singleShot(0, &window, [&] {
+        shown = prompt();
+        ed::Prompter::instance().cancel();
+    });
+    MxGePoint3d picked;
+    ed::Prompter::instance().getPoint(nullptr, QStringLiteral("Point: "), picked);
+    EXPECT_EQ(shown, QStringLiteral("Point: "));
 }
 
 TEST_F(GripDragTest, TheEntityIsShownAsItWillBe) {

@@ -84,6 +84,28 @@ TEST_F(InsertTest, InsertionIsOneUndoableUnit) {
     EXPECT_EQ(listed().size(), 1u);
 }
 
+TEST_F(InsertTest, CancelSaysNothing) {
+    WriteProfileStringW(L"", L"Spokesman", L"Anna");
+    const TransformView view(0.1);
+    const auto saidAfter = [&](const std::string& prompt) {
+        const std::string text = printed();
+        const std::size_t at = text.rfind(prompt);
+        return at == std::string::npos ? "no prompt in " + text : text.substr(at + prompt.size());
+    };
+    for (const int type : {0, 1, 2}) {
+        WriteProfileInt(L"", L"VoiceType", type);
+        run("PHONOMARK");
+        EXPECT_EQ(saidAfter("[Settings]: "), "*Cancel*") << "the command line's own word: " << type;
+        run("PHONOMARK", {"Settings"});
+        EXPECT_EQ(saidAfter("<Point>: "), "*Cancel*") << type;
+        run("PHONOMARK", {"Settings", "Spokesman"});
+        EXPECT_EQ(saidAfter("Enter the speaker's name <Anna>: "), "*Cancel*") << type;
+    }
+    WriteProfileInt(L"", L"VoiceType", 1);
+    run("PHONOMARK", {"1,2"});
+    EXPECT_EQ(saidAfter("Specify the opposite corner: "), "*Cancel*");
+}
+
 TEST_F(InsertTest, CancelCreatesNothingAndKeepsTheSettings) {
     run("PHONOMARK", {"Settings", "Spokesman", "Anna"});
     EXPECT_THAT(listed(), IsEmpty());
@@ -103,17 +125,36 @@ TEST_F(InsertTest, AnEmptyAnswerKeepsTheSpeaker) {
     EXPECT_EQ(speaker(), L"Bert");
 }
 
+TEST_F(InsertTest, ATypedSpeakerHasNoSpaces) {
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna Maria", "1,2"});
+    EXPECT_EQ(speaker(), L"Anna") << "a space ends the answer";
+    EXPECT_EQ(only().position(), MxGePoint3d(1, 2, 0));
+}
+
+TEST_F(InsertTest, ASpeakerThatIsKeptIsCutAtTheSameLength) {
+    WriteProfileStringW(L"", L"Spokesman", std::wstring(200, L'y'));
+    run("PHONOMARK", {"1,2"});
+    EXPECT_EQ(speaker(), std::wstring(200, L'y')) << "not when it is not asked for";
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    run("PHONOMARK", {"Settings", "Spokesman", "", "1,2"});
+    EXPECT_EQ(speaker(), std::wstring(132, L'y'));
+    EXPECT_EQ(storedSpeaker(), std::wstring(132, L'y'));
+}
+
 TEST_F(InsertTest, ATypedSpeakerIsCutAtItsBuffer) {
     run("PHONOMARK", {"Settings", "Spokesman", std::string(200, 'x'), "1,2"});
     EXPECT_EQ(speaker(), std::wstring(132, L'x'));
 }
 
 TEST_F(InsertTest, EnterAtTheSettingsQuestionMakesItAPoint) {
-    WriteProfileStringW(L"", L"VoiceType", L"Region"); // no number: asks for a point
-    run("PHONOMARK", {"Settings", "", "3,4"});
-    EXPECT_EQ(only().getPhonomarkType(), 0);
-    EXPECT_EQ(GetProfileStringW(L"", L"VoiceType", L""), L"0");
-    EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+    for (const wchar_t* stored : {L"0", L"1", L"2", L"Region"}) { // the last is no number: asks for a point
+        WriteProfileStringW(L"", L"VoiceType", stored);
+        run("PHONOMARK", {"Settings", "", "3,4"});
+        EXPECT_EQ(only().getPhonomarkType(), 0);
+        EXPECT_EQ(GetProfileStringW(L"", L"VoiceType", L""), L"0");
+        EXPECT_EQ(only().position(), MxGePoint3d(3, 4, 0));
+        livePhManager()->ErasePhonomark(listed()[0], &document());
+    }
 }
 
 TEST_F(InsertTest, AStoredReplyIsCreatedWithoutAskingForItsPlace) {
@@ -128,7 +169,10 @@ TEST_F(InsertTest, HiddenNotesAreShownBeforeAnythingIsAsked) {
     SetPhonomarkVar(false);
     run("PHONOMARK");
     EXPECT_TRUE(IsShowPhonomark()) << "although the command was cancelled";
-    EXPECT_THAT(printed(), HasSubstr("Voice notes are shown."));
+    const std::string text = printed();
+    ASSERT_THAT(text, HasSubstr("Voice notes are shown."));
+    EXPECT_LT(text.find("Voice notes are shown."), text.find("note type = Point"));
+    EXPECT_LT(text.find("note type = Point"), text.find("[Settings]"));
     EXPECT_THAT(listed(), IsEmpty());
 }
 
@@ -153,6 +197,24 @@ TEST_F(InsertTest, ARegionIsAskedForByTwoCornersInAnyOrder) {
     EXPECT_THAT(text, HasSubstr("note type = Region"));
     EXPECT_THAT(text, HasSubstr("Specify the first corner of the region or [Settings]: 30,10"));
     EXPECT_THAT(text, HasSubstr("Specify the opposite corner: @-20,15"));
+}
+
+TEST_F(InsertTest, EnterIsNoAnswerToAPlacingPrompt) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    const auto placed = [&](int type, std::deque<std::string> answers) -> MxDbPhonomark& {
+        WriteProfileInt(L"", L"VoiceType", type);
+        printed();
+        run("PHONOMARK", std::move(answers));
+        const std::string text = printed();
+        EXPECT_EQ(text.find("note type = "), text.rfind("note type = ")) << "asked again by the command line";
+        return only();
+    };
+    EXPECT_EQ(placed(0, {"", "1,2"}).position(), MxGePoint3d(1, 2, 0));
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    EXPECT_EQ(placed(1, {"", "1,2", "3,4"}).extents().minPoint(), MxGePoint3d(1, 2, 0));
+    livePhManager()->ErasePhonomark(listed()[0], &document());
+    EXPECT_EQ(placed(2, {"", "4,2"}).attachObj(), line);
 }
 
 TEST_F(InsertTest, ARegionWithoutItsOtherCornerIsNone) {
@@ -244,8 +306,8 @@ TEST_F(InsertTest, CancelAtTheObjectPromptCreatesNothing) {
 
 TEST_F(InsertTest, CancelAtTheSettingsQuestionOrAtTheSpeakerCreatesNothing) {
     WriteProfileInt(L"", L"VoiceType", 1);
-    run("PHONOMARK", {"Settings"});
-    run("PHONOMARK", {"Settings", "Spokesman"});
+    run("PHONOMARK", {"Settings", kEscape, "1,2", "3,4"});
+    run("PHONOMARK", {"Settings", "Spokesman", kEscape, "1,2", "3,4"});
     EXPECT_THAT(listed(), IsEmpty());
     EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 1);
 }
@@ -259,6 +321,25 @@ TEST_F(InsertTest, ANoteThatCannotBeAddedIsListedAsNothingAndTheSettingsAreWritt
     EXPECT_EQ(storedSpeaker(), L"Anna");
     EXPECT_EQ(GetProfileIntW(L"", L"VoiceType", 7), 0);
     EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+}
+
+TEST_F(InsertTest, AnObjectNoteThatCannotBeAddedLeavesItsObjectAlone) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    WriteProfileInt(L"", L"VoiceType", 2);
+    printed();
+    MxDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(mxdbOpenObject(space, database().currentSpaceId(), Mx::kForRead), Mx::eOk);
+    run("PHONOMARK", {"Settings", "Spokesman", "Anna", "4,2"});
+    space->close();
+    EXPECT_THAT(listed(), ::testing::ElementsAre(MxDbObjectId()));
+    EXPECT_TRUE(merix::db::DatabaseImp::peek(line)->reactors().empty());
+    EXPECT_FALSE(IsAttachedVoice(line));
+    EXPECT_EQ(storedSpeaker(), L"Anna");
+    EXPECT_THAT(printed(), ::testing::Not(HasSubstr("rror")));
+    MxDbEntity* free = nullptr;
+    ASSERT_EQ(mxdbOpenObject(free, line, Mx::kForWrite), Mx::eOk) << "left open";
+    free->close();
 }
 
 TEST_F(InsertTest, TheLoginNameIsTheSpeakerHoweverLongTheMachinesNameIs) {
@@ -289,6 +370,25 @@ TEST_F(InsertTest, WithoutItsTextsTheCommandStillWorks) {
     EXPECT_EQ(printed(), "\nCommand: PHONOMARK\nSettings\nA point is needed.\n10,20") << "there are no keywords";
     EXPECT_EQ(only().position(), MxGePoint3d(10, 20, 0));
     EXPECT_EQ(storedSpeaker(), L"Anna");
+}
+
+TEST_F(InsertTest, AnyOtherKeywordMakesANoteWithoutAPlace) {
+    const TransformView view(0.1);
+    addLine();
+    void* const own = _hdllInstance;
+    _hdllInstance = LoadResourceDll(L"MoreKeywords.dll");
+    ASSERT_TRUE(_hdllInstance);
+    for (const int type : {0, 1, 2}) {
+        WriteProfileInt(L"", L"VoiceType", type);
+        run("PHONOMARK", {"Later", "4,2", "6,7"});
+        EXPECT_EQ(only().getPhonomarkType(), type);
+        EXPECT_EQ(only().position(), MxGePoint3d());
+        EXPECT_TRUE(only().extents().isEmpty());
+        EXPECT_TRUE(only().attachObj().isNull());
+        livePhManager()->ErasePhonomark(listed()[0], &document());
+    }
+    FreeLibrary(_hdllInstance);
+    _hdllInstance = own;
 }
 
 TEST_F(InsertTest, WithoutAWorkingDrawingNothingIsListedButNothing) {

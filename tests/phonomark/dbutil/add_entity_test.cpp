@@ -101,3 +101,44 @@ TEST_F(AddEntityTest, ObjectsComeIntoModelSpacesDictionaryUnderNamesOfItsMaking)
     EXPECT_EQ(mxdbOpenObject(record, first, Mx::kForWrite), Mx::eOk) << "open elsewhere";
     record->close();
 }
+
+TEST_F(AddEntityTest, AnEntityThatASpaceDoesNotTakeStaysTheCallersAndTheSpaceIsClosed) {
+    MxDbEntity* line = nullptr;
+    ASSERT_EQ(mxdbOpenObject(line, addLine(), Mx::kForWrite), Mx::eOk);
+    MxDbObjectId id;
+    EXPECT_FALSE(addEntityToCurrentSpace(id, line)) << "it is in the drawing already";
+    EXPECT_FALSE(addEntityToDb(id, line));
+    EXPECT_FALSE(addEntityToOwnerSpace(id, line, database().imp().roots.modelSpace));
+    EXPECT_TRUE(id.isNull());
+    line->assertWriteEnabled();
+    EXPECT_EQ(line->close(), Mx::eOk) << "it was not closed";
+    EXPECT_FALSE(addLine().isNull()) << "the space was";
+}
+
+TEST_F(AddEntityTest, AnObjectThatTheDictionaryDoesNotTakeStaysTheCallersAndTheDictionaryIsClosed) {
+    MxDbObjectId first, id;
+    ASSERT_TRUE(addObjectToDb(first, new MxDbXrecord));
+    MxDbObject* record = nullptr;
+    ASSERT_EQ(mxdbOpenObject(record, first, Mx::kForWrite), Mx::eOk);
+    EXPECT_FALSE(addObjectToDb(id, record)) << "it is in the drawing already";
+    EXPECT_TRUE(id.isNull());
+    record->assertWriteEnabled();
+    EXPECT_EQ(record->close(), Mx::eOk) << "it was not closed";
+    EXPECT_TRUE(addObjectToDb(id, new MxDbXrecord)) << "the dictionary was";
+}
+
+TEST_F(AddEntityTest, ADictionaryThatIsOpenElsewhereIsNotAddedTo) {
+    MxDbObjectId id;
+    ASSERT_TRUE(addObjectToDb(id, new MxDbXrecord));
+    const MxDbObjectId model = database().imp().roots.modelSpace;
+    MxDbDictionary* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, merix::db::DatabaseImp::peek(model)->extensionDictionary(), Mx::kForRead),
+              Mx::eOk);
+    const auto record = std::make_unique<MxDbXrecord>();
+    EXPECT_FALSE(addObjectToDb(id, record.get()));
+    reader->close();
+    MxDbObject* space = nullptr;
+    ASSERT_EQ(mxdbOpenObject(space, model, Mx::kForWrite), Mx::eOk) << "left open";
+    EXPECT_FALSE(addObjectToDb(id, record.get())) << "the space itself cannot be read";
+    space->close();
+}

@@ -46,3 +46,25 @@ TEST_F(LinetypesTest, WithoutADrawingThereIsNone) {
     MxDbObjectId id;
     EXPECT_EQ(getLinetypeIdFromString(L"Continuous", id), Mx::eNoDatabase);
 }
+
+TEST_F(LinetypesTest, ATableThatCannotBeOpenedGivesItsStatus) {
+    MxDbSymbolTable* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, database().linetypeTableId(), Mx::kForWrite), Mx::eOk);
+    MxDbObjectId id;
+    EXPECT_EQ(getLinetypeIdFromString(L"DASHEDX2", id), Mx::eOpenForWrite);
+    writer->close();
+    EXPECT_TRUE(id.isNull());
+    EXPECT_EQ(getLinetypeIdFromString(L"DASHEDX2", id), Mx::eOk);
+    ASSERT_EQ(mxdbOpenObject(writer, database().linetypeTableId(), Mx::kForWrite), Mx::eOk) << "left open";
+    writer->close();
+}
+
+TEST_F(LinetypesTest, WithoutTheFileAMissingLinetypeIsNotFound) {
+    const QByteArray before = qgetenv("MERIX_RESOURCE_PATH");
+    qputenv("MERIX_RESOURCE_PATH", folder.path().toLocal8Bit());
+    MxDbObjectId id;
+    EXPECT_EQ(getLinetypeIdFromString(L"DASHEDX2", id), Mx::eKeyNotFound);
+    EXPECT_TRUE(id.isNull());
+    EXPECT_EQ(getLinetypeIdFromString(L"Continuous", id), Mx::eOk) << "those of the drawing are";
+    qputenv("MERIX_RESOURCE_PATH", before);
+}

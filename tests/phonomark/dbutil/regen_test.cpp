@@ -48,3 +48,16 @@ TEST_F(RegenTest, TheEchoIsSetBackToWhatItWas) {
     }
     mxedSetVar(L"CMDECHO", 1);
 }
+
+TEST_F(RegenTest, WithoutADrawingThereIsNothingToMakeAnew) {
+    CountingView view(1.0);
+    merix::ap::DocManager::instance().close(document());
+    printed();
+    InvokeRegenCommand(false);
+    EXPECT_EQ(view.count, 0);
+    EXPECT_EQ(printed(), "");
+    EXPECT_EQ(echo(), 1) << "as before";
+    InvokeRegenCommand(true);
+    EXPECT_EQ(view.count, 0);
+    EXPECT_EQ(echo(), 1);
+}

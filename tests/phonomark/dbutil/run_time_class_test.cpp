@@ -3,6 +3,10 @@
 
 #include "tests/phonomark/module_fixture.h"
 
+#include <array>
+#include <malloc.h>
+#include <memory>
+
 namespace {
 
 class Watcher : public MxDbObjectReactor {
@@ -20,6 +24,22 @@ public:
 TEST(RunTimeClassTest, AClassThatThrowsAtBirthGivesNoObject) {
     EXPECT_EQ(makeOnHostHeap<Thrower>(), nullptr);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // whose allocators count nothing; one finds leaks
+
+TEST(RunTimeClassTest, AClassThatThrowsAtBirthGivesItsBlockBack) {
+    struct Large : Thrower {
+        std::array<char, std::size_t{64} << 20> bytes; // a mapping of its own, counted apart
+    };
+    const std::size_t before = mallinfo2().hblkhd;
+    const std::unique_ptr<void, void (*)(void*)> block(mxHeapAlloc(sizeof(Large)), &mxHeapFree);
+    const std::size_t during = mallinfo2().hblkhd;
+    ASSERT_GE(during, before + sizeof(Large)) << "the allocator counts";
+    EXPECT_EQ(makeOnHostHeap<Large>(), nullptr);
+    EXPECT_EQ(mallinfo2().hblkhd, during);
+}
+
+#endif
 
 TEST(RunTimeClassTest, RegisteringTwiceGivesTheSameClass) {
     MxRxClass* known = nullptr;

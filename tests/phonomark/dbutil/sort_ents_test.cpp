@@ -42,6 +42,11 @@ TEST_F(SortEntsTest, ModelSpacesTableComesWithADocumentThatStaysLocked) {
     ASSERT_TRUE(getOrCreateSortEntsDictionary(table));
     EXPECT_EQ(table->blockId(), model());
     table->close();
+    for (const MxDbObjectId& id : {database().blockTableId(), model()}) {
+        MxDbObject* free = nullptr;
+        ASSERT_EQ(mxdbOpenObject(free, id, Mx::kForWrite), Mx::eOk) << "left open";
+        free->close();
+    }
     EXPECT_TRUE(isLocked());
     unlock();
     EXPECT_FALSE(isLocked());

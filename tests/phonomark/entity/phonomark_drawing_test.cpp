@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/entity/phonomark.h"
 
-#include "host/ap/document.h"
-#include "host/db/layer.h"
 #include "host/gi/world_draw.h"
 #include "merix/db/tables.h"
 #include "phonomark/app/module_state.h"
@@ -28,14 +26,20 @@ public:
         trueColor = color;
         note("truecolor", int{color.red});
     }
-    MxDbObjectId lineType() const override { return {}; }
+    MxDbObjectId lineType() const override {
+        traitsAsked = true;
+        return {};
+    }
     void setLineType(MxDbObjectId id) override {
         linetypes.push_back(id);
         note("linetype", !id.isNull());
     }
     void setFill(bool fill) override { note("fill", fill); }
     void setLineWeight(int weight) override { note("weight", m_weight = weight); }
-    int lineWeight() const override { return m_weight; }
+    int lineWeight() const override {
+        traitsAsked = true;
+        return m_weight;
+    }
     void circle(const MxGePoint3d& center, double radius, const MxGeVector3d&) override {
         grow(center);
         note("circle", radius);
@@ -78,6 +82,7 @@ public:
     }
 
     bool plots = false, hasContext = true, hasTraits = true;
+    mutable bool traitsAsked = false;
     std::vector<std::string> calls;
     std::vector<std::vector<MxGePoint3d>> lines;
     std::vector<MxGiPolylineVertex> last;
@@ -150,6 +155,25 @@ TEST_F(DrawingTest, TheMarkerStandsUpAndRightOfThePoint) {
     EXPECT_EQ(recorder.textShown, L"0.0\"");
 }
 
+TEST_F(DrawingTest, TheMarkerTakesTheSizeOfTheZoomWhenItIsDrawn) {
+    point.setPosition({100, 50, 0});
+    point.subWorldDraw(&recorder);
+    const TransformView closer(1.0 / 32);
+    MxDbExtents before, box, after;
+    point.getImageRegion(before);
+    EXPECT_NEAR(before.maxPoint().x - before.minPoint().x, 5, kTolerance) << "as it was drawn";
+    ASSERT_EQ(point.subGetGeomExtents(box), Mx::eOk);
+    EXPECT_NEAR(box.minPoint().x, before.minPoint().x, kTolerance) << "the corner as it was drawn";
+    EXPECT_NEAR(box.maxPoint().x - box.minPoint().x, 1, kTolerance) << "the size of this zoom";
+    EXPECT_NEAR(box.maxPoint().y - box.minPoint().y, 1.8, kTolerance);
+    point.subWorldDraw(&recorder);
+    EXPECT_DOUBLE_EQ(point.refUnits(), 1.0);
+    EXPECT_NEAR(recorder.textHeight, 1.0 / 3, kTolerance);
+    point.getImageRegion(after);
+    EXPECT_NEAR(after.minPoint().x, 100 + 0.6 * std::cos(0.785), kTolerance);
+    EXPECT_NEAR(after.maxPoint().x - after.minPoint().x, 1, kTolerance);
+}
+
 TEST_F(DrawingTest, TheTargetIsCentredOnThePoint) {
     point.setPosition({100, 50, 7});
     point.subWorldDraw(&recorder);
@@ -209,6 +233,30 @@ TEST_F(DrawingTest, AnInterfaceWithoutTraitsIsNotAskedForThem) {
     EXPECT_FALSE(recorder.has("fill"));
     EXPECT_FALSE(recorder.has("weight"));
     EXPECT_TRUE(recorder.has("text"));
+}
+
+TEST_F(DrawingTest, AnInterfaceWithoutTraitsGetsTheFormsOfEveryPartAlone) {
+    const auto hasOnlyForms = [](const Recorder& drawn) {
+        return !drawn.has("color") && !drawn.has("truecolor") && !drawn.has("linetype") && !drawn.has("fill") &&
+               !drawn.has("weight") && !drawn.traitsAsked;
+    };
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    point.setAudioData(soundBytes(100));
+    point.setAudioDataSize(100);
+    point.setPlaying(true);
+    Recorder whole, plate, light;
+    whole.hasTraits = plate.hasTraits = light.hasTraits = false;
+    point.subWorldDraw(&whole);
+    EXPECT_TRUE(hasOnlyForms(whole));
+    EXPECT_TRUE(whole.has("polyline 5"));
+    EXPECT_TRUE(database().imp().linetypeNamed(L"DASHEDX2").isNull()) << "not looked for, so not loaded";
+    point.DrawBack(&plate);
+    EXPECT_TRUE(hasOnlyForms(plate));
+    EXPECT_TRUE(plate.has("polygon 4"));
+    point.DrawLight(&light);
+    EXPECT_TRUE(hasOnlyForms(light));
+    EXPECT_TRUE(light.has("pline 2"));
 }
 
 TEST_F(DrawingTest, ARecordingOfNinetyNineBytesIsLostWhenDrawn) {
@@ -312,6 +360,18 @@ TEST_F(DrawingTest, WithoutTheLineTypeTheOutlineKeepsTheOneInForce) {
     writer->close();
     EXPECT_FALSE(recorder.has("linetype"));
     EXPECT_TRUE(recorder.has("polyline 5"));
+}
+
+TEST_F(DrawingTest, WithoutTheLineTypeFileTheOutlineKeepsTheLineTypeInForce) {
+    const QByteArray before = qgetenv("MERIX_RESOURCE_PATH");
+    qputenv("MERIX_RESOURCE_PATH", folder.path().toLocal8Bit());
+    point.setPhonomarkType(kRegionNote);
+    point.setExtents(MxDbExtents({1, 2, 0}, {30, 40, 0}));
+    EXPECT_TRUE(point.subWorldDraw(&recorder));
+    qputenv("MERIX_RESOURCE_PATH", before);
+    EXPECT_FALSE(recorder.has("linetype"));
+    EXPECT_TRUE(recorder.has("polyline 5"));
+    EXPECT_TRUE(recorder.has("text"));
 }
 
 TEST_F(DrawingTest, AHiddenRegionLeavesIconAndTextAtItsMaximumCorner) {
@@ -418,76 +478,4 @@ TEST_F(DrawingTest, ANoteLooksTheSameInEveryViewport) {
     MxDbPhonomark& closed = note(addNote());
     EXPECT_DEATH(closed.subSetAttributes(nullptr), "");
     EXPECT_DEATH(closed.subViewportDraw(nullptr), "");
-}
-
-TEST_F(DrawingTest, HighlightingShowsTheRegionOrTheObject) {
-    const MxDbObjectId region = addNote(kRegionNote), object = addNote(kObjectNote), line = addLine();
-    note(region).ShowRegion(false);
-    note(object).setAttachObj(line);
-    struct : merix::db::DatabaseListener {
-        void entityHighlighted(MxDbObject& entity, bool highlighted) override {
-            heard.emplace_back(entity.objectId(), highlighted);
-        }
-        std::vector<std::pair<MxDbObjectId, bool>> heard;
-    } listener;
-    database().imp().addListener(&listener);
-    for (const MxDbObjectId& id : {region, object, addNote(kPointNote), addNote(kReplyNote)})
-        note(id).doHighlight();
-    EXPECT_TRUE(note(region).isRegionShown());
-    EXPECT_EQ(listener.heard, (decltype(listener.heard){{line, true}}));
-    for (const MxDbObjectId& id : {region, object})
-        note(id).doUnhighlight();
-    EXPECT_FALSE(note(region).isRegionShown());
-    EXPECT_EQ(listener.heard.back(), std::pair(line, false));
-    database().imp().removeListener(&listener);
-    MxDbEntity* free = nullptr;
-    EXPECT_EQ(mxdbOpenObject(free, line, Mx::kForWrite), Mx::eOk) << "left open";
-    free->close();
-}
-
-TEST_F(DrawingTest, HighlightingAnObjectThatIsGoneDoesNothing) {
-    const MxDbObjectId object = addNote(kObjectNote), line = addLine();
-    note(object).setAttachObj(line);
-    MxDbEntity* erased = nullptr;
-    ASSERT_EQ(mxdbOpenObject(erased, line, Mx::kForWrite), Mx::eOk);
-    erased->erase();
-    erased->close();
-    note(object).doHighlight();
-    note(object).doUnhighlight();
-    EXPECT_TRUE(note(object).isRegionShown());
-}
-
-TEST_F(DrawingTest, TheRegionIsShownAndHiddenWhileAnotherCommandHoldsTheDrawing) {
-    const MxDbObjectId id = addNote(kRegionNote);
-    ASSERT_EQ(mxDocManagerPtr()->lockDocument(&document(), MxApLockMode::kWrite, L"OTHER", L"other"), Mx::eOk);
-    note(id).setRecord(true);
-    EXPECT_FALSE(note(id).isRegionShown());
-    EXPECT_EQ(mxDocManagerPtr()->unlockDocument(&document()), Mx::eOk);
-}
-
-TEST_F(DrawingTest, HighlightingARegionOnALockedLayerShowsAtOnce) {
-    const MxDbObjectId id = addNote(kRegionNote);
-    note(id).ShowRegion(false);
-    auto& layer = static_cast<MxDbLayerTableRecord&>(*merix::db::DatabaseImp::peek(note(id).layerId()));
-    MxDbLayerTableRecord* open = nullptr;
-    ASSERT_EQ(mxdbOpenObject(open, layer.objectId(), Mx::kForWrite), Mx::eOk);
-    open->setIsLocked(true);
-    open->close();
-    const auto before = note(id).data().graphicsVersion;
-    note(id).doHighlight();
-    EXPECT_TRUE(note(id).isRegionShown());
-    EXPECT_GT(note(id).data().graphicsVersion, before);
-}
-
-TEST_F(DrawingTest, ShowingTheRegionOfANoteThatCannotBeWrittenChangesNothing) {
-    const MxDbObjectId id = addNote();
-    MxDbPhonomark* open = nullptr;
-    ASSERT_EQ(mxdbOpenObject(open, id, Mx::kForRead), Mx::eOk);
-    open->ShowRegion(false);
-    EXPECT_TRUE(open->isRegionShown());
-    open->close();
-    note(id).ShowRegion(false);
-    EXPECT_FALSE(note(id).isRegionShown());
-    note(id).ShowRegion(true);
-    EXPECT_TRUE(note(id).isRegionShown());
 }

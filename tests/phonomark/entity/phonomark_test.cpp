@@ -236,8 +236,19 @@ TEST_F(NoteTest, NotificationsAreHandedOnWhileTheNoteIsOpen) {
 
 TEST_F(NoteTest, ANotificationToAClosedNoteStopsTheHost) {
     MxDbPhonomark& closed = note(addNote());
-    EXPECT_DEATH(closed.modified(&closed), "");
+    EXPECT_DEATH(closed.openedForModify(&closed), "");
+    EXPECT_DEATH(closed.cancelled(&closed), "");
+    EXPECT_DEATH(closed.objectClosed(closed.objectId()), "");
+    EXPECT_DEATH(closed.goodbye(&closed), "");
+    EXPECT_DEATH(closed.copied(&closed, nullptr), "");
     EXPECT_DEATH(closed.erased(&closed, true), "");
+    EXPECT_DEATH(closed.modified(&closed), "");
+    EXPECT_DEATH(closed.modifiedGraphics(&closed), "");
+    EXPECT_DEATH(closed.modifiedXData(&closed), "");
+    EXPECT_DEATH(closed.subObjModified(&closed, nullptr), "");
+    EXPECT_DEATH(closed.modifyUndone(&closed), "");
+    EXPECT_DEATH(closed.reappended(&closed), "");
+    EXPECT_DEATH(closed.unappended(&closed), "");
 }
 
 TEST_F(NoteTest, CancelTakesBackWhatWasChangedInTheOpen) {

@@ -2,12 +2,14 @@
 #include "phonomark/entity/ps_reactor.h"
 
 #include "host/db/dictionary.h"
+#include "host/db/layer.h"
 #include "merix/db/dwg_filer.h"
 #include "merix/db/entities.h"
 #include "merix/io/dxf_in_filer.h"
 #include "merix/io/dxf_out_filer.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "tests/phonomark/entity/failing_filers.h"
 #include "tests/phonomark/module_fixture.h"
 
 #include <memory>
@@ -19,9 +21,7 @@ namespace {
 class PsReactorTest : public ModuleTest {
 protected:
     Mx::ErrorStatus readDxf(PhonomarkPsReactor& into, const std::vector<DxfOutTag>& tags) {
-        std::vector<merix::io::DxfTag> views;
-        for (const DxfOutTag& tag : tags)
-            views.push_back({tag.code, tag.value, {}});
+        const std::vector<merix::io::DxfTag> views = dxfTags(tags);
         merix::io::DxfInFiler filer(database(), m_encoding, views);
         return into.dxfInFields(&filer);
     }
@@ -96,6 +96,82 @@ TEST_F(PsReactorTest, TheLastOfSeveralNotesWins) {
     PhonomarkPsReactor after;
     readDxf(after, {{100, "PhonomarkPsReactor"}, {330, "F001"}, {330, "F002"}, {90, "1"}, {330, "F003"}});
     EXPECT_EQ(after.noteId().handle(), MxDbHandle(0xF002));
+}
+
+TEST_F(PsReactorTest, AWriterThatFailsGivesItsStatusAndNothingFollowsTheBase) {
+    PhonomarkPsReactor reactor;
+    reactor.setNoteId(addNote());
+    std::size_t item = 0;
+    for (bool isBase = true; isBase; ++item) { // the last round is the reference
+        FailingDwgWriter alone(database(), item), filer(database(), item);
+        isBase = reactor.MxDbObject::dwgOutFields(&alone) != Mx::eOk;
+        EXPECT_EQ(reactor.dwgOutFields(&filer), FailingDwgWriter::kStatus) << item;
+        EXPECT_EQ(filer.askedAfterwards(), alone.askedAfterwards()) << item;
+    }
+    FailingDwgWriter whole(database(), item);
+    EXPECT_EQ(reactor.dwgOutFields(&whole), Mx::eOk);
+}
+
+TEST_F(PsReactorTest, AReaderThatFailsGivesItsStatusAndNothingFollowsTheBase) {
+    PhonomarkPsReactor before, after;
+    before.setNoteId(addNote());
+    merix::db::DwgWriter writer(MxDbFilerType::kFile, &database());
+    ASSERT_EQ(before.dwgOutFields(&writer), Mx::eOk);
+    const std::string stream = writer.take();
+    std::size_t item = 0;
+    for (bool isBase = true; isBase; ++item) {
+        FailingDwgReader alone(stream, database(), item), filer(stream, database(), item);
+        isBase = after.MxDbObject::dwgInFields(&alone) != Mx::eOk;
+        EXPECT_EQ(after.dwgInFields(&filer), FailingDwgReader::kStatus) << item;
+        EXPECT_EQ(filer.askedAfterwards(), alone.askedAfterwards()) << item;
+        EXPECT_TRUE(after.noteId().isNull());
+    }
+    FailingDwgReader whole(stream, database(), item);
+    EXPECT_EQ(after.dwgInFields(&whole), Mx::eOk);
+    EXPECT_EQ(after.noteId(), before.noteId());
+}
+
+TEST_F(PsReactorTest, ADxfWriterThatFailsGivesItsStatusAndNothingFollowsTheBase) {
+    PhonomarkPsReactor reactor;
+    reactor.setNoteId(addNote());
+    std::size_t base = 0;
+    for (bool isBase = true; isBase; base += isBase ? 1 : 0) {
+        FailingDxfWriter alone(database(), m_encoding, base), filer(database(), m_encoding, base);
+        isBase = reactor.MxDbObject::dxfOutFields(&alone) != Mx::eOk;
+        EXPECT_EQ(reactor.dxfOutFields(&filer), FailingDxfWriter::kStatus) << base;
+        EXPECT_EQ(filer.askedAfterwards(), isBase ? alone.askedAfterwards() : 1) << base;
+    }
+    ASSERT_GE(base, 1U);
+    FailingDxfWriter reference(database(), m_encoding, base + 1);
+    EXPECT_EQ(reactor.dxfOutFields(&reference), FailingDxfWriter::kStatus);
+    FailingDxfWriter whole(database(), m_encoding, base + 2);
+    EXPECT_EQ(reactor.dxfOutFields(&whole), Mx::eOk);
+}
+
+TEST_F(PsReactorTest, ADxfReaderThatFailsGivesItsStatusAndNothingFollowsTheBase) {
+    const std::vector<DxfOutTag> written{{100, "PhonomarkPsReactor"}, {330, "F001"}, {330, "F002"}};
+    const auto tags = dxfTags(written);
+    PhonomarkPsReactor untouched, first;
+    FailingDxfReader atBase(database(), m_encoding, tags, 0);
+    EXPECT_EQ(untouched.dxfInFields(&atBase), Mx::eFileUnreadable);
+    EXPECT_TRUE(untouched.noteId().isNull());
+    FailingDxfReader atSecond(database(), m_encoding, tags, 2, Mx::eEndOfStream);
+    EXPECT_EQ(first.dxfInFields(&atSecond), Mx::eEndOfStream);
+    EXPECT_EQ(first.noteId().handle(), MxDbHandle(0xF001));
+}
+
+TEST_F(PsReactorTest, AGroupOfAnotherCodeIsPushedBackAndTheAnswerIsThatOfPushingBack) {
+    const std::vector<DxfOutTag> written{{100, "PhonomarkPsReactor"}, {330, "F001"}, {90, "7"}, {330, "F002"}};
+    const auto tags = dxfTags(written);
+    PhonomarkPsReactor after;
+    merix::io::DxfInFiler filer(database(), m_encoding, tags);
+    EXPECT_EQ(after.dxfInFields(&filer), Mx::eOk);
+    ASSERT_EQ(filer.readItem(), Mx::eOk);
+    EXPECT_EQ(filer.itemCode(), 90);
+    EXPECT_EQ(filer.itemInt16(), 7);
+    FailingDxfReader refusing(database(), m_encoding, tags);
+    refusing.setStatus(Mx::eFileDamaged);
+    EXPECT_EQ(after.dxfInFields(&refusing), Mx::eFileDamaged);
 }
 
 namespace {
@@ -202,6 +278,29 @@ TEST_F(FollowingTest, ANoteThatIsOpenElsewhereDoesNotFollow) {
     moveLine({20, 30, 0});
     reader->close();
     EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    moveLine({21, 31, 0});
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(21, 31, 0));
+}
+
+TEST_F(FollowingTest, ANoteOnALockedLayerDoesNotFollow) {
+    attach();
+    merix::db::Line* line = nullptr;
+    ASSERT_EQ(mxdbOpenObject(line, m_line, Mx::kForWrite), Mx::eOk)
+        << "before its layer, which is the note's, is locked";
+    const auto lock = [&](bool locked) {
+        MxDbLayerTableRecord* layer = nullptr;
+        ASSERT_EQ(mxdbOpenObject(layer, note(m_note).layerId(), Mx::kForWrite), Mx::eOk);
+        layer->setIsLocked(locked);
+        layer->close();
+    };
+    lock(true);
+    const auto before = graphicsVersion();
+    line->assertWriteEnabled();
+    line->end = {20, 30, 0};
+    line->close();
+    EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(10, 5, 0));
+    EXPECT_EQ(graphicsVersion(), before);
+    lock(false);
     moveLine({21, 31, 0});
     EXPECT_EQ(note(m_note).extents().maxPoint(), MxGePoint3d(21, 31, 0));
 }

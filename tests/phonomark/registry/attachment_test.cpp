@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "host/db/dictionary.h"
 #include "host/db/layer.h"
+#include "merix/db/entities.h"
 #include "phonomark/dbutil/attachments.h"
 #include "phonomark/entity/ps_reactor.h"
 #include "phonomark/registry/locked_layer.h"
@@ -103,6 +105,133 @@ TEST_F(AttachmentTest, ANoteWhoseDictionaryIsOpenIsNotAttachedAndTheObjectIsClos
     MxDbObject* object = nullptr;
     ASSERT_EQ(mxdbOpenObject(object, m_line, Mx::kForWrite), Mx::eOk);
     object->close();
+}
+
+TEST_F(AttachmentTest, ANoteThatCannotBeGivenItsDictionaryIsNotAttached) {
+    MxDbPhonomark* reader = nullptr;
+    ASSERT_EQ(mxdbOpenObject(reader, m_note, Mx::kForRead), Mx::eOk);
+    EXPECT_FALSE(attach());
+    reader->close();
+    EXPECT_TRUE(note(m_note).extensionDictionary().isNull());
+    EXPECT_TRUE(onLine().empty());
+    EXPECT_TRUE(attach()) << "all was closed again";
+}
+
+namespace {
+
+/// Opens every dictionary that comes into the drawing for read, as soon as it is there.
+class DictionaryHolder : public merix::db::DatabaseListener {
+public:
+    explicit DictionaryHolder(MxDbDatabase& database)
+        : m_database(database) {
+        m_database.imp().addListener(this);
+    }
+    ~DictionaryHolder() override { m_database.imp().removeListener(this); }
+    void objectAppended(MxDbObject& object) override {
+        if (MxDbDictionary* dictionary = nullptr;
+            mxdbOpenObject(dictionary, object.objectId(), Mx::kForRead) == Mx::eOk)
+            m_held.push_back(dictionary);
+    }
+    std::size_t letGo() {
+        for (MxDbDictionary* dictionary : m_held)
+            dictionary->close();
+        return std::exchange(m_held, {}).size();
+    }
+
+private:
+    MxDbDatabase& m_database;
+    std::vector<MxDbDictionary*> m_held;
+};
+
+} // namespace
+
+TEST_F(AttachmentTest, ADictionaryThatWasMadeStaysWhenTheRestFails) {
+    DictionaryHolder holder(database());
+    EXPECT_FALSE(attach());
+    ASSERT_EQ(holder.letGo(), 1U) << "made, and not to be opened for write";
+    EXPECT_FALSE(note(m_note).extensionDictionary().isNull());
+    EXPECT_TRUE(reactorInNote().isNull());
+    EXPECT_TRUE(onLine().empty());
+    EXPECT_TRUE(attach());
+}
+
+TEST_F(AttachmentTest, AReactorThatWasMadeStaysWhenTheObjectCannotListIt) {
+    MxDbDatabase other;
+    other.imp().createDefaults();
+    MxDbBlockTableRecord* space = nullptr;
+    MxDbObjectId elsewhere;
+    ASSERT_EQ(mxdbOpenObject(space, other.currentSpaceId(), Mx::kForWrite), Mx::eOk);
+    auto* line = new merix::db::Line;
+    ASSERT_EQ(space->appendMxDbEntity(elsewhere, line), Mx::eOk);
+    line->close();
+    space->close();
+    EXPECT_FALSE(livePhManager()->addNotifier(&note(m_note), elsewhere)) << "it belongs to another drawing";
+    const MxDbObjectId reactor = reactorInNote();
+    ASSERT_FALSE(reactor.isNull());
+    EXPECT_FALSE(DatabaseImp::peek(reactor, true)->isErased());
+    EXPECT_TRUE(DatabaseImp::peek(elsewhere)->reactors().empty());
+}
+
+TEST_F(AttachmentTest, ANoteThatWasNeverAddedIsNotAttached) {
+    const MxDbPhonomark loose;
+    EXPECT_FALSE(livePhManager()->addNotifier(&loose, m_line));
+    EXPECT_TRUE(onLine().empty());
+    EXPECT_TRUE(attach()) << "the object was closed again";
+}
+
+TEST_F(AttachmentTest, AnObjectIsNotOpenedForANoteThatHasNoReactor) {
+    DatabaseImp::peek(m_line)->data().changedSinceSave = false;
+    EXPECT_FALSE(detach());
+    EXPECT_FALSE(DatabaseImp::peek(m_line)->data().changedSinceSave) << "the next save would write it for nothing";
+    ASSERT_TRUE(attach());
+    EXPECT_TRUE(DatabaseImp::peek(m_line)->data().changedSinceSave);
+}
+
+TEST_F(AttachmentTest, ANoteWhoseDictionaryCannotBeReadIsNotDetached) {
+    ASSERT_TRUE(attach());
+    MxDbDictionary* writer = nullptr;
+    ASSERT_EQ(mxdbOpenObject(writer, note(m_note).extensionDictionary(), Mx::kForWrite), Mx::eOk);
+    EXPECT_FALSE(detach());
+    writer->close();
+    EXPECT_EQ(onLine().size(), 1U);
+    EXPECT_FALSE(DatabaseImp::peek(reactorInNote(), true)->isErased());
+    EXPECT_TRUE(detach());
+}
+
+TEST_F(AttachmentTest, ADictionaryThatHoldsMoreIsKeptWhenTheNoteIsDetached) {
+    ASSERT_TRUE(attach());
+    const MxDbObjectId id = note(m_note).extensionDictionary();
+    MxDbDictionary* dictionary = nullptr;
+    ASSERT_EQ(mxdbOpenObject(dictionary, id, Mx::kForWrite), Mx::eOk);
+    auto* other = new MxDbXrecord;
+    MxDbObjectId kept;
+    ASSERT_EQ(dictionary->setAt(L"OTHER", other, kept), Mx::eOk);
+    other->close();
+    dictionary->close();
+    EXPECT_TRUE(detach());
+    EXPECT_EQ(note(m_note).extensionDictionary(), id);
+    EXPECT_TRUE(reactorInNote().isNull());
+    EXPECT_TRUE(onLine().empty());
+    EXPECT_FALSE(DatabaseImp::peek(id, true)->isErased());
+    EXPECT_FALSE(DatabaseImp::peek(kept, true)->isErased());
+    EXPECT_FALSE(detach()) << "there is no entry any more";
+}
+
+TEST_F(AttachmentTest, WhatIsNoReactorUnderTheKeyIsLeftAlone) {
+    MxDbPhonomark* open = nullptr;
+    ASSERT_EQ(mxdbOpenObject(open, m_note, Mx::kForWrite), Mx::eOk);
+    ASSERT_EQ(open->createExtensionDictionary(), Mx::eOk);
+    MxDbDictionary* dictionary = nullptr;
+    ASSERT_EQ(mxdbOpenObject(dictionary, open->extensionDictionary(), Mx::kForWrite), Mx::eOk);
+    auto* record = new MxDbXrecord;
+    MxDbObjectId kept;
+    ASSERT_EQ(dictionary->setAt(L"PHONOMARKASSOC", record, kept), Mx::eOk);
+    record->close();
+    dictionary->close();
+    EXPECT_FALSE(livePhManager()->delNotifier(open, m_line));
+    open->close();
+    EXPECT_EQ(reactorInNote(), kept);
+    EXPECT_FALSE(DatabaseImp::peek(kept, true)->isErased());
 }
 
 TEST_F(AttachmentTest, AnObjectThatIsOpenIsNotDetachedFrom) {
