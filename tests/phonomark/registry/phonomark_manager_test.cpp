@@ -95,6 +95,7 @@ TEST_F(RegistryTest, AnIdAppendedTwiceIsListedTwiceAndRemovedOnce) {
     EXPECT_EQ(std::count_if(reactors.begin(), reactors.end(), [](const auto& r) { return r.transient != nullptr; }), 1);
     registry().RemovePhonomark(id, &document());
     EXPECT_THAT(listed(), ElementsAre(id));
+    EXPECT_FALSE(isWatched(id)) << "the reactor goes with the first removal";
 }
 
 TEST_F(RegistryTest, AnObjectThatIsWatchedAlreadyGetsNoSecondReactor) {
@@ -110,6 +111,16 @@ TEST_F(RegistryTest, AnObjectThatIsWatchedAlreadyGetsNoSecondReactor) {
     EXPECT_EQ(reactors[0].transient, &other);
     open->removeReactor(&other);
     open->close();
+}
+
+TEST_F(RegistryTest, AnIdThatIsNotListedIsNoLongerWatchedEither) {
+    const MxDbObjectId listedOne = addNote(), id = addNote();
+    registry().RemovePhonomark(id, &document());
+    watchObject(id);
+    EXPECT_TRUE(isWatched(id));
+    registry().RemovePhonomark(id, &document());
+    EXPECT_FALSE(isWatched(id));
+    EXPECT_THAT(listed(), ElementsAre(listedOne));
 }
 
 TEST_F(RegistryTest, RemovalKeepsTheOrderOfTheOthers) {

@@ -182,6 +182,21 @@ TEST_F(VoiceListTest, ADictionaryOrAListThatCannotBeOpenedIsLeftAsItIs) {
     notes->close();
 }
 
+TEST_F(VoiceListTest, AListThatIsGoneReadsAsNoNotesAndIsMadeAnew) {
+    const MxDbObjectId id = addNote();
+    registry().SaveVoiceHandle(&database());
+    MxDbXrecord* list = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+    list->erase();
+    list->close();
+    registry().RemovePhonomark(&document());
+    EXPECT_TRUE(registry().ReadVoiceHandle(&document())) << "the dictionary is there";
+    EXPECT_THAT(listed(), IsEmpty());
+    registry().AppendPhonomark(id, &document());
+    EXPECT_TRUE(registry().SaveVoiceHandle(&database()));
+    EXPECT_THAT(stored(), ElementsAre(element(id)));
+}
+
 TEST_F(VoiceListTest, WhatAnotherProgramPutUnderTheNamesIsNeitherReadNorReplaced) {
     addNote();
     MxDbDictionary* named = nullptr;
