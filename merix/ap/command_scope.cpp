@@ -3,7 +3,7 @@
 
 namespace merix::ap {
 
-bool DocManager::Private::begin(const QString& globalName) {
+bool DocManager::Private::begin(const QString& localName) {
     ed::Console& console = ed::Console::instance();
     if (!current) {
         console.print(QStringLiteral("\nNo drawing is open."));
@@ -16,7 +16,7 @@ bool DocManager::Private::begin(const QString& globalName) {
     commandTarget = current;
     ++commandTarget->m->commands;
     commandTarget->m->changedBeforeCommand = commandTarget->m->changed;
-    commandTarget->database()->imp().undo.begin(globalName.toStdWString());
+    commandTarget->database()->imp().undo.begin(localName.toStdWString());
     return true;
 }
 

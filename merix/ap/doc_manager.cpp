@@ -3,6 +3,7 @@
 #include "merix/ap/doc_manager_private.h"
 #include "merix/ap/drawing_commands.h"
 #include "merix/ap/layout_commands.h"
+#include "merix/ap/recover_command.h"
 #include "merix/ap/recovery.h"
 #include "merix/ap/undo_commands.h"
 #include "merix/ap/wblock_command.h"
@@ -63,6 +64,7 @@ DocManager::DocManager()
     registerUndoCommands(ed::CommandStack::instance());
     registerLayoutCommands(ed::CommandStack::instance());
     registerWblockCommand(ed::CommandStack::instance());
+    registerRecoverCommands(ed::CommandStack::instance());
     rx::ModuleLoader::instance().setForEachDrawing([this](const auto& call) { forEachDrawing(call); });
     rx::ModuleLoader::instance().setAroundUnload([this](const auto& unload) {
         // What a module writes down as it goes is no step of the user's.
@@ -262,6 +264,14 @@ void DocManager::close(Document& document) {
         Q_EMIT documentActivated(nullptr);
     else
         activate(m->documents[std::min(index, m->documents.size() - 1)].get());
+}
+
+void DocManager::closeAll() {
+    for (Document* document : all())
+        if (document != m->current && find(document))
+            close(*document);
+    if (m->current)
+        close(*m->current);
 }
 
 Result DocManager::save(Document& document) {

@@ -12,7 +12,7 @@ struct DocManager::Private : ed::CommandScope {
     explicit Private(DocManager& manager)
         : owner(manager) {}
 
-    bool begin(const QString& globalName) override;
+    bool begin(const QString& localName) override;
     void end(bool failed) override;
     void idle() override;
 

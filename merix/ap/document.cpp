@@ -11,6 +11,17 @@ MERIX_RX_CLASS(MxApDocument, "MxApDocument", MxRxObject, nullptr, "")
 
 namespace merix::ap {
 
+namespace {
+
+QStringList namesOf(const std::vector<db::UndoUnit>& units) {
+    QStringList names;
+    for (auto unit = units.rbegin(); unit != units.rend(); ++unit)
+        names << (unit->name.empty() ? QStringLiteral("a change") : QString::fromStdWString(unit->name));
+    return names;
+}
+
+} // namespace
+
 void Document::Private::objectAppended(MxDbObject&) {
     tellChanged();
 }
@@ -92,6 +103,14 @@ void Document::noteChange() {
         return;
     m->wasChanged = !m->wasChanged;
     Q_EMIT titleChanged();
+}
+
+QStringList Document::undoNames() const {
+    return namesOf(m->database->imp().undo.undoUnits());
+}
+
+QStringList Document::redoNames() const {
+    return namesOf(m->database->imp().undo.redoUnits());
 }
 
 ge::ViewTransform& Document::view() {

@@ -38,6 +38,10 @@ public:
     /// A command or a save is under way in the document.
     bool isBusy() const;
 
+    /// What U and REDO would take back and do again, the next first: the local names of commands and locks.
+    QStringList undoNames() const;
+    QStringList redoNames() const;
+
     /// What the document's view shows; kept here so that it outlives a tab switch. Its width is 0 until a view has
     /// shown the document.
     ge::ViewTransform& view();
@@ -95,6 +99,8 @@ public:
     /// Destroys without asking; asking is the window's. While a command is under way in the document, cancels the
     /// command's prompt and destroys when it is over. Afterwards another document, if there is one, is active.
     void close(Document& document);
+    /// Closes every drawing, the current one last, so that none is activated on the way.
+    void closeAll();
     /// Writes what the drawing is now to `path` as a native drawing; its own file and its unsaved changes stay what
     /// they are. beginSave goes out first.
     Result writeCopy(Document& document, const QString& path);

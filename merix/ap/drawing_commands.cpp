@@ -97,16 +97,27 @@ OpenDocument nextChanged(const std::vector<OpenDocument>& settled) {
     return nullptr;
 }
 
-/// Drawings may be closed and opened while the user is asked about another one.
-void quit() {
+/// Asks about every changed drawing. False when the user cancels. Drawings may be closed and opened while the user is
+/// asked about another one.
+bool mayCloseAll() {
     std::vector<OpenDocument> settled;
     while (const OpenDocument document = nextChanged(settled)) {
         settled.push_back(document);
         DocManager::instance().activate(document);
         if (document && !mayClose(document))
-            return;
+            return false;
     }
-    DocManager::instance().requestQuit();
+    return true;
+}
+
+void closeAll() {
+    if (mayCloseAll())
+        DocManager::instance().closeAll();
+}
+
+void quit() {
+    if (mayCloseAll())
+        DocManager::instance().requestQuit();
 }
 
 } // namespace
@@ -120,6 +131,7 @@ void registerDrawingCommands(ed::CommandStack& stack) {
     add(L"SAVE", save);
     add(L"SAVEAS", saveAs);
     add(L"CLOSE", close);
+    add(L"CLOSEALL", closeAll);
     add(L"QUIT", quit);
 }
 

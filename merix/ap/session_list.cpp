@@ -39,6 +39,8 @@ QString decoded(const QByteArray& line) {
 
 /// Tells whether a file is the same as it was; empty when it cannot be read.
 QByteArray hashOf(const QString& path) {
+    if (path.isEmpty())
+        return {};
     QFile file(path);
     QCryptographicHash hash(QCryptographicHash::Sha1);
     return file.open(QFile::ReadOnly) && hash.addData(&file) ? hash.result().toHex() : QByteArray();

@@ -3,7 +3,6 @@
 #include "merix/ap/undo_commands.h"
 
 #include "merix/ap/document_imp.h"
-#include "merix/db/database_imp.h"
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/view_commands.h"
@@ -21,18 +20,10 @@ Document* currentOrTell() {
     return document;
 }
 
-QString nameOf(const std::vector<db::UndoUnit>& units) {
-    if (units.empty())
-        return {};
-    const QString name = QString::fromStdWString(units.back().name);
-    return name.isEmpty() ? QStringLiteral("a change") : name;
-}
-
 void undoSteps(Document& document, int count) {
-    const db::UndoRecorder& undo = document.database()->imp().undo;
     QStringList names;
     for (; count > 0; --count) {
-        const QString name = nameOf(undo.undoUnits());
+        const QString name = document.undoNames().value(0);
         if (!DocManager::instance().undo(document))
             break;
         names << name;
@@ -42,10 +33,9 @@ void undoSteps(Document& document, int count) {
 }
 
 void redoSteps(Document& document, int count) {
-    const db::UndoRecorder& undo = document.database()->imp().undo;
     QStringList names;
     for (; count > 0; --count) {
-        const QString name = nameOf(undo.redoUnits());
+        const QString name = document.redoNames().value(0);
         if (!DocManager::instance().redo(document))
             break;
         names << name;

@@ -68,12 +68,7 @@ QString loadModule(const Options& options) {
 }
 
 void closeAll() {
-    auto& manager = ap::DocManager::instance();
-    for (ap::Document* document : manager.all())
-        if (document != manager.current()) // it is the last, so that none is activated on the way
-            manager.close(*document);
-    if (ap::Document* last = manager.current())
-        manager.close(*last);
+    ap::DocManager::instance().closeAll();
     rx::ModuleLoader::instance().unloadAll();
 }
 

@@ -3,7 +3,6 @@
 
 #include "merix/ap/autosave.h"
 #include "merix/ap/document_imp.h"
-#include "merix/ap/recover_command.h"
 #include "merix/app/modules.h"
 #include "merix/app/options.h"
 #include "merix/app/picture_file.h"
@@ -83,7 +82,6 @@ QString runUnattended(const Options& options, ui::MainWindow& window) {
 void startAutosave(QObject& context) {
     QObject::connect(&ap::Autosave::instance(), &ap::Autosave::failed, &context,
                      [](const QString& message) { ed::Console::instance().print(QLatin1Char('\n') + message); });
-    ap::registerRecoverCommands(ed::CommandStack::instance());
 }
 
 int runWindow(const Options& options) {

@@ -148,7 +148,7 @@ void CommandStack::addAlias(const QString& alias, const QString& globalName) {
 
 CommandStack::Outcome CommandStack::run(const std::shared_ptr<Command>& command, const QString& answers) {
     const bool scoped = m_scope && !(command->bits & kSessionCommand);
-    if (scoped && !m_scope->begin(QString::fromStdWString(command->global)))
+    if (scoped && !m_scope->begin(QString::fromStdWString(command->local)))
         return Outcome::kRefused;
     m_running = command;
     Prompter& prompter = Prompter::instance();

@@ -22,7 +22,7 @@ class CommandScope {
 public:
     virtual ~CommandScope() = default;
     /// False, after telling why, when the command cannot run (there is no drawing).
-    virtual bool begin(const QString& globalName) = 0;
+    virtual bool begin(const QString& localName) = 0;
     /// `failed`: the command threw, what it did is taken back.
     virtual void end(bool failed) = 0;
     /// Every command, session ones too, is over and told of.

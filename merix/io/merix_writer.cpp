@@ -4,6 +4,7 @@
 #include "merix/db/access.h"
 #include "merix/db/entities.h"
 #include "merix/db/kept_records.h"
+#include "merix/db/tables.h"
 #include "merix/io/dxf_record.h"
 #include "merix/io/dxf_value.h"
 #include "merix/io/file_access.h"
@@ -278,6 +279,44 @@ private:
     std::unordered_map<const ObjectStub*, std::shared_ptr<const std::string>> m_newTexts;
 };
 
+std::vector<ObjectStub*> unlistedLayers(db::DatabaseImp& database) {
+    std::vector<ObjectStub*> unlisted;
+    for (const ObjectStub& stub : database.stubs()) {
+        if (stub.handle.isNull() && stub.object)
+            unlisted.push_back(const_cast<ObjectStub*>(&stub));
+    }
+    return unlisted;
+}
+
+/// Lends layers that are only names handles that nobody has, and a place in their table, while a copy is written.
+class LentHandles {
+public:
+    LentHandles(db::DatabaseImp& database, std::vector<ObjectStub*> layers)
+        : m_layers(std::move(layers))
+        , m_table(static_cast<db::SymbolTable*>(db::DatabaseImp::peek(database.roots.layerTable))) {
+        std::uint64_t next = database.nextHandle();
+        for (ObjectStub* stub : m_layers) {
+            while (database.find(MxDbHandle(next)))
+                ++next;
+            stub->handle = MxDbHandle(next++);
+            if (m_table)
+                m_table->records.push_back(MxDbObjectId(stub));
+        }
+    }
+    ~LentHandles() {
+        for (ObjectStub* stub : m_layers)
+            stub->handle = {};
+        if (m_table)
+            m_table->records.resize(m_table->records.size() - m_layers.size());
+    }
+    LentHandles(const LentHandles&) = delete;
+    LentHandles& operator=(const LentHandles&) = delete;
+
+private:
+    const std::vector<ObjectStub*> m_layers;
+    db::SymbolTable* const m_table;
+};
+
 class Writer {
 public:
     Writer(const std::string& path, MxDbDatabase& database, bool snapshot)
@@ -299,24 +338,20 @@ private:
     db::DatabaseImp& m_imp;
     const bool m_snapshot; ///< a copy beside the drawing: its marks and its origin stay as they are
     std::unique_ptr<DrawingParts> m_parts;
+    std::optional<LentHandles> m_lent;
 };
 
 /// References are handles here, so layers that were only names so far get one. They stay out of the DXF text.
 void Writer::listLayers() {
-    std::vector<ObjectStub*> unlisted;
-    for (const ObjectStub& stub : m_imp.stubs()) {
-        if (stub.handle.isNull() && stub.object)
-            unlisted.push_back(const_cast<ObjectStub*>(&stub));
-    }
+    const std::vector<ObjectStub*> unlisted = unlistedLayers(m_imp);
     if (unlisted.empty())
         return;
-    m_imp.listImplicitLayers();
+    if (m_snapshot)
+        m_lent.emplace(m_imp, unlisted);
+    else
+        m_imp.listImplicitLayers();
     m_parts->implied.insert(unlisted.begin(), unlisted.end());
     m_parts->origin.reset();
-    if (DrawingParts* live = m_snapshot ? drawingParts(m_imp) : nullptr) {
-        live->implied.insert(unlisted.begin(), unlisted.end());
-        live->origin.reset();
-    }
 }
 
 void Writer::run() {

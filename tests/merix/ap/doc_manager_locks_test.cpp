@@ -203,3 +203,50 @@ TEST_F(DocManagerTest, ClosingDuringACommandCancelsItAndClosesWhenItIsOver) {
     EXPECT_TRUE(openInside);
     EXPECT_THAT(manager().all(), IsEmpty());
 }
+
+TEST_F(DocManagerTest, TheStepsOfADocumentAreNamedNewestFirst) {
+    Document* document = manager().create();
+    EXPECT_EQ(document->undoNames(), QStringList());
+    addLine(*document);
+    manager().lockDocument(document, MxApLockMode::kWrite, L"PhonomarkErase", L"Delete note");
+    addLine(*document);
+    manager().unlockDocument(document);
+    manager().lockDocument(document, MxApLockMode::kWrite, L"PhonomarkDel", nullptr);
+    addLine(*document);
+    manager().unlockDocument(document);
+    manager().lockDocument(document, MxApLockMode::kWrite, L"Empty", L"Empty");
+    manager().unlockDocument(document);
+    g_document = document;
+    g_body = [] { addLine(*g_document); };
+    ed::CommandStack::instance().addCommand(L"TEST", L"GLOBAL", L"LOKAL", 0, [] { g_body(); });
+    run("_GLOBAL");
+    const QStringList names{QStringLiteral("LOKAL"), QStringLiteral("PhonomarkDel"), QStringLiteral("Delete note"),
+                            QStringLiteral("a change")};
+    EXPECT_EQ(document->undoNames(), names);
+    EXPECT_EQ(document->redoNames(), QStringList());
+    ed::Console::instance().markRead();
+    run("UNDO 3");
+    EXPECT_THAT(shown(), HasSubstr("Undone: LOKAL, PhonomarkDel, Delete note"));
+    EXPECT_EQ(document->undoNames(), QStringList{QStringLiteral("a change")});
+    EXPECT_EQ(document->redoNames(),
+              (QStringList{QStringLiteral("Delete note"), QStringLiteral("PhonomarkDel"), QStringLiteral("LOKAL")}));
+    run("REDO 2");
+    EXPECT_EQ(document->redoNames(), QStringList{QStringLiteral("LOKAL")});
+    addLine(*document);
+    EXPECT_EQ(document->redoNames(), QStringList());
+}
+
+TEST_F(DocManagerTest, ALockInUseByACommandOfAnotherNameIsRefusedUntilThatIsOver) {
+    g_document = manager().create();
+    Document* other = manager().create();
+    ASSERT_EQ(manager().lockDocument(g_document, MxApLockMode::kWrite, L"First", L"First"), Mx::eOk);
+    EXPECT_EQ(manager().lockDocument(g_document, MxApLockMode::kWrite, L"Second", L"Second", false), Mx::eLockConflict);
+    EXPECT_EQ(manager().lockDocument(other, MxApLockMode::kWrite, L"Second", L"Second", false), Mx::eOk)
+        << "each document has its own";
+    addLine(*g_document);
+    EXPECT_EQ(manager().unlockDocument(g_document), Mx::eOk);
+    EXPECT_EQ(manager().unlockDocument(g_document), Mx::eNotOpen) << "the refused lock counts for nothing";
+    EXPECT_EQ(g_document->undoNames(), QStringList{QStringLiteral("First")});
+    EXPECT_EQ(other->undoNames(), QStringList());
+    EXPECT_EQ(manager().unlockDocument(other), Mx::eOk);
+}

@@ -115,3 +115,66 @@ TEST_F(DrawingCommandsTest, SaveAsksForANameOnce) {
     run("CLOSE");
     EXPECT_THAT(manager().all(), IsEmpty()) << "nothing to lose, nothing asked";
 }
+
+TEST_F(DrawingCommandsTest, CloseAllClosesEveryDrawingTellingOfEachOnceTheCurrentOneLast) {
+    std::vector<Document*> open{manager().create(), manager().create(), manager().create()};
+    std::vector<std::string> titles;
+    for (const Document* document : open)
+        titles.push_back(document->title().toStdString());
+    manager().activate(open[1]);
+    Log log;
+    run("CLOSEALL");
+    EXPECT_THAT(log.take(), ElementsAre("to be destroyed " + titles[0] + " (current)",
+                                        "to be destroyed " + titles[2] + " (current)",
+                                        "to be destroyed " + titles[1] + " (current)"));
+    EXPECT_THAT(manager().all(), IsEmpty());
+    EXPECT_EQ(manager().current(), nullptr);
+    EXPECT_EQ(quits, 0);
+    run("CLOSEALL");
+    EXPECT_THAT(log.take(), IsEmpty()) << "there is nothing to close";
+}
+
+TEST_F(DrawingCommandsTest, CloseAllAsksForEachChangedDrawingAndSavesWhatItIsToldTo) {
+    const QString file = drawing("a.dxf");
+    Document* known = nullptr;
+    ASSERT_TRUE(manager().open(file, &known).ok);
+    const QByteArray before = bytesOf(file);
+    addLine(*known);
+    changed();
+    manager().create();
+    changed();
+    const Answers answers({QStringLiteral("Yes"), QStringLiteral("No"), QStringLiteral("Yes"), path("c.merix")});
+    run("CLOSEALL");
+    EXPECT_EQ(answers.used(), 4U);
+    EXPECT_THAT(manager().all(), IsEmpty());
+    EXPECT_NE(bytesOf(file), before);
+    EXPECT_TRUE(QFile::exists(path("c.merix")));
+}
+
+TEST_F(DrawingCommandsTest, CloseAllIsGivenUpByCancelAndByASaveThatFails) {
+    manager().create();
+    changed();
+    changed();
+    {
+        const Answers answers({QStringLiteral("No"), QStringLiteral("Cancel")});
+        run("CLOSEALL");
+    }
+    {
+        const Answers answers({QStringLiteral("Yes"), path("no-folder/a.dxf")});
+        run("CLOSEALL");
+    }
+    EXPECT_EQ(manager().all().size(), 3U);
+}
+
+TEST_F(DrawingCommandsTest, QuitSavesChangedDrawingsUnderTheirNames) {
+    const QString file = drawing("a.dxf");
+    Document* known = nullptr;
+    ASSERT_TRUE(manager().open(file, &known).ok);
+    addLine(*known);
+    changed();
+    const Answers answers({QString(), QStringLiteral("Yes"), path("no-folder/b.dxf")});
+    run("QUIT");
+    EXPECT_FALSE(known->isChanged()) << "Enter is Yes";
+    EXPECT_EQ(quits, 0) << "the other could not be saved";
+    EXPECT_EQ(manager().all().size(), 2U);
+}
