@@ -192,7 +192,7 @@ TEST_F(CommandStackTest, AnExceptionFailsTheCommandAndTakesBackWhatItDid) {
 TEST_F(CommandStackTest, ACommandRunsInsideAnUndoUnitUnlessItWorksOnTheSession) {
     Scope scope;
     run("_WORK");
-    EXPECT_THAT(g_log, ElementsAre("begin WORK", "work", "keep", "idle"));
+    EXPECT_THAT(g_log, ElementsAre("begin ARBEIT", "work", "keep", "idle"));
     g_log.clear();
     run("SESSION");
     EXPECT_THAT(g_log, ElementsAre("session", "idle"));
