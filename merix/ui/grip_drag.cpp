@@ -178,8 +178,8 @@ GripDrag::Moved* GripDrag::add(MxDbObjectId id) {
 }
 
 bool GripDrag::moves(MxDbObjectId id) const {
-    return !m_asksBase && std::any_of(m_moved.begin(), m_moved.end(),
-                                      [&](const Moved& moved) { return moved.id == id && isMoved(moved); });
+    return std::any_of(m_moved.begin(), m_moved.end(),
+                       [&](const Moved& moved) { return moved.id == id && isMoved(moved); });
 }
 
 bool GripDrag::isSelected() const {

@@ -33,7 +33,6 @@ public:
 
     const MxGePoint3d& base() const { return m_base; }
     const MxGePoint3d& at() const { return m_at; }
-    /// Goes along with the hand: not while the hand shows the base.
     bool moves(MxDbObjectId id) const;
     bool isBaseAsked() const { return m_asksBase; }
     /// All entities that move are still selected.

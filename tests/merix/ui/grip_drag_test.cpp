@@ -288,6 +288,15 @@ TEST_F(GripDragTest, AnotherBaseIsClickedOrTyped) {
     EXPECT_EQ(line(second).start, MxGePoint3d(200, 100, 0));
 
     click(at(300, 100));
+    const QPointF free = at(340, 30); // neither beside nor above the grip
+    typed(QStringLiteral("mo\nb\n"));
+    click(free);
+    typed(QStringLiteral("300,100\n"));
+    const MxGeVector3d by = MxGePoint3d(300, 100, 0) - view().toWorld(free);
+    EXPECT_EQ(line(first).start, MxGePoint3d(300, 100, 0) + by);
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+
+    click(at(300, 100));
     typed(QStringLiteral("b\n0,0\n"));
     typed(QStringLiteral("10,20\n")); // the stretch is counted from there
     EXPECT_EQ(line(first).start, MxGePoint3d(310, 120, 0));
