@@ -445,7 +445,8 @@ MxGePoint3d DrawingView::aimedAt(const QPointF& position) {
     const MxGePoint3d world = toWorld(position);
     const bool isAsked =
         prompter.wants() == ed::Prompter::Wants::kPoint && prompter.base() && !prompter.isCornerWanted();
-    return m_ortho && (isAsked || m_hand.isDragging()) ? squared(*aimBase(), world) : world;
+    const bool isDragged = m_hand.isDragging() && !m_hand.drag()->isBaseAsked();
+    return m_ortho && (isAsked || isDragged) ? squared(*aimBase(), world) : world;
 }
 
 void DrawingView::moveCursor(std::optional<QPointF> position) {

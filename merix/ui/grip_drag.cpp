@@ -3,6 +3,7 @@
 
 #include "merix/db/access.h"
 #include "merix/db/tables.h"
+#include "merix/ed/copy_entities.h"
 #include "merix/ed/editor.h"
 #include "merix/ed/reactor_list.h"
 #include "merix/ed/selection.h"
@@ -73,8 +74,13 @@ GripDrag::~GripDrag() {
 
 void GripDrag::begin() {
     ed::Editor::instance().notifyCommandWillStart(commandOf(m_mode));
-    m_prompt = promptOf(m_mode);
-    ed::Console::instance().setPrompt(m_prompt, ed::parseKeywords(optionsOf(m_mode)));
+    ask();
+}
+
+void GripDrag::ask() {
+    auto& console = ed::Console::instance();
+    m_prompt = m_asksBase ? QStringLiteral("Base point: ") : promptOf(m_mode, m_copies);
+    console.setPrompt(m_prompt, m_asksBase ? std::vector<ed::Keyword>() : ed::parseKeywords(optionsOf(m_mode)));
 }
 
 void GripDrag::setMode(GripMode mode) {
@@ -82,6 +88,7 @@ void GripDrag::setMode(GripMode mode) {
         return;
     ed::Editor::instance().notifyCommandCancelled(commandOf(m_mode));
     m_mode = mode;
+    m_copies = m_copies && mode != GripMode::kStretch;
     if (mode != GripMode::kStretch)
         for (const MxDbObjectId id : ed::Selection::instance().ids())
             add(id);
@@ -89,27 +96,59 @@ void GripDrag::setMode(GripMode mode) {
     preview();
 }
 
+bool GripDrag::takeOption(const QString& typed) {
+    if (m_asksBase && !typed.isEmpty())
+        return false;
+    const QString option = optionNamed(typed);
+    if (m_asksBase)
+        m_asksBase = false; // Enter keeps the base
+    else if (typed.isEmpty())
+        setMode(nextMode(m_mode));
+    else if (const auto mode = modeNamed(option))
+        setMode(*mode);
+    else if (option == QLatin1String("Base"))
+        m_asksBase = true;
+    else if (option == QLatin1String("Copy") && m_mode != GripMode::kStretch)
+        m_copies = true;
+    else
+        return false;
+    ask();
+    return true;
+}
+
+bool GripDrag::put(const MxGePoint3d& point) {
+    if (!std::exchange(m_asksBase, false)) {
+        moveTo(point);
+        return true;
+    }
+    m_base = m_at = point;
+    preview();
+    ask();
+    return false;
+}
+
 GripDrag::Answer GripDrag::answer(const QString& typed) {
+    if (takeOption(typed))
+        return Answer::kTaken;
     bool isNumber = false;
     const double number = typed.toDouble(&isNumber);
-    if (isNumber && (m_mode == GripMode::kRotate || m_mode == GripMode::kScale))
+    if (isNumber && !m_asksBase && (m_mode == GripMode::kRotate || m_mode == GripMode::kScale))
         return answer(number);
     const auto point = ed::parseTypedPoint(typed, m_base);
     if (!point)
         return Answer::kNone;
     if (!ed::isInReach(*point)) {
         tell(QStringLiteral("That point is too far away."));
-        return Answer::kRefused;
+        return Answer::kTaken;
     }
-    moveTo(*point);
-    return Answer::kGiven;
+    return put(*point) ? Answer::kGiven : Answer::kTaken;
 }
 
 GripDrag::Answer GripDrag::answer(double number) {
     if (!std::isfinite(number) || (m_mode == GripMode::kScale && number <= 0.0)) {
         tell(m_mode == GripMode::kScale ? QStringLiteral("A number above 0 is needed.")
                                         : QStringLiteral("That number is too large."));
-        return Answer::kRefused;
+        return Answer::kTaken;
     }
     m_map = mapOf(m_mode, m_base, m_mode == GripMode::kRotate ? ed::degreesToRadians(number) : number);
     return Answer::kGiven;
@@ -149,7 +188,7 @@ bool GripDrag::isSelected() const {
 }
 
 void GripDrag::moveTo(const MxGePoint3d& point) {
-    if (point == m_at)
+    if (point == m_at || m_asksBase)
         return;
     m_at = point;
     preview();
@@ -224,7 +263,10 @@ void GripDrag::moveAll() const {
     std::vector<MxDbObjectId> ids;
     for (const Moved& moved : m_moved)
         ids.push_back(moved.id);
-    ed::transformEntities(ids, *m_map);
+    if (m_copies)
+        ed::copyEntities(ids, *m_map);
+    else
+        ed::transformEntities(ids, *m_map);
 }
 
 void GripDrag::finish() {

@@ -23,16 +23,18 @@ public:
     ~GripDrag();
 
     /// A drag begins as a stretch. In the other modes the whole selection moves.
-    GripMode mode() const { return m_mode; }
-    void setMode(GripMode mode);
-    enum class Answer { kNone, kRefused, kGiven };
-    /// A point, an angle or a factor as typed, which then stands for where the hand is. kRefused, after telling why,
-    /// when it cannot be meant.
+    /// kTaken: the drag goes on; kGiven: it is where it shall end.
+    enum class Answer { kNone, kTaken, kGiven };
+    /// Enter or an option; a point, an angle or a factor as typed, which then stands for where the hand is. What cannot
+    /// be meant is told of. kNone: it is none of these.
     Answer answer(const QString& typed);
+    /// The hand let go or clicked there: false when that gave the base alone.
+    bool put(const MxGePoint3d& point);
 
     const MxGePoint3d& base() const { return m_base; }
     const MxGePoint3d& at() const { return m_at; }
     bool moves(MxDbObjectId id) const;
+    bool isBaseAsked() const { return m_asksBase; }
     /// All entities that move are still selected.
     bool isSelected() const;
     void moveTo(const MxGePoint3d& point);
@@ -57,6 +59,9 @@ private:
     Moved* add(MxDbObjectId id);
     bool isMoved(const Moved& moved) const { return m_mode != GripMode::kStretch || !moved.indices.empty(); }
     void begin();
+    void ask();
+    void setMode(GripMode mode);
+    bool takeOption(const QString& typed);
     Answer answer(double number);
     void preview();
     void preview(Moved& moved);
@@ -73,6 +78,8 @@ private:
     MxGePoint3d m_base, m_at;
     std::optional<MxGeMatrix3d> m_map; ///< of all that move, but for a stretch
     QString m_prompt;
+    bool m_copies = false; ///< not in a stretch
+    bool m_asksBase = false;
     bool m_finished = false;
 };
 

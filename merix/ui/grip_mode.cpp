@@ -34,13 +34,20 @@ GripMode nextMode(GripMode mode) {
     return static_cast<GripMode>((static_cast<int>(mode) + 1) % kGripModes);
 }
 
-std::optional<GripMode> modeNamed(const QString& word) {
-    QStringList names;
+QString optionNamed(const QString& word) {
+    QString all = QStringLiteral("Base Copy");
     for (const Mode& mode : kModes)
-        names << QLatin1String(mode.name);
-    const auto keywords = ed::parseKeywords(names.join(QLatin1Char(' ')));
+        all += QLatin1Char(' ') + QLatin1String(mode.name);
+    const auto keywords = ed::parseKeywords(all);
     const ed::Keyword* meant = ed::matchKeyword(keywords, word).keyword;
-    return meant ? std::optional(static_cast<GripMode>(names.indexOf(meant->global))) : std::nullopt;
+    return meant ? meant->global : QString();
+}
+
+std::optional<GripMode> modeNamed(const QString& option) {
+    for (int i = 0; i < kGripModes; ++i)
+        if (option == QLatin1String(kModes[i].name))
+            return static_cast<GripMode>(i);
+    return {};
 }
 
 const wchar_t* commandOf(GripMode mode) {
@@ -52,16 +59,16 @@ const wchar_t* undoNameOf(GripMode mode) {
 }
 
 QString optionsOf(GripMode mode) {
-    QStringList others;
+    QString options = mode == GripMode::kStretch ? QStringLiteral("Base") : QStringLiteral("Base Copy");
     for (GripMode other = nextMode(mode); other != mode; other = nextMode(other))
-        others << QLatin1String(entry(other).name);
-    return others.join(QLatin1Char(' '));
+        options += QLatin1Char(' ') + QLatin1String(entry(other).name);
+    return options;
 }
 
-QString promptOf(GripMode mode) {
-    return QStringLiteral("%1 or [%2] <%3>: ")
-        .arg(QLatin1String(entry(mode).question), optionsOf(mode).replace(QLatin1Char(' '), QLatin1Char('/')),
-             QLatin1String(entry(nextMode(mode)).name));
+QString promptOf(GripMode mode, bool copies) {
+    return QStringLiteral("%1%2 or [%3] <%4>: ")
+        .arg(QLatin1String(entry(mode).question), copies ? QStringLiteral(" (copies)") : QString(),
+             optionsOf(mode).replace(QLatin1Char(' '), QLatin1Char('/')), QLatin1String(entry(nextMode(mode)).name));
 }
 
 std::optional<MxGeMatrix3d> mapOf(GripMode mode, const MxGePoint3d& base, const MxGePoint3d& at) {

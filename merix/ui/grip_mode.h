@@ -15,16 +15,18 @@ constexpr int kGripModes = 5;
 
 /// Enter leads through all of them, round and round.
 GripMode nextMode(GripMode mode);
-/// The one that a typed word or its unique beginning names.
-std::optional<GripMode> modeNamed(const QString& word);
+/// What a typed word or its only beginning names: a mode, `Base` or `Copy`; empty when it is none.
+QString optionNamed(const QString& word);
+std::optional<GripMode> modeNamed(const QString& option);
 
 /// What reactors of the editor are told of as a command.
 const wchar_t* commandOf(GripMode mode);
 /// What the step is called that undo takes back.
 const wchar_t* undoNameOf(GripMode mode);
-/// What the command line asks for, and the other modes as its options.
-QString promptOf(GripMode mode);
+/// What the command line offers besides: another base, copies except for a stretch, the other modes.
 QString optionsOf(GripMode mode);
+/// What it asks for, with the options and what Enter does.
+QString promptOf(GripMode mode, bool copies);
 
 /// Where the whole selection goes when the hand has gone from `base` to `at`: by the way between them, by its
 /// direction, by its length as a factor, or mirrored in the line through both. Nothing while it is at the base and in

@@ -66,10 +66,8 @@ MxGePoint3d SelectionHand::snapped(const QPointF& at) const {
 
 void SelectionHand::press(const QPointF& at, Qt::KeyboardModifiers modifiers) {
     m_at = at;
-    if (m_drag) { // the second of two clicks
-        m_drag->moveTo(snapped(at));
-        return finishDrag();
-    }
+    if (m_drag) // the second of two clicks
+        return putDrag(at);
     if (m_boxFrom)
         return finishBox(at, modifiers);
     m_pressedAt = at;
@@ -112,19 +110,13 @@ std::unique_ptr<GripDrag> SelectionHand::endDrag() {
 }
 
 bool SelectionHand::take(const QString& line) {
-    const QString typed = line.trimmed(), asked = promptOf(m_drag->mode());
-    const auto echo = [&] { ed::Console::instance().print(QLatin1Char('\n') + asked + typed); };
-    if (const auto mode = typed.isEmpty() ? nextMode(m_drag->mode()) : modeNamed(typed)) {
-        echo();
-        m_drag->setMode(*mode);
-    } else {
-        const auto answer = m_drag->answer(typed);
-        if (answer == GripDrag::Answer::kNone)
-            return false;
-        echo();
-        if (answer == GripDrag::Answer::kGiven)
-            finishDrag();
-    }
+    const QString typed = line.trimmed(), asked = ed::Console::instance().prompt();
+    const auto answer = m_drag->answer(typed);
+    if (answer == GripDrag::Answer::kNone)
+        return false;
+    ed::Console::instance().print(QLatin1Char('\n') + asked + typed);
+    if (answer == GripDrag::Answer::kGiven)
+        finishDrag();
     m_view.repaintMarks();
     return true;
 }
@@ -141,12 +133,16 @@ void SelectionHand::release(const QPointF& at, Qt::KeyboardModifiers modifiers) 
     m_pressedAt.reset();
     if (!dragged)
         return; // a click: what it began waits for the next
-    if (m_drag) {
-        m_drag->moveTo(snapped(at));
-        finishDrag();
-    } else if (m_boxFrom) {
+    if (m_drag)
+        putDrag(at);
+    else if (m_boxFrom)
         finishBox(at, modifiers);
-    }
+}
+
+void SelectionHand::putDrag(const QPointF& at) {
+    if (m_drag->put(snapped(at)))
+        finishDrag();
+    m_view.repaintMarks();
 }
 
 void SelectionHand::finishDrag() {

@@ -58,13 +58,15 @@ public:
     void paint(QPainter& painter);
 
 private:
-    /// While grips are dragged: Enter and the name of a mode change the mode, a point or number ends the drag there.
+    /// While grips are dragged: the drag's answers.
     bool take(const QString& line) override;
     const Grips& grips() const;
     double reach() const;
     void pressGrip(const Grip& grip, const QPointF& at, Qt::KeyboardModifiers modifiers);
     void beginDrag(const MxGePoint3d& base);
     std::unique_ptr<GripDrag> endDrag();
+    /// The hand lets go at, or clicks on, the place.
+    void putDrag(const QPointF& at);
     void finishDrag();
     void finishBox(const QPointF& to, Qt::KeyboardModifiers modifiers);
     void select(const std::vector<MxDbObjectId>& ids, bool remove);

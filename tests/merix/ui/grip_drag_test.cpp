@@ -219,9 +219,9 @@ TEST_F(GripDragTest, EnterLeadsFromStretchingToWaysForTheWholeSelection) {
     const auto base = QPointF(at(200, 100));
     view().setSnapping(false);
     click(base);
-    EXPECT_EQ(prompt(), QStringLiteral("Stretch to or [Move/Rotate/Scale/Mirror] <Move>: "));
+    EXPECT_EQ(prompt(), QStringLiteral("Stretch to or [Base/Move/Rotate/Scale/Mirror] <Move>: "));
     typed(QStringLiteral(" "));
-    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Rotate/Scale/Mirror/Stretch] <Rotate>: "));
+    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Base/Copy/Rotate/Scale/Mirror/Stretch] <Rotate>: "));
     click(at(260, 130));
     EXPECT_EQ(prompt(), QString());
     const MxGeVector3d by = line(first).end - MxGePoint3d(200, 100, 0);
@@ -248,7 +248,7 @@ TEST_F(GripDragTest, AfterTheLastWayItStretchesAgain) {
 TEST_F(GripDragTest, TheRightButtonIsEnterHereToo) {
     click(at(100, 100));
     mouse(QEvent::MouseButtonPress, at(100, 100), Qt::RightButton, Qt::RightButton);
-    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Rotate/Scale/Mirror/Stretch] <Rotate>: "));
+    EXPECT_EQ(prompt(), QStringLiteral("Move to or [Base/Copy/Rotate/Scale/Mirror/Stretch] <Rotate>: "));
 }
 
 TEST_F(GripDragTest, TheSelectionIsMirroredInTheLineFromTheGripToTheHand) {
@@ -259,6 +259,50 @@ TEST_F(GripDragTest, TheSelectionIsMirroredInTheLineFromTheGripToTheHand) {
     EXPECT_EQ(line(first).end, MxGePoint3d(0, 100, 0));
     EXPECT_EQ(line(second).end, MxGePoint3d(0, 200, 0));
     EXPECT_EQ(undo().undoUnits().back().name, L"Grip mirror");
+}
+
+TEST_F(GripDragTest, CopiesLeaveTheSelectionWhereItIs) {
+    click(at(100, 100));
+    typed(QStringLiteral("mi\nc\n"));
+    EXPECT_TRUE(prompt().startsWith(QStringLiteral("Second point of the mirror line (copies) or ")));
+    typed(QStringLiteral("@0,50\n"));
+    EXPECT_EQ(line(first).end, MxGePoint3d(200, 100, 0));
+    const auto all = document->database()->imp().block(document->database()->currentSpaceId())->entityIds();
+    ASSERT_EQ(all.size(), 4U);
+    EXPECT_EQ(line(all[2]).end, MxGePoint3d(0, 100, 0));
+    EXPECT_EQ(line(all[3]).end, MxGePoint3d(0, 200, 0));
+    ASSERT_EQ(undo().undoUnits().size(), 1U);
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+    EXPECT_EQ(db::DatabaseImp::peek(all[3]), nullptr);
+}
+
+TEST_F(GripDragTest, AnotherBaseIsClickedOrTyped) {
+    view().setOrtho(true);
+    click(at(100, 100));
+    typed(QStringLiteral("mi\nb\n"));
+    EXPECT_EQ(prompt(), QStringLiteral("Base point: "));
+    mouse(QEvent::MouseMove, at(200, 200) + QPointF(3, 3));
+    click(at(200, 200) + QPointF(3, 3)); // snaps to an end of what is selected, ortho or not
+    typed(QStringLiteral("@0,50\n"));
+    EXPECT_EQ(line(first).start, MxGePoint3d(300, 100, 0));
+    EXPECT_EQ(line(second).start, MxGePoint3d(200, 100, 0));
+
+    click(at(300, 100));
+    const QPointF free = at(340, 30); // neither beside nor above the grip
+    typed(QStringLiteral("mo\nb\n"));
+    click(free);
+    typed(QStringLiteral("300,100\n"));
+    const MxGeVector3d by = MxGePoint3d(300, 100, 0) - view().toWorld(free);
+    EXPECT_EQ(line(first).start, MxGePoint3d(300, 100, 0) + by);
+    EXPECT_TRUE(ap::DocManager::instance().undo(*document));
+
+    click(at(300, 100));
+    typed(QStringLiteral("b\n0,0\n"));
+    typed(QStringLiteral("10,20\n")); // the stretch is counted from there
+    EXPECT_EQ(line(first).start, MxGePoint3d(310, 120, 0));
+    click(at(310, 120));
+    typed(QStringLiteral("b\n\n@1,0\n")); // kept
+    EXPECT_EQ(line(first).start, MxGePoint3d(311, 120, 0));
 }
 
 TEST_F(GripDragTest, AnAngleAndAFactorMayBeTyped) {

@@ -32,21 +32,27 @@ TEST(GripMode, EnterLeadsThroughAllAndBack) {
                              "Grip scale,GRIP_SCALE,Grip mirror,GRIP_MIRROR"));
 }
 
-TEST(GripMode, AWordOrItsOnlyBeginningNamesOne) {
-    EXPECT_EQ(modeNamed(QStringLiteral("mirror")), GripMode::kMirror);
-    EXPECT_EQ(modeNamed(QStringLiteral("MO")), GripMode::kMove);
-    EXPECT_EQ(modeNamed(QStringLiteral("ST")), GripMode::kStretch);
-    EXPECT_EQ(modeNamed(QStringLiteral("sc")), GripMode::kScale);
-    EXPECT_EQ(modeNamed(QStringLiteral("r")), GripMode::kRotate);
-    EXPECT_EQ(modeNamed(QStringLiteral("M")), std::nullopt);
-    EXPECT_EQ(modeNamed(QStringLiteral("ERASE")), std::nullopt);
+TEST(GripMode, AWordOrItsOnlyBeginningNamesAnOption) {
+    const auto named = [](const char* word) { return modeNamed(optionNamed(QLatin1String(word))); };
+    EXPECT_EQ(named("mirror"), GripMode::kMirror);
+    EXPECT_EQ(named("MO"), GripMode::kMove);
+    EXPECT_EQ(named("ST"), GripMode::kStretch);
+    EXPECT_EQ(named("sc"), GripMode::kScale);
+    EXPECT_EQ(named("r"), GripMode::kRotate);
+    EXPECT_EQ(named("M"), std::nullopt);
+    EXPECT_EQ(named("ERASE"), std::nullopt);
+    EXPECT_EQ(named("c"), std::nullopt);
+    EXPECT_EQ(optionNamed(QStringLiteral("c")), QStringLiteral("Copy"));
+    EXPECT_EQ(optionNamed(QStringLiteral("BASE")), QStringLiteral("Base"));
 }
 
 TEST(GripMode, ThePromptOffersTheOthersAndSaysWhatEnterDoes) {
-    EXPECT_EQ(promptOf(GripMode::kStretch), QStringLiteral("Stretch to or [Move/Rotate/Scale/Mirror] <Move>: "));
-    EXPECT_EQ(promptOf(GripMode::kMirror),
-              QStringLiteral("Second point of the mirror line or [Stretch/Move/Rotate/Scale] <Stretch>: "));
-    EXPECT_EQ(optionsOf(GripMode::kScale), QStringLiteral("Mirror Stretch Move Rotate"));
+    EXPECT_EQ(promptOf(GripMode::kStretch, false),
+              QStringLiteral("Stretch to or [Base/Move/Rotate/Scale/Mirror] <Move>: "));
+    EXPECT_EQ(promptOf(GripMode::kMirror, true),
+              QStringLiteral(
+                  "Second point of the mirror line (copies) or [Base/Copy/Stretch/Move/Rotate/Scale] <Stretch>: "));
+    EXPECT_EQ(optionsOf(GripMode::kScale), QStringLiteral("Base Copy Mirror Stretch Move Rotate"));
 }
 
 TEST(GripMode, TheHandShowsWhereTheSelectionGoes) {

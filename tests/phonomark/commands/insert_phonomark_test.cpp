@@ -207,7 +207,8 @@ TEST_F(InsertTest, EnterIsNoAnswerToAPlacingPrompt) {
         printed();
         run("PHONOMARK", std::move(answers));
         const std::string text = printed();
-        EXPECT_EQ(text.find("note type = "), text.rfind("note type = ")) << "asked again by the command line";
+        EXPECT_THAT(text, HasSubstr(" is needed.")) << "asked again by the command line itself";
+        EXPECT_EQ(text.find("note type = "), text.rfind("note type = "));
         return only();
     };
     EXPECT_EQ(placed(0, {"", "1,2"}).position(), MxGePoint3d(1, 2, 0));

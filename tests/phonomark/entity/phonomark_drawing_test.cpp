@@ -68,10 +68,12 @@ public:
         last.assign(vertices, vertices + count);
         note("pline", count);
     }
-    void text(const MxGePoint3d& position, const MxGeVector3d&, const MxGeVector3d&, double height, double, double,
-              const wchar_t* shown) override {
+    void text(const MxGePoint3d& position, const MxGeVector3d& normal, const MxGeVector3d& direction, double height,
+              double width, double oblique, const wchar_t* shown) override {
         textPosition = position;
         textHeight = height;
+        isTextPlain =
+            normal == MxGeVector3d::kZAxis && direction == MxGeVector3d::kXAxis && width == 1.0 && oblique == 0.0;
         textShown = shown;
         note("text", height);
     }
@@ -92,6 +94,7 @@ public:
     MxDbExtents filled;
     MxGePoint3d textPosition;
     double textHeight = 0;
+    bool isTextPlain = false; ///< upright, level, and of its own width
     std::wstring textShown;
 
 private:
@@ -128,7 +131,7 @@ constexpr double kTolerance = 1e-9;
 
 TEST_F(DrawingTest, ThePartsAreDrawnInTheirOrderWithThinLines) {
     EXPECT_TRUE(point.subWorldDraw(&recorder));
-    ASSERT_GE(recorder.calls.size(), 8u);
+    ASSERT_GE(recorder.calls.size(), 11u);
     EXPECT_EQ(recorder.calls[0], "weight 0");
     EXPECT_EQ(recorder.calls[1], "color 9");
     EXPECT_EQ(recorder.calls[2], "line 5");
@@ -137,6 +140,8 @@ TEST_F(DrawingTest, ThePartsAreDrawnInTheirOrderWithThinLines) {
     EXPECT_EQ(recorder.calls[5], "line 2");
     EXPECT_EQ(recorder.calls[6], "color 9");
     EXPECT_EQ(recorder.calls[7].rfind("text", 0), 0u);
+    EXPECT_EQ(recorder.calls[8], "color 9");
+    EXPECT_EQ(recorder.calls[9], "fill 1") << "the icon is filled whatever was in force";
     EXPECT_EQ(recorder.calls.back(), "weight 25");
 }
 
@@ -153,6 +158,7 @@ TEST_F(DrawingTest, TheMarkerStandsUpAndRightOfThePoint) {
     EXPECT_NEAR(recorder.textPosition.x, image.minPoint().x + 0.125 * 5, kTolerance);
     EXPECT_NEAR(recorder.textPosition.y, image.minPoint().y + 1.3 * 5, kTolerance);
     EXPECT_EQ(recorder.textShown, L"0.0\"");
+    EXPECT_TRUE(recorder.isTextPlain);
 }
 
 TEST_F(DrawingTest, TheMarkerTakesTheSizeOfTheZoomWhenItIsDrawn) {

@@ -125,6 +125,11 @@ TEST_F(NoteGeometryTest, ANoteIsNeverCopied) {
     clone = open;
     EXPECT_EQ(open->wblockClone(nullptr, clone, map), Mx::eOk);
     EXPECT_EQ(clone, nullptr);
+    for (const auto function : {&MxDbPhonomark::subDeepClone, &MxDbPhonomark::subWblockClone}) {
+        clone = open;
+        EXPECT_EQ((open->*function)(nullptr, clone, map, true), Mx::eOk);
+        EXPECT_EQ(clone, nullptr) << "the note says so itself";
+    }
     EXPECT_TRUE(map.clones().empty());
     open->close();
 }

@@ -103,8 +103,10 @@ TEST_F(HighlightTest, HighlightingAnObjectThatIsWrittenElsewhereDoesNothing) {
 TEST_F(HighlightTest, TheRegionIsShownAndHiddenWhileAnotherCommandHoldsTheDrawing) {
     const MxDbObjectId id = addNote(kRegionNote);
     ASSERT_EQ(mxDocManagerPtr()->lockDocument(&document(), MxApLockMode::kWrite, L"OTHER", L"other"), Mx::eOk);
+    printed();
     note(id).setRecord(true);
     EXPECT_FALSE(note(id).isRegionShown());
+    EXPECT_EQ(printed(), "") << "the lock is not missed";
     EXPECT_EQ(mxDocManagerPtr()->unlockDocument(&document()), Mx::eOk);
 }
 
