@@ -128,9 +128,9 @@ bool Autosave::copy(Document& document) {
     const quint64 changes = document.changes();
     if (path.isEmpty())
         return fail(state, document.title() + QStringLiteral(": no folder for a copy"));
+    // A copy of another run that the drawing has overtaken must not be taken for the one that is listed.
     if (state.path.isEmpty())
-        QFile::remove(
-            path); // of another run, overtaken by the drawing: it must not be taken for the one that is listed
+        QFile::remove(path);
     // The list comes first: it passes over a copy that is not there, but nobody looks for a copy that it lacks.
     const bool isListed = SessionList::instance().add(path, document.path(), document.title());
     if (const Result result = DocManager::instance().writeCopy(document, path); !result.ok) {

@@ -70,12 +70,6 @@ std::vector<Recovery> parse(const QByteArray& text) {
     return entries;
 }
 
-/// No other program reads the file as one that nobody holds while this one writes it first.
-bool lockNew(int file) {
-    struct stat status {};
-    return ::flock(file, LOCK_EX) == 0 && ::fstat(file, &status) == 0 && status.st_nlink > 0;
-}
-
 } // namespace
 
 const QString& copySuffix() {
@@ -92,6 +86,11 @@ QString recoveryFolder() {
 bool isNewer(const QFileInfo& copy, const QString& drawing) {
     const QFileInfo known(drawing);
     return drawing.isEmpty() || !known.exists() || known.lastModified() <= copy.lastModified();
+}
+
+bool lockNewList(int file) {
+    struct stat status {};
+    return ::flock(file, LOCK_EX) == 0 && ::fstat(file, &status) == 0 && status.st_nlink > 0;
 }
 
 SessionList& SessionList::instance() {
@@ -116,7 +115,7 @@ bool SessionList::open() {
         m_file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (m_file < 0 && errno != EEXIST)
             return false;
-        if (m_file >= 0 && lockNew(m_file))
+        if (m_file >= 0 && lockNewList(m_file))
             return true;
         close(); // another program took the empty list for one left behind and deleted it
     }

@@ -28,6 +28,10 @@ QString recoveryFolder();
 /// The copy is not older than the drawing's file (a path; empty: there is none).
 bool isNewer(const QFileInfo& copy, const QString& drawing);
 
+/// Locks the file of a list that was just made, before anything is written. False when another program has met it
+/// unlocked meanwhile and deleted it as one left behind.
+bool lockNewList(int file);
+
 class SessionList {
 public:
     static SessionList& instance();

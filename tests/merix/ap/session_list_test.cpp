@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -156,11 +158,9 @@ TEST_F(SessionListTest, WhatStandsBehindTheEndOfAListWasCutOffByADeath) {
     ASSERT_EQ(lists().size(), 2);
     const QByteArray other = bytesOf(lists()[1]);
     const QByteArray tail = other.mid(other.indexOf('\n') + 1);
-    writeTo(lists()[0], bytesOf(lists()[0]) + tail);
+    writeTo(lists()[0], bytesOf(lists()[0]) + "rest\nof\none\n" + tail);
     QFile::remove(lists()[1]);
-    ASSERT_EQ(SessionList::leftBehind().size(), 1U);
-    writeTo(lists()[0], bytesOf(lists()[0]).replace("\nend\n", "\n"));
-    EXPECT_EQ(SessionList::leftBehind().size(), 2U) << "without an end the lines that follow would count";
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U);
 }
 
 TEST_F(SessionListTest, AnotherFileThanACopyIsNeverOffered) {
@@ -169,23 +169,18 @@ TEST_F(SessionListTest, AnotherFileThanACopyIsNeverOffered) {
     EXPECT_TRUE(SessionList::leftBehind().empty());
 }
 
-TEST_F(SessionListTest, AListDeletedByAnotherProgramBeforeItWasLockedIsMadeAnew) {
-    const QString copy = write(QStringLiteral("a.ms$"));
-    // Others look for what was left behind all the while; nothing that is put aside may get lost to them.
-    constexpr int kPrograms = 40;
-    for (int n = 0; n < kPrograms; ++n) {
-        const pid_t looker = fork();
-        if (looker == 0) {
-            for (int look = 0; look < 200; ++look)
-                SessionList::leftBehind();
-            _exit(0);
-        }
-        dieWith(copy, QString());
-        waitpid(looker, nullptr, 0);
-        ASSERT_EQ(SessionList::leftBehind().size(), 1U) << n;
-        for (const QString& list : lists())
-            QFile::remove(list);
-    }
+TEST_F(SessionListTest, AListDeletedByAnotherProgramBeforeItWasLockedIsNotWrittenTo) {
+    const QString path = folder.filePath(QStringLiteral("a.list"));
+    const auto make = [&] { return ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_EXCL, 0600); };
+    const int deleted = make();
+    QFile::remove(path);
+    EXPECT_FALSE(lockNewList(deleted));
+    const int whole = make();
+    EXPECT_TRUE(lockNewList(whole));
+    const int other = ::open(QFile::encodeName(path).constData(), O_RDONLY);
+    EXPECT_NE(::flock(other, LOCK_SH | LOCK_NB), 0) << "it is locked";
+    for (const int file : {deleted, whole, other})
+        ::close(file);
 }
 
 TEST_F(SessionListTest, TheListGoesWithItsLastEntry) {
