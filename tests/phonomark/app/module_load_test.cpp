@@ -19,7 +19,7 @@ using ModuleLoadTest = LoadedModuleTest;
 namespace {
 
 /// What a load and an unload may leave behind in the process's memory: lines of the console's history and the like.
-constexpr std::size_t kBytesPerTurn = 4096;
+constexpr std::size_t kBytesPerTurn = 2048;
 
 /// Writes down the classes that go, in order. The registry of classes never lets a listener go.
 class Departures : public merix::rx::ClassListener {
