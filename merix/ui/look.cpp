@@ -32,6 +32,20 @@ public:
         painter->drawLine(c - QPointF(kArm, -kArm), c + QPointF(kArm, -kArm));
         painter->restore();
     }
+    /// The button for what a tool bar has no room for.
+    QIcon standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const override {
+        if (which != SP_ToolBarHorizontalExtensionButton)
+            return QProxyStyle::standardIcon(which, option, widget);
+        constexpr int kSide = 32;
+        QPixmap picture(kSide, kSide);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(QApplication::palette().color(QPalette::ButtonText), 3));
+        for (const int x : {7, 16})
+            painter.drawPolyline(QPolygon({QPoint(x, 8), QPoint(x + 8, 16), QPoint(x, 24)}));
+        return {picture};
+    }
 };
 
 /// Where there is no desktop to say it.

@@ -19,6 +19,7 @@ constexpr double kHaloOpacity = 0.55;
 inline const QColor kWindowBox(90, 160, 255);
 inline const QColor kCrossingBox(90, 200, 110);
 inline const QColor kGrip(40, 110, 230), kHoveredGrip(255, 150, 90), kHotGrip(225, 50, 40), kGripEdge(225, 235, 250);
+inline const QColor kOffer(86, 70, 36), kOfferText(245, 236, 218); ///< what waits for an answer and is in nobody's way
 
 /// For text in columns: the command line and coordinates.
 QFont fixedFont();

@@ -170,7 +170,9 @@ void MainWindow::buildViewMenu() {
     view->addSeparator();
     m_takeOut = addAction(view, tr("Move to &New Window"), keys("Ctrl+Shift+N"), true, [this] { takeOut(*shown()); });
     m_takeBack = addAction(view, tr("Move to &Other Window"), {}, true, [this] { takeBack(); });
-    m_tabActions = QList<QAction*>{m_takeOut, m_takeBack} + m_tabActions;
+    auto* line = new QAction(this);
+    line->setSeparator(true);
+    m_tabActions = QList<QAction*>{m_takeOut, m_takeBack, line} + m_tabActions;
     connect(view, &QMenu::aboutToShow, this, &MainWindow::allowMoves);
 }
 
@@ -196,6 +198,12 @@ void MainWindow::buildMenus() {
         action->setCheckable(true);
         action->setChecked(on);
         connect(action, &QAction::toggled, m_view, set);
+        // The same in all windows.
+        connect(action, &QAction::toggled, this, [index = m_aids.size()](bool now) {
+            for (MainWindow* window : all())
+                window->m_aids[index]->setChecked(now);
+        });
+        m_aids.append(action);
     };
     aid(tr("Object &Snap"), "F3", true, &DrawingView::setSnapping);
     aid(tr("&Ortho"), "F8", false, &DrawingView::setOrtho);
@@ -248,6 +256,8 @@ void MainWindow::showTitles() {
     const ap::Document* document = shown();
     setWindowTitle(document ? tr("%1[*] – Merix").arg(document->title()) : QStringLiteral("Merix"));
     setWindowModified(document && document->isChanged());
+    if (!document)
+        m_coordinates->clear();
     m_drawingName->setText(!document                    ? QString()
                            : document->path().isEmpty() ? document->title()
                                                         : QFileInfo(document->path()).fileName());
@@ -267,7 +277,8 @@ void MainWindow::showLayouts() {
 }
 
 void MainWindow::showCursor(const MxGePoint3d& world) {
-    m_coordinates->setText(QStringLiteral("%1, %2").arg(world.x, 0, 'f', 4).arg(world.y, 0, 'f', 4));
+    if (shown())
+        m_coordinates->setText(QStringLiteral("%1, %2").arg(world.x, 0, 'f', 4).arg(world.y, 0, 'f', 4));
 }
 
 // ---------------------------------------------------------------- files

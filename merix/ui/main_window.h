@@ -126,6 +126,7 @@ private:
     QAction* m_redo = nullptr;
     QAction* m_takeOut = nullptr;
     QAction* m_takeBack = nullptr;
+    QList<QAction*> m_aids;           ///< object snap, ortho
     QList<QAction*> m_tabActions;     ///< of the menu of a tab
     QList<QAction*> m_drawingActions; ///< of use only while a drawing is open
     QTimer m_titles;

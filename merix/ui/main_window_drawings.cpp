@@ -52,6 +52,8 @@ void MainWindow::join() {
         for (ap::Document* document : ap::DocManager::instance().all())
             addDocument(document);
     }
+    for (int i = 0; i < m_aids.size(); ++i)
+        m_aids[i]->setChecked(g_windows.front()->m_aids[i]->isChecked());
     activated(g_active == this ? ap::DocManager::instance().current() : nullptr);
     refresh();
 }

@@ -3,6 +3,7 @@
 
 #include "merix/ap/autosave.h"
 #include "merix/ap/recover_command.h"
+#include "merix/ui/look.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -23,10 +24,14 @@ RecoveryBar::RecoveryBar(QWidget* parent)
     : QFrame(parent)
     , m_rows(new QVBoxLayout(this)) {
     setObjectName(QStringLiteral("recoveryBar"));
-    setFrameShape(QFrame::StyledPanel);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Window, kOffer);
+    colors.setColor(QPalette::WindowText, kOfferText);
+    setPalette(colors);
+    setAutoFillBackground(true);
     setAccessibleName(tr("Unsaved changes of an earlier run"));
     m_rows->setContentsMargins(8, 4, 8, 4);
-    m_rows->setSpacing(2);
+    m_rows->setSpacing(4);
     hide();
 }
 

@@ -1,168 +1,33 @@
 // SPDX-License-Identifier: MIT
-// By hand: a real screen (Xvfb), a window manager, the keyboard and the mouse (xdotool), a real sound server.
-#include "tests/support/dxf_tags.h"
-#include "tests/support/process.h"
+// Notes and selections by hand.
+#include "tests/e2e/real_windows.h"
 
 #include <QDir>
-#include <QElapsedTimer>
-#include <QImage>
-#include <QMap>
 #include <QPointF>
-#include <QThread>
-#include <QtEndian>
 
 #include <cmath>
-#include <functional>
 
 using namespace merix::test;
 
 namespace {
 
-/// A program that runs beside the test and is ended with it.
-class Running {
-public:
-    Running(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment) {
-        m_process.setProcessEnvironment(environment);
-        m_process.start(program, arguments);
-        m_process.waitForStarted();
-    }
-    ~Running() {
-        m_process.terminate();
-        if (!m_process.waitForFinished(5000))
-            m_process.kill();
-        m_process.waitForFinished();
-    }
-    QProcess& process() { return m_process; }
-
-private:
-    QProcess m_process;
-};
-
-/// Looks again and again; false when it has not come true after a long time.
-bool comesTrue(const std::function<bool()>& condition) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > 30'000)
-            return false;
-        QThread::msleep(50);
-    }
-    return true;
-}
-
-struct RealWindows : testing::Test {
-    QTemporaryDir folder{QStringLiteral("/tmp/hand.XXXXXX")};
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    std::unique_ptr<Running> screen, manager, merix;
-    QString sound, log, drawing, window;
-    QRect frame; ///< of the window on the screen
-
+struct RealWindows : RealScreen {
     void SetUp() override {
-        // The server names the screen that it found free.
-        screen = std::make_unique<Running>(
-            QStringLiteral("Xvfb"),
-            QStringList{"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp", "-fbdir", folder.path()},
-            environment);
-        ASSERT_TRUE(comesTrue([&] { return screen->process().waitForReadyRead(50); }));
-        environment.insert("DISPLAY", ":" + QString::fromLatin1(screen->process().readLine().trimmed()));
-        environment.remove("QT_QPA_PLATFORM");
-        environment.remove("WAYLAND_DISPLAY");
-        manager = std::make_unique<Running>(QStringLiteral("openbox"), QStringList(), environment);
-
-        sound = folder.filePath("sound");
-        environment.insert("SOUNDCHECK", MERIX_BINARY_DIR "/bin/soundcheck");
-        ASSERT_EQ(run(MERIX_SOURCE_DIR "/scripts/sound-server.sh",
-                      {"start", sound, MERIX_BINARY_DIR "/speech/spoken.wav"}, folder.path(), {}, environment)
-                      .status,
-                  0);
-        QFile settings(sound + "/env");
-        ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
-        for (QByteArray line : settings.readAll().split('\n')) {
-            if (line.startsWith("export "))
-                line.remove(0, 7);
-            if (const int equals = line.indexOf('='); equals > 0)
-                environment.insert(QString::fromUtf8(line.left(equals)),
-                                   QString::fromUtf8(line.mid(equals + 1)).remove('\'').remove('"'));
-        }
-        log = folder.filePath("audio.log");
-        environment.insert("PHONOMARK_AUDIO_LOG", log);
-        for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
-            environment.insert(name, folder.filePath("home"));
-
-        // libxkbcommon-x11 copies a part of a text without an end by strndup, as it may; the strict check of the
-        // address sanitizer asks for an end all the same.
-        if (environment.contains("ASAN_OPTIONS"))
-            environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":strict_string_checks=0");
-        // On a screen Qt starts a D-Bus thread of its own, whose event queue the thread sanitizer cannot see into. The
-        // same path is run under it without a screen, with every report on.
-        if (environment.contains("TSAN_OPTIONS"))
-            environment.insert("TSAN_OPTIONS", environment.value("TSAN_OPTIONS") + ":report_bugs=0");
+        RealScreen::SetUp();
         drawing = folder.filePath("plan.dxf");
         ASSERT_TRUE(QFile::copy(MERIX_SOURCE_DIR "/samples/plan.dxf", drawing));
-        merix =
-            std::make_unique<Running>(QStringLiteral(MERIX_BINARY_DIR "/bin/merix"), QStringList{drawing}, environment);
-        ASSERT_TRUE(comesTrue([&] {
-            window = QString::fromLatin1(
-                         hand({"search", "--onlyvisible", "--name", "plan.dxf"}).out.trimmed().split('\n').last())
-                         .trimmed();
-            return !window.isEmpty();
-        })) << "no window: the program is in the state "
-            << merix->process().state() << merix->process().readAllStandardError().constData()
-            << "; windows: " << hand({"search", "--name", "."}).out.constData();
-        hand({"windowactivate", "--sync", window});
-        moveTo(0, 0);
-        const auto corner = told({"getmouselocation", "--shell"}),
-                   size = told({"getwindowgeometry", "--shell", window});
-        frame = {corner["X"], corner["Y"], size["WIDTH"], size["HEIGHT"]};
-        ASSERT_TRUE(frame.isValid());
-    }
-    void TearDown() override {
-        merix.reset();
-        if (!sound.isEmpty())
-            run(MERIX_SOURCE_DIR "/scripts/sound-server.sh", {"stop", sound}, folder.path(), {}, environment);
-    }
-
-    Outcome hand(const QStringList& doing) { return run("xdotool", doing, folder.path(), {}, environment); }
-    /// What it answers in lines of NAME=NUMBER.
-    QMap<QByteArray, int> told(const QStringList& asking) {
-        QMap<QByteArray, int> numbers;
-        for (const QByteArray& line : hand(asking).out.split('\n'))
-            numbers[line.left(line.indexOf('='))] = line.mid(line.indexOf('=') + 1).toInt();
-        return numbers;
-    }
-    void moveTo(int x, int y) { hand({"mousemove", "--window", window, QString::number(x), QString::number(y)}); }
-
-    /// What the window shows: the server keeps its screen in a file of big-endian words that tell its measures, a table
-    /// of colours and the pixels.
-    QImage shown() const {
-        QFile file(folder.filePath("Xvfb_screen0"));
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        const QByteArray all = file.readAll();
-        const auto word = [&](int n) { return static_cast<int>(qFromBigEndian<quint32>(all.constData() + 4 * n)); };
-        constexpr int kHeaderWords = 25, kColor = 12;
-        if (all.size() < 4 * kHeaderWords)
-            return {};
-        const int size = word(0), width = word(4), height = word(5), line = word(12), colors = word(19);
-        if (size + kColor * colors + line * height > all.size())
-            return {};
-        const auto* pixels = reinterpret_cast<const uchar*>(all.constData()) + size + kColor * colors;
-        return QImage(pixels, width, height, line, QImage::Format_RGB32).copy(frame);
+        if (!HasFatalFailure())
+            start({drawing}, "plan.dxf");
     }
 
     /// The records of notes in the saved drawing.
-    std::vector<Record> savedNotes() const {
-        std::vector<Record> notes;
-        for (const Record& record : records(readTags(drawing), "ENTITIES"))
-            if (record[0].value == "PHONOMARK")
-                notes.push_back(record);
-        return notes;
-    }
+    std::vector<Record> savedNotes() const { return notesIn(drawing); }
     /// The first; empty while there is none.
     Record savedNote() const {
         const std::vector<Record> notes = savedNotes();
         return notes.empty() ? Record() : notes.front();
     }
+    QString drawing;
 };
 
 QPointF point(const Record& record, int code) {

@@ -239,6 +239,16 @@ TEST_F(SeveralWindowsTest, AnActionOfAWindowLeftBehindIsForTheDrawingThatItShows
     EXPECT_EQ(manager.current(), document);
 }
 
+TEST_F(SeveralWindowsTest, AidsAreTheSameInAllWindows) {
+    action(window, QStringLiteral("&Ortho"))->setChecked(true);
+    MainWindow& own = takeOut(*other);
+    EXPECT_TRUE(action(own, QStringLiteral("&Ortho"))->isChecked());
+    action(own, QStringLiteral("Object &Snap"))->setChecked(false);
+    action(own, QStringLiteral("&Ortho"))->setChecked(false);
+    EXPECT_FALSE(action(window, QStringLiteral("Object &Snap"))->isChecked());
+    EXPECT_FALSE(action(window, QStringLiteral("&Ortho"))->isChecked());
+}
+
 TEST_F(SeveralWindowsTest, ModulesSeeTheWindowOfTheActiveDrawing) {
     MainWindow& own = takeOut(*other);
     own.move(300, 200);
@@ -446,7 +456,7 @@ TEST_F(SeveralWindowsTest, TheMenuOfATabIsForItsDrawing) {
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_TRUE(menu);
     EXPECT_EQ(manager.current(), document);
-    ASSERT_EQ(menu->actions().size(), 3);
+    ASSERT_EQ(menu->actions().size(), 4);
     EXPECT_TRUE(menu->actions()[0]->isEnabled());
     EXPECT_FALSE(menu->actions()[1]->isEnabled());
     menu->actions()[0]->trigger();
