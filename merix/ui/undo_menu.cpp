@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/undo_menu.h"
 
-#include "merix/db/database_imp.h"
 #include "merix/ed/command_stack.h"
+
+#include <algorithm>
 
 namespace merix::ui {
 
@@ -10,22 +11,19 @@ namespace {
 
 constexpr int kShown = 30; ///< more would not fit on a small screen
 
-/// "GRIP_STRETCH" and "Grip stretch" are "Grip stretch" to a reader.
-QString readable(const std::wstring& unit) {
-    QString name = QString::fromStdWString(unit).replace(QLatin1Char('_'), QLatin1Char(' '));
+/// "GRIP_STRETCH" and "grip stretch" are "Grip stretch" to a reader.
+QString readable(QString name) {
+    name.replace(QLatin1Char('_'), QLatin1Char(' '));
     if (name == name.toUpper())
-        name = name.left(1) + name.mid(1).toLower();
-    return name.isEmpty() ? UndoMenu::tr("A change") : name;
+        name = name.toLower();
+    return name.left(1).toUpper() + name.mid(1);
 }
 
 } // namespace
 
 QStringList stepNames(const ap::Document& document, Steps steps, int most) {
-    const db::UndoRecorder& undo = document.database()->imp().undo;
-    const auto& units = steps == Steps::kUndo ? undo.undoUnits() : undo.redoUnits();
-    QStringList names;
-    for (auto unit = units.rbegin(); unit != units.rend() && names.size() < most; ++unit)
-        names << readable(unit->name);
+    QStringList names = (steps == Steps::kUndo ? document.undoNames() : document.redoNames()).mid(0, most);
+    std::transform(names.begin(), names.end(), names.begin(), readable);
     return names;
 }
 
