@@ -107,7 +107,9 @@ struct RealScreen : testing::Test {
             window = windowNamed(title);
             return !window.isEmpty();
         })) << "no window "
-            << qPrintable(title);
+            << qPrintable(title) << ": the program is in the state " << merix->process().state()
+            << merix->process().readAllStandardError().constData()
+            << "; windows: " << hand({"search", "--name", "."}).out.constData();
         hand({"windowactivate", "--sync", window});
         moveTo(0, 0);
         const auto corner = told({"getmouselocation", "--shell"}),
