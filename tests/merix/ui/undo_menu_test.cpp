@@ -52,7 +52,7 @@ TEST_F(UndoMenuTest, StepsAreListedNewestFirstWithTheirNames) {
 TEST_F(UndoMenuTest, ChoosingTheThirdUndoesThreeAndTheSecondRedoesTwo) {
     menu(QStringLiteral("&Undo"))->actions().at(2)->trigger();
     settle();
-    EXPECT_EQ(lines(), 1u);
+    ASSERT_EQ(lines(), 1u);
     EXPECT_EQ(texts(menu(QStringLiteral("&Redo"))),
               (QStringList{QStringLiteral("Grip stretch"), QStringLiteral("Knives && forks"), QStringLiteral("Move")}));
     menu(QStringLiteral("&Redo"))->actions().at(1)->trigger();
