@@ -359,17 +359,15 @@ TEST_F(SeveralWindowsTest, TheFirstWindowMayCloseBeforeTheOthers) {
 
 TEST_F(SeveralWindowsTest, AfterAClosedDrawingTheNextOfTheSameWindowIsShown) {
     ap::Document* third = manager.create();
-    takeOut(*document);
-    window.takeIn(*document); // last of three now
-    settle();
-    MainWindow& own = takeOut(*other);
+    MainWindow& own = takeOut(*document);
     own.takeIn(*third);
-    activate(own);
-    ASSERT_EQ(manager.current(), third);
-    manager.close(*third);
+    manager.activate(document);
     settle();
-    EXPECT_EQ(manager.current(), other);
-    EXPECT_EQ(own.view()->document(), other);
+    manager.close(*document); // the next of all is in the other window
+    settle();
+    EXPECT_EQ(manager.current(), third);
+    EXPECT_EQ(own.view()->document(), third);
+    EXPECT_EQ(window.view()->document(), other);
 }
 
 TEST_F(SeveralWindowsTest, AWindowIsClosedOnlyAfterItsQuestion) {
