@@ -32,7 +32,7 @@ QString freeName(const QString& stem, const QString& drawing) {
     for (int n = 1; n < 1000; ++n) {
         const QString number = n == 1 ? QString() : QStringLiteral(".%1").arg(n);
         const QFileInfo known(stem + number + copySuffix());
-        if (!known.exists() || !(isNewer(known, drawing) || SessionList::isListed(known.filePath())))
+        if ((!known.exists() || !isNewer(known, drawing)) && !SessionList::isListed(known.filePath()))
             return known.filePath();
     }
     return {};

@@ -24,7 +24,7 @@ namespace merix::ap {
 
 namespace {
 
-constexpr const char* kHead = "merix copies 1";
+constexpr const char* kHeadLine = "merix copies 1\n";
 constexpr const char* kEnd = "end";
 /// A list is small: a drawing is three paths.
 constexpr qint64 kLongestList = 1 << 20;
@@ -53,21 +53,33 @@ bool isWorthMore(const QFileInfo& copy, const QString& drawing, const QByteArray
            (!hashThen.isEmpty() && hashOf(drawing) == hashThen);
 }
 
-std::vector<Recovery> parse(const QByteArray& text) {
-    std::vector<Recovery> entries;
+/// An entry as it stands in a list.
+struct Listed {
+    Recovery recovery;
+    QByteArray hashThen;
+};
+
+std::vector<Listed> parse(const QByteArray& text) {
+    std::vector<Listed> entries;
     const QList<QByteArray> lines = text.split('\n');
-    if (lines.front() != kHead)
-        return entries;
-    for (int i = 1; i + 3 < lines.size() && lines[i] != kEnd; i += 4) {
-        Recovery entry{decoded(lines[i]), decoded(lines[i + 1]), decoded(lines[i + 2]), {}};
-        const QFileInfo copy(entry.copy);
-        if (!entry.copy.endsWith(copySuffix()) || !copy.isFile())
-            continue; // whoever discards a copy must not be led to another file
-        entry.made = copy.lastModified();
-        if (isWorthMore(copy, entry.drawing, lines[i + 3]))
-            entries.push_back(std::move(entry));
-    }
+    for (int i = 1; i + 3 < lines.size() && lines[i] != kEnd; i += 4)
+        entries.push_back({{decoded(lines[i]), decoded(lines[i + 1]), decoded(lines[i + 2]), {}}, lines[i + 3]});
     return entries;
+}
+
+enum class Worth {
+    kOffer,
+    kLater, ///< the copy's folder is not there now; it may be with its disk
+    kNone,
+};
+
+Worth worthOf(const Listed& entry) {
+    const QFileInfo copy(entry.recovery.copy);
+    if (!entry.recovery.copy.endsWith(copySuffix()))
+        return Worth::kNone; // whoever discards a copy must not be led to another file
+    if (!copy.isFile())
+        return QFileInfo(copy.path()).isDir() ? Worth::kNone : Worth::kLater;
+    return isWorthMore(copy, entry.recovery.drawing, entry.hashThen) ? Worth::kOffer : Worth::kNone;
 }
 
 } // namespace
@@ -117,7 +129,11 @@ bool SessionList::open() {
             return false;
         if (m_file >= 0 && lockNewList(m_file))
             return true;
-        close(); // another program took the empty list for one left behind and deleted it
+        const bool isMade = m_file >= 0;
+        close();
+        if (isMade && QFile::remove(m_path))
+            return false; // the file system has no locks
+        // Another program had the name, or took the empty list for one left behind and deleted it.
     }
     return false;
 }
@@ -129,11 +145,11 @@ void SessionList::close() {
 }
 
 bool SessionList::write() {
-    QByteArray text = kHead;
+    QByteArray text = kHeadLine;
     for (const Entry& entry : m_entries)
-        text += '\n' + encoded(entry.copy) + '\n' + encoded(entry.drawing) + '\n' + encoded(entry.title) + '\n' +
-                entry.hash;
-    text += QByteArray("\n") + kEnd + '\n';
+        text += encoded(entry.copy) + '\n' + encoded(entry.drawing) + '\n' + encoded(entry.title) + '\n' + entry.hash +
+                '\n';
+    text += QByteArray(kEnd) + '\n';
     return ::pwrite(m_file, text.constData(), std::size_t(text.size()), 0) == text.size() &&
            ::ftruncate(m_file, text.size()) == 0 && ::fsync(m_file) == 0;
 }
@@ -173,17 +189,27 @@ void SessionList::readAll(std::vector<Recovery>& left, std::set<QString>& held) 
         QFile file(path);
         if (!file.open(QFile::ReadOnly))
             continue;
-        const bool isHeld = ::flock(file.handle(), LOCK_SH | LOCK_NB) != 0;
-        const std::vector<Recovery> entries =
-            file.size() <= kLongestList ? parse(file.readAll()) : std::vector<Recovery>();
-        if (!isHeld && entries.empty())
-            QFile::remove(path);
-        for (const Recovery& entry : entries) {
-            if (isHeld)
-                held.insert(entry.copy);
-            else if (std::none_of(left.begin(), left.end(), [&](const Recovery& e) { return e.copy == entry.copy; }))
-                left.push_back(entry);
+        const bool isLocked = ::flock(file.handle(), LOCK_SH | LOCK_NB) == 0;
+        const bool isHeld = !isLocked && errno == EWOULDBLOCK;
+        const QByteArray text = file.size() <= kLongestList ? file.readAll() : QByteArray();
+        if (file.size() > 0 && !text.startsWith(kHeadLine))
+            continue; // of another version, or nobody's
+        bool isOver = isLocked;
+        for (Listed& entry : parse(text)) {
+            if (isHeld) {
+                held.insert(entry.recovery.copy); // whether or not it is there yet, whatever it is worth
+                continue;
+            }
+            const Worth worth = worthOf(entry);
+            isOver = isOver && worth == Worth::kNone;
+            const auto isSame = [&](const Recovery& known) { return known.copy == entry.recovery.copy; };
+            if (worth != Worth::kOffer || std::any_of(left.begin(), left.end(), isSame))
+                continue;
+            entry.recovery.made = QFileInfo(entry.recovery.copy).lastModified();
+            left.push_back(std::move(entry.recovery));
         }
+        if (isOver)
+            QFile::remove(path);
     }
 }
 
@@ -194,6 +220,13 @@ std::vector<Recovery> SessionList::leftBehind() {
     std::erase_if(found, [&](const Recovery& entry) { return held.contains(entry.copy); });
     std::stable_sort(found.begin(), found.end(), [](const Recovery& a, const Recovery& b) { return a.made < b.made; });
     return found;
+}
+
+bool SessionList::isHeld(const QString& copy) {
+    std::vector<Recovery> left;
+    std::set<QString> held;
+    readAll(left, held);
+    return held.contains(copy);
 }
 
 bool SessionList::isListed(const QString& copy) {

@@ -43,10 +43,12 @@ public:
     void remove(const QString& copy);
 
     /// Copies that programs left behind which are no longer running, oldest first; those only that hold more than the
-    /// drawings they are of: newer, or the drawing is what it was when they were made. Lists with nothing of that kind
-    /// left are deleted.
+    /// drawings they are of: newer, or the drawing is what it was when they were made. Lists of which nothing of that
+    /// kind is left, or can come back with a folder that is not there now, are deleted.
     static std::vector<Recovery> leftBehind();
-    /// A program, running or not, put this copy aside, and it holds more than its drawing.
+    /// A copy of this path belongs to a running program, this one or another, be it written yet or not.
+    static bool isHeld(const QString& copy);
+    /// It is held, or a program that is no longer running left it and it holds more than its drawing.
     static bool isListed(const QString& copy);
 
 private:

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ap/session_list.h"
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstddef>
+
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,6 +52,37 @@ protected:
         int status = 0;
         waitpid(child, &status, 0);
     }
+    /// Another program that has put something aside and works on until this goes.
+    class AtWork {
+    public:
+        explicit AtWork(const QString& copy, const QString& drawing = {}) {
+            EXPECT_EQ(::pipe(m_ready), 0);
+            EXPECT_EQ(::pipe(m_done), 0);
+            m_child = fork();
+            if (m_child == 0) {
+                ::close(m_done[1]);
+                SessionList::instance().add(copy, drawing, QStringLiteral("a"));
+                char byte = 1;
+                if (::write(m_ready[1], &byte, 1) == 1 && ::read(m_done[0], &byte, 1) == 1)
+                    _exit(0);
+                _exit(1);
+            }
+            char byte = 0;
+            EXPECT_EQ(::read(m_ready[0], &byte, 1), 1);
+        }
+        ~AtWork() {
+            EXPECT_EQ(::write(m_done[1], "x", 1), 1);
+            ::waitpid(m_child, nullptr, 0);
+            for (const int end : {m_ready[0], m_ready[1], m_done[0], m_done[1]})
+                ::close(end);
+        }
+        AtWork(const AtWork&) = delete;
+        AtWork& operator=(const AtWork&) = delete;
+
+    private:
+        int m_ready[2]{}, m_done[2]{};
+        pid_t m_child = 0;
+    };
     /// Their paths. The folder carries the program's name, which other tests of the process may have set.
     QStringList lists() const {
         QStringList found;
@@ -120,23 +159,72 @@ TEST_F(SessionListTest, WhatAProgramAtWorkHoldsIsNotOffered) {
     const QString copy = write(QStringLiteral("a.ms$"));
     dieWith(copy, QString());
     ASSERT_EQ(SessionList::leftBehind().size(), 1U);
-    int ready[2], done[2];
-    ASSERT_EQ(pipe(ready), 0);
-    ASSERT_EQ(pipe(done), 0);
+    {
+        const AtWork other(copy);
+        EXPECT_TRUE(SessionList::leftBehind().empty());
+    }
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U);
+}
+
+TEST_F(SessionListTest, WhatAProgramAtWorkHoldsIsTakenWhateverItIsWorth) {
+    const QString drawing = write(QStringLiteral("a.dxf")), copy = write(QStringLiteral("a.dxf.ms$"));
+    const QString coming = folder.filePath(QStringLiteral("b.dxf.ms$"));
+    {
+        const AtWork other(copy, drawing), third(coming);
+        writeTo(drawing, "saved by yet another");
+        setAge(copy, 60);
+        EXPECT_TRUE(SessionList::isListed(copy)) << "the drawing has overtaken it";
+        EXPECT_TRUE(SessionList::isHeld(copy));
+        EXPECT_TRUE(SessionList::isListed(coming)) << "it is not written yet";
+        EXPECT_TRUE(SessionList::isHeld(coming));
+    }
+    EXPECT_FALSE(SessionList::isListed(copy));
+    EXPECT_FALSE(SessionList::isHeld(coming));
+}
+
+TEST_F(SessionListTest, ACopyWhoseDiskIsNotThereNowIsOfferedWhenItIsBack) {
+    const QString disk = folder.filePath(QStringLiteral("disk")), away = folder.filePath(QStringLiteral("away"));
+    ASSERT_TRUE(QDir().mkdir(disk));
+    dieWith(write(QStringLiteral("disk/a.ms$")), QString());
+    ASSERT_TRUE(QDir().rename(disk, away));
+    EXPECT_TRUE(SessionList::leftBehind().empty());
+    EXPECT_EQ(lists().size(), 1);
+    ASSERT_TRUE(QDir().rename(away, disk));
+    EXPECT_EQ(SessionList::leftBehind().size(), 1U);
+}
+
+TEST_F(SessionListTest, AListThatIsNotOfThisVersionIsLeftAlone) {
+    dieWith(write(QStringLiteral("a.ms$")), QString());
+    const QString list = lists().value(0);
+    for (const QByteArray& text : {QByteArray("merix copies 2\nx\n"), QByteArray("merix copies 10\nend\n"),
+                                   "merix copies 1\n" + QByteArray(1 << 20, 'x')}) {
+        writeTo(list, text);
+        EXPECT_TRUE(SessionList::leftBehind().empty());
+        EXPECT_TRUE(QFile::exists(list)) << text.left(20).constData();
+    }
+}
+
+/// Runs where the system refuses every lock.
+TEST_F(SessionListTest, WhereThereAreNoLocksNoListsAreLeft) {
     const pid_t child = fork();
     if (child == 0) {
-        SessionList::instance().add(copy, QString(), QStringLiteral("a"));
-        char byte = 1;
-        if (::write(ready[1], &byte, 1) != 1 || ::read(done[0], &byte, 1) != 1)
-            _exit(1);
-        _exit(0);
+        sock_filter filter[] = {
+            BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_flock, 0, 1),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
+            BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        };
+        const sock_fprog program{4, filter};
+        if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+            ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+            _exit(2);
+        _exit(SessionList::instance().add(write(QStringLiteral("a.ms$")), QString(), QStringLiteral("a")) ? 1 : 0);
     }
-    char byte = 0;
-    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    EXPECT_TRUE(SessionList::leftBehind().empty());
-    ASSERT_EQ(::write(done[1], &byte, 1), 1);
-    waitpid(child, nullptr, 0);
-    EXPECT_EQ(SessionList::leftBehind().size(), 1U);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_TRUE(lists().isEmpty());
 }
 
 TEST_F(SessionListTest, ADamagedListIsPassedOverAndDeleted) {
@@ -144,7 +232,7 @@ TEST_F(SessionListTest, ADamagedListIsPassedOverAndDeleted) {
     dieWith(copy, QString());
     ASSERT_EQ(SessionList::leftBehind().size(), 1U);
     const QString list = lists().value(0);
-    for (const QByteArray& text : {QByteArray("nonsense\n\n\n\n"), QByteArray("merix copies 1\nonly"), QByteArray()}) {
+    for (const QByteArray& text : {QByteArray("merix copies 1\nonly"), QByteArray("merix copies 1\n"), QByteArray()}) {
         writeTo(list, text);
         EXPECT_TRUE(SessionList::leftBehind().empty());
         EXPECT_TRUE(lists().isEmpty());
