@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ap/autosave.h"
 
+#include "merix/db/database_imp.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/variables.h"
+#include "merix/io/drawing_file.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 #include <unistd.h>
 
@@ -25,17 +29,6 @@ qint64 now() {
         return started;
     }();
     return clock.elapsed();
-}
-
-/// A name for a copy of `drawing`. One that another run left, or makes, is kept as long as it would be offered.
-QString freeName(const QString& stem, const QString& drawing) {
-    for (int n = 1; n < 1000; ++n) {
-        const QString number = n == 1 ? QString() : QStringLiteral(".%1").arg(n);
-        const QFileInfo known(stem + number + copySuffix());
-        if ((!known.exists() || !isNewer(known, drawing)) && !SessionList::isListed(known.filePath()))
-            return known.filePath();
-    }
-    return {};
 }
 
 } // namespace
@@ -80,7 +73,10 @@ void Autosave::forget(Document* document) {
     if (place == m_states.end())
         return;
     const QString path = place->second.path;
+    const bool stays = place->second.recovered && m_keepsRecovered;
     m_states.erase(place);
+    if (stays)
+        return;
     SessionList::instance().remove(path);
     if (!path.isEmpty())
         QFile::remove(path);
@@ -110,33 +106,63 @@ QStringList Autosave::saveNow() {
     return written;
 }
 
-QString Autosave::copyPath(const Document& document) const {
-    const QString& path = document.path();
-    if (!path.isEmpty() && QFileInfo(QFileInfo(path).absolutePath()).isWritable())
-        return freeName(path, path);
+/// One that another run left, or makes, is kept as long as it would be offered.
+QString Autosave::freeName(const QString& stem, const QString& drawing) const {
+    for (int n = 1; n < 1000; ++n) {
+        const QString number = n == 1 ? QString() : QStringLiteral(".%1").arg(n);
+        const QFileInfo known(stem + number + copySuffix());
+        if ((!known.exists() || !isNewer(known, drawing)) && !m_offered.contains(known.filePath()) &&
+            !SessionList::isListed(known.filePath()))
+            return known.filePath();
+    }
+    return {};
+}
+
+QString Autosave::nameInRecoveryFolder(const Document& document) const {
     const QString folder = recoveryFolder();
     if (folder.isEmpty())
         return {};
     // Two programs may each have a "Drawing1".
-    return freeName(QStringLiteral("%1/%2-%3").arg(folder, document.title()).arg(::getpid()), path);
+    return freeName(QStringLiteral("%1/%2-%3").arg(folder, document.title()).arg(::getpid()), document.path());
+}
+
+QString Autosave::copyPath(const Document& document) const {
+    const QString& path = document.path();
+    if (!path.isEmpty() && QFileInfo(QFileInfo(path).absolutePath()).isWritable())
+        return freeName(path, path);
+    return nameInRecoveryFolder(document);
+}
+
+Result Autosave::writeTo(Document& document, const QString& path, bool& isListed) {
+    const bool isNew = m_states[&document].path != path;
+    // A copy of another run that the drawing has overtaken must not be taken for the one that is listed.
+    if (isNew)
+        QFile::remove(path);
+    // The list comes first: it passes over a copy that is not there, but nobody looks for a copy that it lacks.
+    isListed = SessionList::instance().add(path, document.path(), document.title());
+    Result result = DocManager::instance().writeCopy(document, path);
+    if (!result.ok && isNew)
+        SessionList::instance().remove(path);
+    return result;
 }
 
 bool Autosave::copy(Document& document) {
     State& state = m_states[&document];
-    const QString path = state.path.isEmpty() ? copyPath(document) : state.path;
+    QString path = state.path.isEmpty() ? copyPath(document) : state.path;
     state.changedAt = -1;
     const quint64 changes = document.changes();
     if (path.isEmpty())
         return fail(state, document.title() + QStringLiteral(": no folder for a copy"));
-    // A copy of another run that the drawing has overtaken must not be taken for the one that is listed.
-    if (state.path.isEmpty())
-        QFile::remove(path);
-    // The list comes first: it passes over a copy that is not there, but nobody looks for a copy that it lacks.
-    const bool isListed = SessionList::instance().add(path, document.path(), document.title());
-    if (const Result result = DocManager::instance().writeCopy(document, path); !result.ok) {
-        if (state.path.isEmpty())
-            SessionList::instance().remove(path);
-        return fail(state, result.message);
+    bool isListed = false;
+    if (const Result result = writeTo(document, path, isListed); !result.ok) {
+        path = nameInRecoveryFolder(document);
+        if (path.isEmpty() || !writeTo(document, path, isListed).ok)
+            return fail(state, result.message);
+        // The copy before was good until there was this one.
+        if (!state.path.isEmpty()) {
+            QFile::remove(state.path);
+            SessionList::instance().remove(state.path);
+        }
     }
     state.copied = changes;
     state.path = path;
@@ -152,20 +178,63 @@ bool Autosave::fail(State& state, const QString& why) {
     return false;
 }
 
+std::vector<Recovery> Autosave::offer() {
+    std::vector<Recovery> found = SessionList::leftBehind();
+    for (const Recovery& recovery : found)
+        m_offered.insert(recovery.copy);
+    return found;
+}
+
+void Autosave::settle(const QString& copy) {
+    m_offered.erase(copy);
+    Q_EMIT settled(copy);
+}
+
+Result Autosave::checkFree(const Recovery& recovery) const {
+    if (!QFileInfo(recovery.copy).isFile())
+        return {false, recovery.copy + QStringLiteral(": this copy is not there any more")};
+    const bool isOwn = std::any_of(m_states.begin(), m_states.end(),
+                                   [&](const auto& state) { return state.second.path == recovery.copy; });
+    if (isOwn || SessionList::isHeld(recovery.copy))
+        return {false, recovery.copy + QStringLiteral(": this copy is of a drawing that is open, here or elsewhere")};
+    return {};
+}
+
+Result Autosave::check(const Recovery& recovery) const {
+    if (Result result = checkFree(recovery); !result.ok)
+        return result;
+    MxDbDatabase database;
+    const db::WorkingDatabaseScope scope(&database);
+    const io::FileResult read = io::readDrawing(recovery.copy.toStdString(), database);
+    return read ? Result() : Result{false, recovery.copy + QStringLiteral(": the copy cannot be read")};
+}
+
 Result Autosave::recover(const Recovery& recovery) {
+    if (Result result = checkFree(recovery); !result.ok)
+        return result;
+    const bool isOvertaken =
+        !isNewer(QFileInfo(recovery.copy), recovery.drawing) && !SessionList::isListed(recovery.copy);
+    const QString drawing = isOvertaken ? QString() : recovery.drawing;
     Document* document = nullptr;
-    const Result result = DocManager::instance().openCopy(recovery.copy, recovery.drawing, recovery.title, &document);
+    Result result = DocManager::instance().openCopy(recovery.copy, drawing, recovery.title, &document);
     if (!result.ok)
         return result;
     State& state = m_states[document];
     state.path = recovery.copy;
+    state.recovered = true;
     state.copied = document->changes();
-    SessionList::instance().add(recovery.copy, recovery.drawing, recovery.title);
+    SessionList::instance().add(recovery.copy, drawing, recovery.title);
+    settle(recovery.copy);
     return result;
 }
 
-void Autosave::discard(const Recovery& recovery) {
-    QFile::remove(recovery.copy);
+Result Autosave::discard(const Recovery& recovery) {
+    if (Result result = checkFree(recovery); !result.ok)
+        return result;
+    if (!QFile::remove(recovery.copy))
+        return {false, recovery.copy + QStringLiteral(": the copy cannot be deleted")};
+    settle(recovery.copy);
+    return {};
 }
 
 } // namespace merix::ap

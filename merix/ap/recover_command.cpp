@@ -28,6 +28,11 @@ void recoverOne(const Recovery& recovery) {
     tell(result.ok ? QStringLiteral("Recovered %1").arg(recovery.title) : result.message);
 }
 
+void discardOne(const Recovery& recovery) {
+    if (const Result result = Autosave::instance().discard(recovery); !result.ok)
+        tell(result.message);
+}
+
 /// All the copies, or the one whose number was given; none for anything else.
 std::vector<Recovery> chosen(const std::vector<Recovery>& all, const QString& answer) {
     if (answer.compare(QLatin1String("All"), Qt::CaseInsensitive) == 0)
@@ -41,7 +46,7 @@ std::vector<Recovery> chosen(const std::vector<Recovery>& all, const QString& an
 }
 
 void recover() {
-    const std::vector<Recovery> all = SessionList::leftBehind();
+    const std::vector<Recovery> all = Autosave::instance().offer();
     if (all.empty()) {
         tell(QStringLiteral("Nothing was left behind."));
         return;
@@ -58,7 +63,7 @@ void recover() {
         if (what == QLatin1String("Recover"))
             recoverOne(recovery);
         else
-            Autosave::instance().discard(recovery);
+            discardOne(recovery);
     }
 }
 

@@ -113,6 +113,8 @@ int runWindow(const Options& options) {
         QCoreApplication::quit();
     });
     QApplication::exec();
+    if (unattended)
+        ap::Autosave::instance().keepRecovered();
     closeAll();
     while (ui::MainWindow::all().size() > 1)
         delete ui::MainWindow::all().back(); // those that drawings were moved to

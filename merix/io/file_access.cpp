@@ -129,7 +129,7 @@ bool ReplacementFile::fail(int error) {
     return false;
 }
 
-bool ReplacementFile::create(const std::string& path) {
+bool ReplacementFile::create(const std::string& path, Readers readers) {
     m_path = finalPath(path);
     struct stat status {};
     const bool exists = ::stat(m_path.c_str(), &status) == 0;
@@ -142,6 +142,8 @@ bool ReplacementFile::create(const std::string& path) {
     if (m_file < 0)
         return fail(errno);
     m_temporary = std::move(name);
+    if (readers == Readers::kOwner)
+        return true; // as it was made
     mode_t mode = status.st_mode & 07777U;
     if (!exists) {
         const mode_t mask = ::umask(0);

@@ -27,8 +27,12 @@ public:
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
 
+    enum class Readers {
+        kAsBefore, ///< those of the file that is replaced; of a new one, whom the user's mask allows
+        kOwner,    ///< the user alone
+    };
     /// Makes an empty file beside `path`. After a failure, here and below, error() says why.
-    bool create(const std::string& path);
+    bool create(const std::string& path, Readers readers = Readers::kAsBefore);
     bool write(std::string_view bytes);
     /// Puts the file on disk and in place.
     bool commit();

@@ -385,7 +385,9 @@ void Writer::commit(RowWriter& rows, DrawingParts::Origin origin) {
 
 void Writer::writeWhole() {
     ReplacementFile target;
-    if (!target.create(m_path))
+    // A copy is the user's own affair, wherever it has to stand: it is never easier to read than its drawing.
+    const auto readers = m_snapshot ? ReplacementFile::Readers::kOwner : ReplacementFile::Readers::kAsBefore;
+    if (!target.create(m_path, readers))
         throw std::runtime_error(target.error());
     {
         SqliteFile file(target.temporaryPath(), SqliteFile::Mode::kReadWrite);

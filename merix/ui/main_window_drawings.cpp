@@ -293,7 +293,14 @@ void MainWindow::quit() {
 bool MainWindow::recover(const ap::Recovery& recovery) {
     for (ap::Document* document : ap::DocManager::instance().all()) {
         const bool isSame = !document->path().isEmpty() && QFileInfo(document->path()) == QFileInfo(recovery.drawing);
-        if (isSame && !closeDocument(*document))
+        if (!isSame)
+            continue;
+        // Nothing is given up for a copy that cannot be had.
+        if (const ap::Result result = ap::Autosave::instance().check(recovery); !result.ok) {
+            m_recovery->answered(recovery, result);
+            return false;
+        }
+        if (!closeDocument(*document))
             return false;
     }
     const ap::Result result = ap::Autosave::instance().recover(recovery);

@@ -12,6 +12,8 @@
 #include <QVBoxLayout>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace merix::ui {
 
 namespace {
@@ -33,13 +35,24 @@ RecoveryBar::RecoveryBar(QWidget* parent)
     m_rows->setContentsMargins(8, 4, 8, 4);
     m_rows->setSpacing(4);
     hide();
+    connect(&ap::Autosave::instance(), &ap::Autosave::settled, this, [this](const QString& copy) {
+        for (QFrame* row : rowsOf(copy))
+            drop(row);
+    });
+}
+
+QList<QFrame*> RecoveryBar::rowsOf(const QString& copy) const {
+    auto rows = findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly);
+    rows.erase(std::remove_if(rows.begin(), rows.end(), [&](QFrame* row) { return row->property(kCopy) != copy; }),
+               rows.end());
+    return rows;
 }
 
 void RecoveryBar::look() {
     const auto rows = findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly);
     for (QFrame* row : rows)
         drop(row);
-    for (const ap::Recovery& recovery : ap::SessionList::leftBehind())
+    for (const ap::Recovery& recovery : ap::Autosave::instance().offer())
         addRow(recovery);
     setVisible(m_rows->count() > 0);
 }
@@ -66,10 +79,8 @@ void RecoveryBar::addRow(const ap::Recovery& recovery) {
     m_rows->addWidget(row);
 
     connect(open, &QPushButton::clicked, this, [this, recovery] { Q_EMIT recoverWanted(recovery); });
-    connect(discard, &QPushButton::clicked, this, [this, recovery, row] {
-        ap::Autosave::instance().discard(recovery);
-        drop(row);
-    });
+    connect(discard, &QPushButton::clicked, this,
+            [this, recovery] { answered(recovery, ap::Autosave::instance().discard(recovery)); });
     connect(later, &QPushButton::clicked, this, [this, row] { drop(row); });
     QTimer::singleShot(0, text, [recovery, text] {
         QString what = ap::describe(recovery);
@@ -80,15 +91,10 @@ void RecoveryBar::addRow(const ap::Recovery& recovery) {
 }
 
 void RecoveryBar::answered(const ap::Recovery& recovery, const ap::Result& result) {
-    const auto rows = findChildren<QFrame*>(QStringLiteral("recoveryRow"), Qt::FindDirectChildrenOnly);
-    for (QFrame* row : rows) {
-        if (row->property(kCopy) != recovery.copy)
-            continue;
-        if (result.ok)
-            drop(row);
-        else
-            row->findChild<QLabel*>()->setText(result.message);
-    }
+    if (result.ok)
+        return; // every bar has been told
+    for (const QFrame* row : rowsOf(recovery.copy))
+        row->findChild<QLabel*>()->setText(result.message);
 }
 
 void RecoveryBar::drop(QWidget* row) {

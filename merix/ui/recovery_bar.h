@@ -18,13 +18,15 @@ public:
     explicit RecoveryBar(QWidget* parent = nullptr);
     /// Looks for copies. What each holds is found out as soon as the program is idle.
     void look();
-    /// What became of a recovery that was wanted: its row goes, or says why not.
+    /// What became of a recovery that was wanted: its row says why not. When it went well the row is gone, as it goes
+    /// from every bar whoever settled it.
     void answered(const ap::Recovery& recovery, const ap::Result& result);
 
 Q_SIGNALS:
     void recoverWanted(const merix::ap::Recovery& recovery);
 
 private:
+    QList<QFrame*> rowsOf(const QString& copy) const;
     void addRow(const ap::Recovery& recovery);
     void drop(QWidget* row);
 

@@ -210,7 +210,9 @@ TEST_F(AutosaveTest, ARecoveredDrawingIsTheChangedOneUnderItsOwnName) {
 }
 
 TEST_F(AutosaveTest, ADrawingThatIsOpenIsNotRecoveredOverItself) {
-    const ap::Result result = Autosave::instance().recover({path + QStringLiteral(".ms$"), path, {}, {}});
+    const QString copy = path + QStringLiteral(".ms$");
+    ASSERT_TRUE(DocManager::instance().writeCopy(*document, copy).ok);
+    const ap::Result result = Autosave::instance().recover({copy, path, {}, {}});
     EXPECT_FALSE(result.ok);
     EXPECT_NE(result.message.indexOf(QStringLiteral("close the drawing")), -1);
     EXPECT_EQ(DocManager::instance().all().size(), 1U);
@@ -368,4 +370,52 @@ TEST_F(AutosaveTest, TheVariableSetsTheIntervalAndNoughtMakesNoCopies) {
     loop.exec();
     EXPECT_FALSE(QFile::exists(path + QStringLiteral(".ms$")));
     EXPECT_EQ(mxedSetVar(L"SAVETIME", 5), Mx::eOk);
+}
+
+TEST_F(AutosaveTest, ACopyThatAnOpenDrawingHasIsNeitherRecoveredNorDiscarded) {
+    addLine(*document, 5);
+    const QString copy = Autosave::instance().saveNow().value(0);
+    const ap::Recovery recovery{copy, folder.filePath(QStringLiteral("other.dxf")), {}, {}};
+    for (const ap::Result& result : {Autosave::instance().check(recovery), Autosave::instance().recover(recovery),
+                                     Autosave::instance().discard(recovery)}) {
+        EXPECT_FALSE(result.ok);
+        EXPECT_NE(result.message.indexOf(QStringLiteral("of a drawing that is open")), -1);
+    }
+    EXPECT_TRUE(QFile::exists(copy));
+    EXPECT_EQ(DocManager::instance().all().size(), 1U);
+}
+
+TEST_F(AutosaveTest, ACopyThatIsGoneIsNeitherRecoveredNorDiscarded) {
+    const ap::Recovery recovery{path + QStringLiteral(".ms$"), {}, {}, {}};
+    for (const ap::Result& result : {Autosave::instance().check(recovery), Autosave::instance().recover(recovery),
+                                     Autosave::instance().discard(recovery)}) {
+        EXPECT_FALSE(result.ok);
+        EXPECT_NE(result.message.indexOf(QStringLiteral("not there any more")), -1);
+    }
+}
+
+TEST_F(AutosaveTest, ACopyThatCannotBeWrittenWhereItWasGoesToTheUsersDataFolder) {
+    const QString gone = folder.filePath(QStringLiteral("gone"));
+    ASSERT_TRUE(QDir().mkpath(gone));
+    ASSERT_TRUE(DocManager::instance().saveAs(*document, gone + QStringLiteral("/plan.dxf")).ok);
+    addLine(*document, 5);
+    const QString first = Autosave::instance().saveNow().value(0);
+    ASSERT_TRUE(first.startsWith(gone));
+    ASSERT_TRUE(QDir(gone).removeRecursively());
+    const Told told;
+    addLine(*document, 6);
+    const QString second = Autosave::instance().saveNow().value(0);
+    EXPECT_TRUE(second.startsWith(folder.filePath(QStringLiteral("data")))) << second.toStdString();
+    EXPECT_TRUE(QFile::exists(second));
+    EXPECT_TRUE(told.lines.isEmpty());
+    EXPECT_TRUE(ap::SessionList::isHeld(second));
+    EXPECT_FALSE(ap::SessionList::isHeld(first));
+    DocManager::instance().close(*document);
+    EXPECT_FALSE(QFile::exists(second));
+}
+
+TEST_F(AutosaveTest, NobodyButTheUserReadsACopy) {
+    addLine(*document, 5);
+    const QString copy = Autosave::instance().saveNow().value(0);
+    EXPECT_EQ(QFile::permissions(copy) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
 }

@@ -133,6 +133,58 @@ TEST_F(RecoverCommandTest, ACopyOfAnOpenDrawingWaitsUntilThatIsClosed) {
     EXPECT_EQ(entitiesOf(*manager().current()).size(), 2U);
 }
 
+TEST_F(RecoverCommandTest, WhatWasOfferedIsKeptThoughTheDrawingIsSavedMeanwhile) {
+    const QString plan = drawing("plan.dxf"), copy = plan + QStringLiteral(".ms$");
+    dieAtWorkOn(plan);
+    const QByteArray left = bytesOf(copy);
+    const std::vector<ap::Recovery> offered = ap::Autosave::instance().offer();
+    ASSERT_EQ(offered.size(), 1U);
+    Document* document = nullptr;
+    ASSERT_TRUE(manager().open(plan, &document).ok);
+    addLine(*document);
+    ASSERT_TRUE(manager().save(*document).ok);
+    QFile old(copy);
+    ASSERT_TRUE(old.open(QFile::ReadWrite));
+    ASSERT_TRUE(old.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFile::FileModificationTime));
+    old.close();
+    addLine(*document);
+    ap::Autosave::instance().setInterval(0);
+    EXPECT_EQ(ap::Autosave::instance().saveNow(), QStringList{plan + QStringLiteral(".2.ms$")});
+    EXPECT_EQ(bytesOf(copy), left);
+    // The saved drawing is not given the older content under its own name.
+    QStringList settled;
+    QObject context;
+    QObject::connect(&ap::Autosave::instance(), &ap::Autosave::settled, &context,
+                     [&](const QString& which) { settled << which; });
+    ASSERT_TRUE(ap::Autosave::instance().recover(offered[0]).ok);
+    EXPECT_EQ(settled, QStringList{copy});
+    EXPECT_EQ(manager().current()->path(), QString());
+    EXPECT_EQ(manager().current()->title(), QStringLiteral("plan.dxf"));
+    EXPECT_TRUE(manager().current()->isChanged());
+    EXPECT_EQ(manager().all().size(), 2U);
+    manager().close(*manager().current());
+    EXPECT_FALSE(QFile::exists(copy)) << "the user gave it up";
+}
+
+TEST_F(RecoverCommandTest, WhereNobodySitsARecoveredDrawingThatWasNotSavedIsLeftForTheNextRun) {
+    const QString plan = drawing("plan.dxf"), site = drawing("site.dxf");
+    dieAtWorkOn(plan);
+    dieAtWorkOn(site);
+    const pid_t child = fork();
+    if (child == 0) {
+        recover({QStringLiteral("Recover"), QStringLiteral("All")});
+        ap::Autosave::instance().keepRecovered();
+        manager().save(*manager().current());
+        manager().closeAll();
+        _exit(0);
+    }
+    waitpid(child, nullptr, 0);
+    const std::vector<ap::Recovery> left = ap::SessionList::leftBehind();
+    ASSERT_EQ(left.size(), 1U);
+    EXPECT_EQ(left[0].drawing, plan);
+    EXPECT_FALSE(QFile::exists(site + QStringLiteral(".ms$"))) << "it was saved";
+}
+
 TEST_F(RecoverCommandTest, WhatCannotBeReadIsSaidSoAndKept) {
     const QString plan = drawing("plan.dxf"), site = drawing("site.dxf");
     dieAtWorkOn(plan);

@@ -138,6 +138,47 @@ TEST_F(RecoveryBarTest, ADrawingThatWasChangedMeanwhileIsGivenUpOnlyAfterAQuesti
     EXPECT_TRUE(QFile::exists(copy));
 }
 
+TEST_F(RecoveryBarTest, ADrawingThatIsOpenIsNotClosedForACopyThatCannotBeRead) {
+    ASSERT_TRUE(window.openFile(drawing));
+    const std::vector<ap::Document*> open = ap::DocManager::instance().all();
+    QFile broken(copy);
+    ASSERT_TRUE(broken.open(QFile::WriteOnly | QFile::Truncate));
+    broken.write("no drawing");
+    broken.close();
+    look();
+    button(QStringLiteral("Recover"))->click();
+    settle();
+    EXPECT_EQ(ap::DocManager::instance().all(), open);
+    EXPECT_TRUE(text().contains(QStringLiteral("the copy cannot be read"))) << qPrintable(text());
+}
+
+TEST_F(RecoveryBarTest, TheSavedDrawingIsNotOverwrittenByTheOlderCopy) {
+    ASSERT_TRUE(window.openFile(drawing));
+    document = ap::DocManager::instance().current();
+    addLine({1, 0, 0}, {2, 0, 0});
+    look();
+    window.setUnattended(false);
+    QTimer::singleShot(0, &window, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            box->button(QMessageBox::Save)->click();
+    });
+    button(QStringLiteral("Recover"))->click();
+    settle();
+    ASSERT_EQ(ap::DocManager::instance().all().size(), 1u);
+    EXPECT_EQ(ap::DocManager::instance().current()->path(), QString());
+    EXPECT_TRUE(bar()->isHidden());
+}
+
+TEST_F(RecoveryBarTest, EveryBarDropsWhatOneHasSettled) {
+    ui::RecoveryBar second;
+    look();
+    second.look();
+    EXPECT_EQ(second.findChildren<QLabel*>().size(), 1);
+    button(QStringLiteral("Discard"))->click();
+    EXPECT_TRUE(second.findChildren<QLabel*>().isEmpty());
+    EXPECT_TRUE(bar()->isHidden());
+}
+
 TEST_F(RecoveryBarTest, RecoverWaitsForTheCommandUnderWay) {
     look();
     document = ap::DocManager::instance().create();
