@@ -24,6 +24,8 @@
 #include <csignal>
 
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace merix;
 using ap::Autosave;
@@ -418,4 +420,35 @@ TEST_F(AutosaveTest, NobodyButTheUserReadsACopy) {
     addLine(*document, 5);
     const QString copy = Autosave::instance().saveNow().value(0);
     EXPECT_EQ(QFile::permissions(copy) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+}
+
+TEST_F(AutosaveTest, TheCopyOfAnotherProgramAtWorkIsLeftThoughTheDrawingHasOvertakenIt) {
+    const QString theirs = path + QStringLiteral(".ms$");
+    int ready[2], done[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(done), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        addLine(*document, 5);
+        const bool isMade = Autosave::instance().saveNow() == QStringList{theirs};
+        char byte = isMade ? 'y' : 'n';
+        _exit(::write(ready[1], &byte, 1) == 1 && ::read(done[0], &byte, 1) == 1 ? 0 : 1);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(byte, 'y');
+    const QByteArray before = bytes(theirs);
+    addLine(*document, 6);
+    EXPECT_TRUE(DocManager::instance().save(*document).ok);
+    QFile old(theirs);
+    ASSERT_TRUE(old.open(QFile::ReadWrite));
+    EXPECT_TRUE(old.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFile::FileModificationTime));
+    old.close();
+    addLine(*document, 7);
+    EXPECT_EQ(Autosave::instance().saveNow(), QStringList{path + QStringLiteral(".2.ms$")});
+    EXPECT_EQ(bytes(theirs), before);
+    EXPECT_EQ(::write(done[1], &byte, 1), 1);
+    EXPECT_EQ(::waitpid(child, nullptr, 0), child);
+    for (const int end : {ready[0], ready[1], done[0], done[1]})
+        ::close(end);
 }
