@@ -17,6 +17,8 @@
 #include "phonomark/tagwindow/pm_reactor.h"
 #include "phonomark/tagwindow/show_tag_window.h"
 
+#include <utility>
+
 namespace {
 
 constexpr wchar_t kShowFunction[] = L"PhonomarkShow";
@@ -56,19 +58,22 @@ int CPhonomarkApp::On_kInitAppMsg(void* appId) {
     registerCommands();
     createMxPhManager();
     g_bPhonomarkShow = GetProfileIntW(RegSection(), L"VoiceShow", 1) != 0;
+    m_showWasRead = true;
     return result;
 }
 
 int CPhonomarkApp::On_kUnloadAppMsg(void* appId) {
     // The command group stays registered: the host's command stack keeps the three entries.
     const int result = MxRxMrxApp::On_kUnloadAppMsg(appId);
+    stopRecordingInTagWindow(); // its texts are still there, and its note is still one
     if (_hdllInstance) {
         FreeLibrary(_hdllInstance);
         _hdllInstance = nullptr;
     }
     deleteMxPhManager();
     removeTagWindow(); // its code goes with the module
-    WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
+    if (std::exchange(m_showWasRead, false))
+        WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
     delete g_editorrect;
     g_editorrect = nullptr;
     unregisterClasses();

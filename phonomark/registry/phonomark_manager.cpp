@@ -4,6 +4,7 @@
 #include "host/db/layout.h"
 #include "host/ed/input.h"
 #include "phonomark/dbutil/documents.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/object_watch.h"
@@ -36,14 +37,10 @@ std::vector<MxDbObjectId> layoutBlocks(const MxDbDatabase& database) {
     MxDbDictionary* layouts = nullptr;
     if (mxdbOpenLayoutDictionary(layouts, database, Mx::kForRead) != Mx::eOk)
         return blocks;
-    for (const auto& [name, id] : layouts->entries()) {
-        MxDbLayout* layout = nullptr;
-        if (mxdbOpenObject(layout, id, Mx::kForRead) != Mx::eOk)
-            continue;
-        blocks.push_back(layout->block);
-        layout->close();
-    }
-    layouts->close();
+    const Opened<MxDbDictionary> closed(layouts);
+    for (const auto& [name, id] : layouts->entries())
+        if (const Opened<MxDbLayout> layout(id, Mx::kForRead); layout)
+            blocks.push_back(layout->block);
     return blocks;
 }
 
@@ -53,6 +50,8 @@ template <class Step> void guarded(const Step& step) {
         step();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "phonomark: the notes of a drawing were not put away: %s\n", error.what());
+    } catch (...) {
+        std::fputs("phonomark: the notes of a drawing were not put away\n", stderr);
     }
 }
 
@@ -92,7 +91,7 @@ PhonomarkManager::~PhonomarkManager() {
             guarded([&] { RemovePhonomark(document); });
         }
     });
-    AbortPlayingAndDestroyWnd();
+    guarded([] { AbortPlayingAndDestroyWnd(); });
     m_documents.clear();
 }
 
@@ -107,17 +106,10 @@ bool PhonomarkManager::AppendPhonomark(MxDbObjectId id, MxApDocument* document) 
 void PhonomarkManager::AppendPhonomark(MxApDocument* document) {
     const MxDbDatabase* database = document ? document->database() : nullptr;
     for (const MxDbObjectId& block : database ? layoutBlocks(*database) : std::vector<MxDbObjectId>()) {
-        MxDbBlockTableRecord* record = nullptr;
-        if (mxdbOpenObject(record, block, Mx::kForRead) != Mx::eOk)
-            continue;
-        for (const MxDbObjectId& id : record->entityIds()) {
-            MxDbPhonomark* note = nullptr;
-            if (mxdbOpenObject(note, id, Mx::kForRead) != Mx::eOk)
-                continue; // erased, or no note
-            AppendPhonomark(id, document);
-            note->close();
-        }
-        record->close();
+        const Opened<MxDbBlockTableRecord> record(block, Mx::kForRead);
+        for (const MxDbObjectId& id : record ? record->entityIds() : std::vector<MxDbObjectId>())
+            if (const Opened<MxDbPhonomark> note(id, Mx::kForRead); note) // not erased, and a note
+                AppendPhonomark(id, document);
     }
 }
 
@@ -147,9 +139,10 @@ void PhonomarkManager::GetAllObjects(std::vector<MxDbObjectId>& out, MxApDocumen
 }
 
 void PhonomarkManager::ShowAllObjects(bool show, MxApDocument* document) {
-    if (const CDocData* data = dataOf(document))
-        for (const MxDbObjectId& id : data->ids())
-            mxedRedraw(id, show ? kRedrawDraw : kRedrawUndraw);
+    std::vector<MxDbObjectId> ids; // a copy: the list may change while the host draws
+    GetAllObjects(ids, document);
+    for (const MxDbObjectId& id : ids)
+        mxedRedraw(id, show ? kRedrawDraw : kRedrawUndraw);
 }
 
 void PhonomarkManager::UpdateAll(MxApDocument* document) {
@@ -163,37 +156,33 @@ void PhonomarkManager::UpdateAll(MxApDocument* document) {
         const DocumentLock lock(document, L"PhonomarkUpdateAll", kUpdateAllText);
         if (!lock.isHeld())
             return;
-        MxDbPhonomark* note = nullptr;
-        if (mxdbOpenObject(note, id, Mx::kForRead) != Mx::eOk)
+        Opened<MxDbPhonomark> note(id, Mx::kForRead);
+        if (!note || note->ownerId() != currentSpace)
             continue;
-        if (note->ownerId() == currentSpace) {
-            const Mx::ErrorStatus status = note->upgradeOpen();
-            if (status == Mx::eOk)
-                note->recordGraphicsModified(true);
-            else if (status == Mx::eOnLockedLayer)
-                onLockedLayers.push_back(id);
-        }
-        note->close();
+        const Mx::ErrorStatus status = note->upgradeOpen();
+        if (status == Mx::eOk)
+            note->recordGraphicsModified(true);
+        else if (status == Mx::eOnLockedLayer)
+            onLockedLayers.push_back(id);
+        note.close();
     }
     for (const MxDbObjectId& id : onLockedLayers)
         mxdbEntUpd(id);
 }
 
 bool PhonomarkManager::ErasePhonomark(MxDbObjectId id, MxApDocument* document) {
+    // A refused lock has been told to the user; the note is erased in the unit of whoever holds the drawing.
     const DocumentLock lock(document ? document : currentDocument(), L"PhonomarkErase", kEraseText);
-    if (!lock.isHeld())
-        return true;
-    MxDbPhonomark* note = nullptr;
-    const Mx::ErrorStatus status = mxdbOpenObject(note, id, Mx::kForWrite);
-    if (status == Mx::eOk) {
+    Opened<MxDbPhonomark> note(id, Mx::kForWrite);
+    if (note) {
         if (note->getPhonomarkType() == kObjectNote && note->attachObj().isValid())
-            delNotifier(note, note->attachObj());
+            delNotifier(note.get(), note->attachObj());
         note->doUnhighlight();
         note->setErasing(true);
         note->erase(true);
-        note->close();
+        note.close();
         mxedSSClearFirst();
-    } else if (status == Mx::eOnLockedLayer) {
+    } else if (note.status() == Mx::eOnLockedLayer) {
         mxutPrintText(resourceText(kLockedLayerText).c_str());
     }
     return true;

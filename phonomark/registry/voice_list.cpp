@@ -3,6 +3,7 @@
 #include "phonomark/registry/phonomark_manager.h"
 
 #include "host/db/dictionary.h"
+#include "phonomark/dbutil/opened.h"
 
 #include <array>
 
@@ -28,58 +29,58 @@ resbuf* handleElement(MxDbObjectId id) {
     return mxutBuildList(kHandleCode, text.data());
 }
 
-/// The notes' dictionary open for write, made when the drawing has none; null when that fails.
-MxDbDictionary* notesDictionaryForWrite(MxDbDatabase* database) {
+Opened<MxDbDictionary> namedObjects(MxDbDatabase& database, Mx::OpenMode mode) {
     MxDbDictionary* named = nullptr;
-    if (database->getNamedObjectsDictionary(named, Mx::kForWrite) != Mx::eOk)
-        return nullptr;
-    MxDbDictionary* notes = nullptr;
+    database.getNamedObjectsDictionary(named, mode);
+    return Opened<MxDbDictionary>(named);
+}
+
+/// The entry open for write, made when there is none; empty when it cannot be had.
+template <class T>
+Opened<T> entryForWrite(MxDbDictionary& dictionary, const wchar_t* key, Mx::ErrorStatus found, MxDbObjectId id) {
+    if (found == Mx::eOk)
+        return Opened<T>(id, Mx::kForWrite);
+    auto made = std::make_unique<T>();
+    return Opened<T>(dictionary.setAt(key, made.get(), id) == Mx::eOk ? made.release() : nullptr);
+}
+
+/// The notes' dictionary open for write, made when the drawing has none; empty when that fails.
+Opened<MxDbDictionary> notesForWrite(MxDbDatabase& database) {
+    Opened<MxDbDictionary> named = namedObjects(database, Mx::kForWrite);
     MxDbObjectId id;
-    const Mx::ErrorStatus found = named->getAt(kDictionaryKey, id);
-    if (found == Mx::eOk) {
-        mxdbOpenObject(notes, id, Mx::kForWrite);
-    } else if (found == Mx::eKeyNotFound) {
-        auto made = std::make_unique<MxDbDictionary>();
-        if (named->setAt(kDictionaryKey, made.get(), id) == Mx::eOk)
-            notes = made.release();
-    }
-    if (named->close() != Mx::eOk && notes) {
-        notes->close();
-        return nullptr;
-    }
+    const Mx::ErrorStatus found = named ? named->getAt(kDictionaryKey, id) : Mx::eNotOpen;
+    if (found != Mx::eOk && found != Mx::eKeyNotFound)
+        return {};
+    Opened<MxDbDictionary> notes = entryForWrite<MxDbDictionary>(*named, kDictionaryKey, found, id);
+    if (named.close() != Mx::eOk)
+        return {};
     return notes;
 }
 
-/// The list open for write, made when there is none; null when it cannot be had.
-MxDbXrecord* listForWrite(MxDbDictionary& notes) {
+Opened<MxDbXrecord> listForWrite(MxDbDictionary& notes) {
     MxDbObjectId id;
-    MxDbXrecord* list = nullptr;
-    if (notes.getAt(kListKey, id) == Mx::eOk) {
-        mxdbOpenObject(list, id, Mx::kForWrite);
-        return list;
-    }
-    auto made = std::make_unique<MxDbXrecord>();
-    return notes.setAt(kListKey, made.get(), id) == Mx::eOk ? made.release() : nullptr;
+    const Mx::ErrorStatus found = notes.getAt(kListKey, id);
+    return entryForWrite<MxDbXrecord>(notes, kListKey, found, id);
+}
+
+/// The notes' dictionary open for read; empty when the drawing has none that can be read.
+Opened<MxDbDictionary> notesForRead(MxDbDatabase& database) {
+    const Opened<MxDbDictionary> named = namedObjects(database, Mx::kForRead);
+    MxDbObjectId id;
+    if (!named || named->getAt(kDictionaryKey, id) != Mx::eOk)
+        return {};
+    return Opened<MxDbDictionary>(id, Mx::kForRead);
 }
 
 /// Reads the list's chain; false when the drawing has no notes' dictionary.
-bool readChain(MxDbDatabase* database, Chain& chain) {
-    MxDbDictionary* named = nullptr;
-    if (database->getNamedObjectsDictionary(named, Mx::kForRead) != Mx::eOk)
-        return false;
-    MxDbObjectId id;
-    MxDbDictionary* notes = nullptr;
-    if (named->getAt(kDictionaryKey, id) == Mx::eOk)
-        mxdbOpenObject(notes, id, Mx::kForRead);
-    named->close();
+bool readChain(MxDbDatabase& database, Chain& chain) {
+    const Opened<MxDbDictionary> notes = notesForRead(database);
     if (!notes)
         return false;
-    MxDbXrecord* list = nullptr;
-    if (notes->getAt(kListKey, id) == Mx::eOk && mxdbOpenObject(list, id, Mx::kForRead) == Mx::eOk) {
-        list->rbChain(&chain.first);
-        list->close();
-    }
-    notes->close();
+    MxDbObjectId id;
+    if (notes->getAt(kListKey, id) == Mx::eOk)
+        if (const Opened<MxDbXrecord> list(id, Mx::kForRead); list)
+            list->rbChain(&chain.first);
     return true;
 }
 
@@ -96,7 +97,8 @@ MxDbHandle handleOf(const MxDbValue& value) {
 
 void PhonomarkManager::CrtRbChain(resbuf*& chain, const MxDbDatabase* database, long& count) {
     const MxApDocManager* manager = mxDocManagerPtr();
-    const auto entry = manager ? m_documents.find(manager->document(database)) : m_documents.end();
+    MxApDocument* const document = manager ? manager->document(database) : nullptr;
+    const auto entry = document ? m_documents.find(document) : m_documents.end();
     if (entry == m_documents.end() || !entry->second)
         return;
     const std::vector<MxDbObjectId> ids = entry->second->ids();
@@ -116,21 +118,21 @@ bool PhonomarkManager::SaveVoiceHandle(MxDbDatabase* database) {
     CrtRbChain(chain.first, database, count);
     if (count == 0 || !chain.first)
         return false;
-    MxDbDictionary* notes = notesDictionaryForWrite(database);
+    Opened<MxDbDictionary> notes = notesForWrite(*database);
     if (!notes)
         return false;
-    if (MxDbXrecord* list = listForWrite(*notes)) {
+    if (Opened<MxDbXrecord> list = listForWrite(*notes)) {
         list->setFromRbChain(*chain.first);
-        list->close();
+        list.close();
     }
-    notes->close();
+    notes.close();
     return true;
 }
 
 bool PhonomarkManager::ReadVoiceHandle(MxApDocument* document) {
     MxDbDatabase* database = document ? document->database() : nullptr;
     Chain chain;
-    if (!database || !readChain(database, chain))
+    if (!database || !readChain(*database, chain))
         return false;
     std::vector<MxDbObjectId> ids;
     for (const resbuf* element = chain.first; element; element = element->rbnext) {

@@ -62,3 +62,8 @@ void removeTagWindow() {
     g_taguidlg = nullptr;
     delete window;
 }
+
+void stopRecordingInTagWindow() {
+    if (g_taguidlg && g_taguidlg->recordTimer() != -1)
+        g_taguidlg->OnLButtonUp();
+}

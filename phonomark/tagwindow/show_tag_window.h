@@ -25,3 +25,6 @@ void AbortPlayingAndDestroyWnd();
 
 /// Deletes the window, whatever it does.
 void removeTagWindow();
+
+/// Ends a recording under way as the release of the button does: the note keeps what was said.
+void stopRecordingInTagWindow();

@@ -78,6 +78,9 @@ TEST_P(EntryPointTest, IsAnsweredWithSuccessByAModuleAtWork) {
 }
 
 TEST_P(EntryPointTest, IsAnsweredWithSuccessAsTheFirst) {
+    QSettings settings(QStringLiteral("VORKAS/MERIX/2026"), QStringLiteral("MERIX"));
+    settings.setValue(QStringLiteral("VoiceShow"), 0);
+    settings.sync();
     void* const library = dlopen(kModulePath, RTLD_NOW | RTLD_LOCAL);
     ASSERT_TRUE(library) << dlerror();
     const auto entryPoint = reinterpret_cast<MxRxEntryPoint>(dlsym(library, "mxrxEntryPoint"));
@@ -90,6 +93,8 @@ TEST_P(EntryPointTest, IsAnsweredWithSuccessAsTheFirst) {
     EXPECT_EQ(classesRegistered(), GetParam() == kInitAppMsg ? int(kModuleClasses.size()) : 0);
     EXPECT_EQ(entryPoint(kUnloadAppMsg, &id), 0);
     EXPECT_FALSE(hasResources());
+    settings.sync();
+    EXPECT_EQ(settings.value(QStringLiteral("VoiceShow")).toInt(), 0) << "what was not read is not written";
     EXPECT_EQ(dlclose(library), 0);
     EXPECT_FALSE(isMapped());
 }

@@ -7,8 +7,12 @@
 
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <cstdio>
+
 #include <dlfcn.h>
 #include <malloc.h>
+#include <unistd.h>
 
 using merix::ap::DocManager;
 using merix::rx::Module;
@@ -119,6 +123,30 @@ TEST_F(ModuleLoadTest, LoadingRegistersTheClassesAndTheCommands) {
                                  QStringLiteral("PhonomarkCM_.VOICESHOW")}));
     EXPECT_TRUE(module.unloadable);
     EXPECT_TRUE(module.servesSeveralDocuments);
+}
+
+TEST_F(ModuleLoadTest, TheClassesComeInTheirOrder) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    static constexpr int kTaken = 77;
+    std::string before = "came:";
+    for (const wchar_t* taken : kModuleClasses) {
+        // The host is stopped at the name that is taken; by then the classes before it have come and no other.
+        EXPECT_EXIT(
+            {
+                newMxRxClass(taken, L"MxRxObject", kTaken, nullptr);
+                std::signal(SIGABRT, [](int) {
+                    std::fputs("came:", stderr);
+                    for (const wchar_t* name : kModuleClasses)
+                        if (const MxRxClass* known = mxrxFindMxRxClass(name); known && known->dwgVersion() != kTaken)
+                            std::fprintf(stderr, " %ls", name);
+                    std::fputs(".\n", stderr);
+                    _exit(0);
+                });
+                load();
+            },
+            ::testing::ExitedWithCode(0), ::testing::EndsWith(before + ".\n"));
+        before += ' ' + QString::fromWCharArray(taken).toStdString();
+    }
 }
 
 TEST_F(ModuleLoadTest, TheClassesGoInTheReverseOrderOfTheirComing) {

@@ -76,7 +76,63 @@ protected:
     class Failing : public MxDbObjectReactor {
     public:
         void modified(const MxDbObject*) override { throw std::bad_alloc(); }
+        void erased(const MxDbObject*, bool) override { throw std::bad_alloc(); }
     };
+
+    /// Fails with something that is no std::exception.
+    class FailingOtherwise : public MxDbObjectReactor {
+    public:
+        void modified(const MxDbObject*) override { throw 0; }
+    };
+
+    /// A view of a host that lets the drawing's notes go while they are being drawn.
+    class Forgetful : public TransformView {
+    public:
+        explicit Forgetful(MxApDocument& document)
+            : TransformView(1.0)
+            , m_document(document) {}
+        void drawEntity(MxDbObjectId id, bool draw) override {
+            TransformView::drawEntity(id, draw);
+            livePhManager()->RemovePhonomark(&m_document);
+        }
+
+    private:
+        MxApDocument& m_document;
+    };
+
+    /// At the first object that gets new graphics the drawing changes hands: once the present lock is given back,
+    /// another one holds it.
+    class TakenOver : public merix::db::DatabaseListener {
+    public:
+        explicit TakenOver(merix::ap::Document& document)
+            : m_document(document) {
+            m_document.database()->imp().addListener(this);
+        }
+        ~TakenOver() override { m_document.database()->imp().removeListener(this); }
+        void objectGraphicsModified(MxDbObject&) override {
+            if (std::exchange(m_taken, true))
+                return;
+            DocManager& manager = DocManager::instance();
+            manager.unlockDocument(&m_document);
+            for (int depth = 0; depth < 2; ++depth)
+                EXPECT_EQ(manager.lockDocument(&m_document, MxApLockMode::kWrite, L"Other", L"", false), Mx::eOk);
+        }
+
+    private:
+        merix::ap::Document& m_document;
+        bool m_taken = false;
+    };
+
+    /// Puts a note on a layer of its own.
+    void moveToAnotherLayer(MxDbObjectId id) {
+        auto layer = std::make_unique<merix::db::LayerRecord>();
+        layer->name = L"Free";
+        const MxDbObjectId other(database().imp().adopt(layer.release(), {}, database().imp().roots.layerTable));
+        MxDbEntity* open = nullptr;
+        ASSERT_EQ(mxdbOpenObject(open, id, Mx::kForWrite), Mx::eOk);
+        ASSERT_EQ(merix::db::setLayer(*open, other), Mx::eOk);
+        open->close();
+    }
 };
 
 } // namespace
@@ -245,12 +301,49 @@ TEST_F(RegistryTest, ErasingLetsTheSelectionGo) {
     EXPECT_THAT(merix::ed::Selection::instance().ids(), IsEmpty());
 }
 
-TEST_F(RegistryTest, NothingIsErasedInADrawingThatAnotherHolds) {
+TEST_F(RegistryTest, ANoteIsErasedInADrawingThatAnotherHoldsToo) {
     const MxDbObjectId id = addNote();
-    const DocumentLock held(&document(), L"Other", 298);
-    EXPECT_TRUE(registry().ErasePhonomark(id, nullptr));
-    EXPECT_THAT(printed(), HasSubstr("PhonomarkErase: the drawing is held by Other"));
+    {
+        const DocumentLock held(&document(), L"Other", 298);
+        EXPECT_TRUE(registry().ErasePhonomark(id, nullptr));
+        EXPECT_THAT(printed(), HasSubstr("PhonomarkErase: the drawing is held by Other"));
+        EXPECT_TRUE(note(id).isErased());
+        EXPECT_THAT(listed(), IsEmpty());
+        EXPECT_FALSE(DocumentLock(&document(), L"Third", 298).isHeld()) << "the other's lock is left alone";
+    }
+    ASSERT_TRUE(DocManager::instance().undo(document()));
     EXPECT_THAT(listed(), ElementsAre(id));
+}
+
+TEST_F(RegistryTest, TheObjectOfAnErasedNoteIsNoLongerHighlighted) {
+    class Shown : public merix::db::DatabaseListener {
+    public:
+        void entityHighlighted(MxDbObject& entity, bool highlighted) override {
+            heard.emplace_back(entity.objectId(), highlighted);
+        }
+        std::vector<std::pair<MxDbObjectId, bool>> heard;
+    } shown;
+    const MxDbObjectId line = addLine(), id = addNote(kObjectNote);
+    note(id).setAttachObj(line);
+    database().imp().addListener(&shown);
+    registry().ErasePhonomark(id, nullptr);
+    database().imp().removeListener(&shown);
+    EXPECT_TRUE(note(id).isErased());
+    EXPECT_THAT(shown.heard, ElementsAre(std::pair(line, false)));
+}
+
+TEST_F(RegistryTest, AnErasureThatFailsHalfwayLeavesTheNoteClosed) {
+    const MxDbObjectId id = addNote();
+    Failing failing;
+    MxDbPhonomark* again = nullptr;
+    ASSERT_EQ(mxdbOpenObject(again, id, Mx::kForRead), Mx::eOk);
+    again->addReactor(&failing);
+    again->close();
+    EXPECT_THROW(registry().ErasePhonomark(id, nullptr), std::bad_alloc);
+    ASSERT_EQ(mxdbOpenObject(again, id, Mx::kForWrite, true), Mx::eOk);
+    again->removeReactor(&failing);
+    again->close();
+    EXPECT_TRUE(DocumentLock(&document(), L"Other", 298).isHeld());
 }
 
 TEST_F(RegistryTest, ANoteOnALockedLayerIsNotErasedAndTheUserIsTold) {
@@ -273,13 +366,7 @@ TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewToo) {
 TEST_F(RegistryTest, NotesOnLockedLayersAreDrawnAnewAfterAllOthers) {
     const MxDbObjectId locked = addNote();
     const MxDbObjectId free = addNote();
-    auto layer = std::make_unique<merix::db::LayerRecord>();
-    layer->name = L"Free";
-    const MxDbObjectId other(database().imp().adopt(layer.release(), {}, database().imp().roots.layerTable));
-    MxDbEntity* open = nullptr;
-    ASSERT_EQ(mxdbOpenObject(open, free, Mx::kForWrite), Mx::eOk);
-    ASSERT_EQ(merix::db::setLayer(*open, other), Mx::eOk);
-    open->close();
+    moveToAnotherLayer(free);
     lockLayerOf(locked);
     const Redrawn watch(database().imp());
     registry().UpdateAll(&document());
@@ -335,6 +422,15 @@ TEST_F(RegistryTest, AllNotesAreDrawnOrUndrawnOnTheScreen) {
     registry().ShowAllObjects(true, &document());
     using Drawn = std::pair<MxDbObjectId, bool>;
     EXPECT_THAT(view.drawn, ElementsAre(Drawn(a, false), Drawn(b, false), Drawn(a, true), Drawn(b, true)));
+}
+
+TEST_F(RegistryTest, NotesThatAreLetGoWhileAllAreDrawnAreDrawnAllTheSame) {
+    const MxDbObjectId a = addNote(), b = addNote(), c = addNote();
+    Forgetful view(document());
+    registry().ShowAllObjects(true, &document());
+    using Drawn = std::pair<MxDbObjectId, bool>;
+    EXPECT_THAT(view.drawn, ElementsAre(Drawn(a, true), Drawn(b, true), Drawn(c, true)));
+    EXPECT_THAT(listed(), IsEmpty());
 }
 
 TEST_F(RegistryTest, TheRegistryCanBeMadeAgainAfterItsEnd) {
@@ -395,6 +491,20 @@ TEST_F(RegistryTest, DrawingAnewStopsAtARefusedLock) {
     EXPECT_THAT(printed(), HasSubstr("is held by Other"));
 }
 
+TEST_F(RegistryTest, LockedLayersAreNotLookedAfterWhenTheLockIsRefusedAtALaterNote) {
+    const MxDbObjectId locked = addNote(), free = addNote();
+    moveToAnotherLayer(free);
+    lockLayerOf(locked);
+    addNote();
+    const auto beforeLocked = graphicsVersion(locked), beforeFree = graphicsVersion(free);
+    const TakenOver other(document());
+    registry().UpdateAll(&document());
+    EXPECT_GT(graphicsVersion(free), beforeFree);
+    EXPECT_EQ(graphicsVersion(locked), beforeLocked);
+    EXPECT_THAT(printed(), HasSubstr("PhonomarkUpdateAll: the drawing is held by Other"));
+    EXPECT_EQ(DocManager::instance().unlockDocument(&document()), Mx::eOk);
+}
+
 TEST_F(RegistryTest, TheRemovalOfTheLastNoteEndsTheHoverMonitor) {
     MxEdInputPoint emptySpace;
     emptySpace.pointComputed = true;
@@ -435,6 +545,22 @@ TEST_F(RegistryTest, AFailureAtItsEndCostsOneDrawingItsListAndNoMore) {
     createMxPhManager();
     EXPECT_THAT(listed(), ElementsAre(other));
     DocManager::instance().close(first);
+}
+
+TEST_F(RegistryTest, AFailureOfAnyKindAtItsEndIsTold) {
+    const MxDbObjectId id = addNote();
+    ASSERT_TRUE(registry().SaveVoiceHandle(&database()));
+    FailingOtherwise failing;
+    MxDbXrecord* list = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, listId(database()), Mx::kForRead), Mx::eOk);
+    ASSERT_EQ(list->addReactor(&failing), Mx::eOk);
+    list->close();
+    testing::internal::CaptureStderr();
+    deleteMxPhManager();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("phonomark: the notes of a drawing"));
+    EXPECT_FALSE(isWatched(id));
+    createMxPhManager();
+    DocManager::instance().close(document());
 }
 
 TEST_F(RegistryTest, ANoteThatCouldNotBeOpenedIsStillWatchedAndLetGoLater) {

@@ -108,8 +108,7 @@ TEST_F(ReactorsTest, AHostWithoutACommandStackStopsTheModule) {
             << "a trap without a message";
 }
 
-TEST_F(ReactorsTest, TheDocumentReactorIsAttachedBeforeTheFirstMessage) {
-    EXPECT_TRUE(g_dcReactor.IsAttached());
+TEST_F(ReactorsTest, TheDocumentReactorIsAttachedAgainAfterItsDetachment) {
     EXPECT_TRUE(g_dcReactor.Attach());
     g_dcReactor.Detach();
     EXPECT_FALSE(g_dcReactor.IsAttached());

@@ -72,6 +72,34 @@ protected:
         mxutRelRb(chain);
         registry().RemovePhonomark(&document());
     }
+    /// Fails whoever changes what it watches.
+    class Failing : public MxDbObjectReactor {
+    public:
+        void modified(const MxDbObject*) override { throw std::bad_alloc(); }
+    };
+    /// What another program would meet that opens the object now.
+    static Mx::ErrorStatus statusOfOpening(MxDbObjectId id) {
+        MxDbObject* object = nullptr;
+        const Mx::ErrorStatus status = mxdbOpenObject(object, id, Mx::kForWrite);
+        if (object)
+            object->close();
+        return status;
+    }
+    /// Saves while the object cannot be changed without a failure; the named objects' dictionary, the notes' one and
+    /// the list must be closed afterwards.
+    void expectAllClosedAfterAFailureOf(MxDbObjectId id) {
+        Failing failing;
+        MxDbObject* watched = nullptr;
+        ASSERT_EQ(mxdbOpenObject(watched, id, Mx::kForRead), Mx::eOk);
+        watched->addReactor(&failing);
+        watched->close();
+        EXPECT_THROW(registry().SaveVoiceHandle(&database()), std::bad_alloc);
+        ASSERT_EQ(mxdbOpenObject(watched, id, Mx::kForRead), Mx::eOk);
+        watched->removeReactor(&failing);
+        watched->close();
+        EXPECT_EQ(statusOfOpening(database().namedObjectsDictionaryId()), Mx::eOk);
+        EXPECT_EQ(statusOfOpening(dictionary()), Mx::eOk);
+    }
     static std::pair<int, std::wstring> element(MxDbObjectId id) {
         wchar_t text[17];
         id.handle().getIntoAsciiBuffer(text);
@@ -180,6 +208,33 @@ TEST_F(VoiceListTest, ADictionaryOrAListThatCannotBeOpenedIsLeftAsItIs) {
     ASSERT_EQ(mxdbOpenObject(notes, dictionary(), Mx::kForWrite), Mx::eOk);
     EXPECT_FALSE(registry().ReadVoiceHandle(&document()));
     notes->close();
+}
+
+TEST_F(VoiceListTest, NothingStaysOpenWhenSavingFailsHalfway) {
+    addNote();
+    expectAllClosedAfterAFailureOf(database().namedObjectsDictionaryId());
+    EXPECT_TRUE(registry().SaveVoiceHandle(&database()));
+    const MxDbObjectId list = entry(dictionary(), L"VOICE_LIST");
+    addNote();
+    expectAllClosedAfterAFailureOf(list);
+    EXPECT_EQ(statusOfOpening(list), Mx::eOk);
+    EXPECT_TRUE(registry().SaveVoiceHandle(&database()));
+    EXPECT_EQ(stored().size(), 2u);
+}
+
+TEST_F(VoiceListTest, NotesOfNoDocumentAreWrittenIntoNoDrawing) {
+    registry().AppendPhonomark(addNote(), nullptr);
+    MxDbDatabase ofNoDocument;
+    for (MxDbDatabase* other : {&ofNoDocument, static_cast<MxDbDatabase*>(nullptr)}) {
+        resbuf* chain = nullptr;
+        long count = 0;
+        registry().CrtRbChain(chain, other, count);
+        EXPECT_EQ(chain, nullptr);
+        EXPECT_EQ(count, 0);
+        mxutRelRb(chain);
+    }
+    EXPECT_FALSE(registry().SaveVoiceHandle(&ofNoDocument));
+    registry().RemovePhonomark(static_cast<MxApDocument*>(nullptr));
 }
 
 TEST_F(VoiceListTest, AListThatIsGoneReadsAsNoNotesAndIsMadeAnew) {

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/tagwindow/tag_window.h"
 
+#include "host/rx/app.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
+#include "phonomark/app/entry_point.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
 #include <cstring>
+#include <functional>
 #include <latch>
 
 using merix::ap::DocManager;
@@ -461,4 +464,29 @@ TEST(PlayDurationTest, ItIsOneSecondMoreThanTheWholeSeconds) {
     EXPECT_EQ(playDurationMs(L""), 1000);
     EXPECT_GT(playDurationMs(L"99999999999999999999.0\""), 0);
     EXPECT_LT(playDurationMs(L"-99999999999999999999.0\""), 0);
+}
+
+TEST_F(TagWindowTest, AnUnloadWhileANoteIsRecordedKeepsTheTake) {
+    /// Lets the sound device go on once the note has been given its take.
+    class LetGo : public merix::db::DatabaseListener {
+    public:
+        explicit LetGo(std::function<void()> action)
+            : m_action(std::move(action)) {}
+        void objectGraphicsModified(MxDbObject&) override { m_action(); }
+
+    private:
+        std::function<void()> m_action;
+    };
+    const MxDbObjectId id = addNote();
+    hold(openWindow(id), 2000);
+    LetGo listener([this] { release(); });
+    database().imp().addListener(&listener);
+    EXPECT_EQ(mxrxEntryPoint(kUnloadAppMsg, this), 0);
+    database().imp().removeListener(&listener);
+    EXPECT_FALSE(g_taguidlg);
+    ASSERT_EQ(mxrxEntryPoint(kInitAppMsg, this), 0);
+    EXPECT_TRUE(note(id).isRecord());
+    EXPECT_EQ(note(id).getAudioDataSize(), 64u);
+    EXPECT_EQ(duration(id), L"2.0\"");
+    EXPECT_EQ(listed(), std::vector<MxDbObjectId>{id});
 }
