@@ -62,6 +62,19 @@ TEST(ReplacementFile, KeepsThePermissionsAndFollowsALink) {
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
 }
 
+TEST(ReplacementFile, IsTheUsersAloneWhenThatIsWanted) {
+    Directory directory;
+    writeBytes(directory / "a", "old");
+    ::chmod((directory / "a").c_str(), 0644);
+    for (const char* name : {"a", "b"}) {
+        ReplacementFile file;
+        ASSERT_TRUE(file.create(directory / name, ReplacementFile::Readers::kOwner) && file.commit()) << file.error();
+        struct stat status {};
+        ASSERT_EQ(::stat((directory / name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, 0600U) << name;
+    }
+}
+
 TEST(FinalPath, IsTheSameBeforeAndAfterTheFileIsMade) {
     Directory directory;
     std::filesystem::create_directory(directory / "folder");
