@@ -27,6 +27,7 @@ void DocManager::Private::end(bool failed) {
         state.releaseLocks();
         if (undo.abandon())
             state.changed = state.changedBeforeCommand;
+        ++state.changes; // a copy of the half-done state is none of what the drawing is now
     } else {
         if (state.commands == 1)
             state.releaseLocks(); // those that the command left to its end

@@ -19,6 +19,7 @@
 #include "merix/rx/resource_modules.h"
 
 #include <QFileInfo>
+#include <QPointer>
 
 MERIX_RX_CLASS(MxApDocManagerReactor, "MxApDocManagerReactor", MxRxObject, nullptr, "")
 void MxApDocManagerReactor::documentCreated(MxApDocument*) {}
@@ -44,6 +45,15 @@ Result failure(const io::FileResult& result, const QString& path) {
     return {false, why};
 }
 
+/// Null: one of those who were told of the document has closed it.
+Result handOut(Document* document, Document** opened, const QString& path) {
+    if (!document)
+        return {false, QStringLiteral("%1: it was closed as it was opened").arg(path)};
+    if (opened)
+        *opened = document;
+    return {};
+}
+
 void printNotes(const io::FileResult& result) {
     for (const std::string& note : result.notes)
         ed::Console::instance().print(QLatin1Char('\n') + QString::fromStdString(note));
@@ -66,12 +76,13 @@ DocManager::DocManager()
     registerWblockCommand(ed::CommandStack::instance());
     registerRecoverCommands(ed::CommandStack::instance());
     rx::ModuleLoader::instance().setForEachDrawing([this](const auto& call) { forEachDrawing(call); });
-    rx::ModuleLoader::instance().setAroundUnload([this](const auto& unload) {
-        // What a module writes down as it goes is no step of the user's.
+    rx::ModuleLoader::instance().setAroundTurn([this](const auto& turn) {
+        // What a module writes down and makes of its objects as it comes or goes is no step and no change of the
+        // user's.
         const std::vector<Document*> open = all();
         for (Document* document : open)
             document->database()->imp().undo.setEnabled(false);
-        unload();
+        turn();
         for (Document* document : open)
             if (find(document))
                 document->database()->imp().undo.setEnabled(true);
@@ -80,6 +91,31 @@ DocManager::DocManager()
 }
 
 DocManager::~DocManager() = default;
+
+bool DocManager::Private::tell(const QPointer<Document>& document,
+                               void (MxApDocManagerReactor::*event)(MxApDocument*)) {
+    reactors.forEach(kReactor, [&](MxApDocManagerReactor& reactor) {
+        if (document)
+            (reactor.*event)(document);
+    });
+    return document;
+}
+
+Document* DocManager::Private::tellClosing(Document& document) {
+    document.m->closing = true;
+    if (current == &document)
+        tell(&document, &MxApDocManagerReactor::documentToBeDeactivated);
+    QPointer<Document> next = current == &document ? nullptr : current;
+    const auto asCurrent = [&](const auto& call) {
+        owner.makeCurrent(&document);
+        call();
+        if (current != &document)
+            next = current; // one of those who were told activated it
+    };
+    asCurrent([&] { tell(&document, &MxApDocManagerReactor::documentToBeDestroyed); });
+    asCurrent([] { rx::ModuleLoader::instance().drawingToBeUnloaded(); });
+    return next;
+}
 
 Document* DocManager::current() const {
     return m->current;
@@ -166,19 +202,16 @@ Document* DocManager::create() {
 Result DocManager::open(const QString& path, Document** opened) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     for (const auto& document : m->documents)
-        if (!document->path().isEmpty() && QFileInfo(document->path()) == QFileInfo(absolute)) {
-            activate(document.get());
-            if (opened)
-                *opened = document.get();
-            return {};
+        if (!document->m->closing && !document->path().isEmpty() &&
+            QFileInfo(document->path()) == QFileInfo(absolute)) {
+            const QPointer<Document> known = document.get();
+            activate(known);
+            return handOut(known, opened, absolute);
         }
     std::unique_ptr<MxDbDatabase> database;
     if (const Result result = readInto(database, absolute); !result.ok)
         return result;
-    Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), absolute, {})));
-    if (opened)
-        *opened = document;
-    return {};
+    return handOut(add(std::unique_ptr<Document>(new Document(std::move(database), absolute, {}))), opened, absolute);
 }
 
 Result DocManager::readInto(std::unique_ptr<MxDbDatabase>& database, const QString& path) {
@@ -199,54 +232,65 @@ Result DocManager::openCopy(const QString& copy, const QString& drawing, const Q
     if (const Result result = readInto(database, copy); !result.ok)
         return result;
     Document* document = add(std::unique_ptr<Document>(new Document(std::move(database), drawing, title)));
-    document->m->changed = document->m->changedBeforeCommand = true;
-    document->noteChange();
-    if (opened)
-        *opened = document;
-    return {};
+    if (document) {
+        document->m->changed = document->m->changedBeforeCommand = true;
+        document->noteChange();
+    }
+    return handOut(document, opened, copy);
 }
 
 Document* DocManager::add(std::unique_ptr<Document> document) {
-    Document* added = document.get();
+    const QPointer<Document> added = document.get();
     m->documents.push_back(std::move(document));
-    m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& reactor) { reactor.documentCreated(added); });
-    Q_EMIT documentOpened(added);
-    activate(added);
-    rx::ModuleLoader::instance().drawingLoaded();
+    if (m->tell(added, &MxApDocManagerReactor::documentCreated)) {
+        Q_EMIT documentOpened(added);
+        activate(added);
+    }
+    if (added)
+        rx::ModuleLoader::instance().drawingLoaded();
     return added;
 }
 
 void DocManager::activate(Document* document) {
-    Document* const before = m->current;
-    if (document == before || (document && !find(document)))
+    if (document == m->current || (document && (!find(document) || document->m->closing)))
         return;
     ed::Prompter::instance().cancel();
     ed::Selection::instance().clear(); // it is of the drawing that was active
-    if (before)
-        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDeactivated(before); });
-    if (document)
-        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeActivated(document); });
-    makeCurrent(document);
-    Q_EMIT documentActivated(document);
-    if (document)
-        m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentActivated(document); });
+    const bool oneWasActive = m->current;
+    const QPointer<Document> before = m->current, next = document;
+    // Those who are told may close either, or activate another, which then stands.
+    const auto overtaken = [&] {
+        if (document && !next)
+            return true;
+        if (oneWasActive && !before)
+            activate(next); // what followed the closed one was chosen by its place alone
+        return m->current != before;
+    };
+    if (before && !before->m->closing)
+        m->tell(before, &MxApDocManagerReactor::documentToBeDeactivated);
+    if (overtaken())
+        return;
+    m->tell(next, &MxApDocManagerReactor::documentToBeActivated);
+    if (overtaken())
+        return;
+    makeCurrent(next);
+    Q_EMIT documentActivated(next);
+    if (m->current == next)
+        m->tell(next, &MxApDocManagerReactor::documentActivated);
 }
 
 void DocManager::close(Document& document) {
-    if (!find(&document))
+    if (!find(&document) || document.m->closing)
         return;
     if (document.m->commands > 0) {
         document.m->closeLater = true;
         ed::Prompter::instance().cancel();
         return;
     }
-    // Messages and functions belong to the current drawing; the one that goes is told of as if it were that.
-    Document* const before = m->current;
-    makeCurrent(&document);
-    m->reactors.forEach(kReactor, [&](MxApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
-    rx::ModuleLoader::instance().drawingToBeUnloaded();
-    makeCurrent(before == &document ? nullptr : before);
-    if (before == &document)
+    const bool oneWasActive = m->current;
+    Document* const next = m->tellClosing(document);
+    makeCurrent(next);
+    if (!next)
         ed::Selection::instance().clear();
     ed::forgetSelection(document.database());
     ed::forgetViews(document.database());
@@ -258,7 +302,7 @@ void DocManager::close(Document& document) {
     const std::unique_ptr<Document> gone = std::move(*place);
     m->documents.erase(place);
     Q_EMIT documentClosing(&document);
-    if (before != &document || m->current)
+    if (!oneWasActive || m->current)
         return; // another is active, also when a listener has just chosen it
     if (m->documents.empty())
         Q_EMIT documentActivated(nullptr);
@@ -293,7 +337,9 @@ void DocManager::tellBeginSave(Document& document, const QString& path) {
     const db::UndoRecorder::Pause pause(document.database()->imp().undo); // what reactors write is no step to undo
     ++document.m->commands;                                               // nobody closes it meanwhile
     ed::Editor::instance().notifyBeginSave(document.database(), path.toStdWString());
-    --document.m->commands;
+    if (--document.m->commands == 0 && document.m->closeLater)
+        QMetaObject::invokeMethod(
+            this, [this] { m->idle(); }, Qt::QueuedConnection); // those who save are done with the document then
 }
 
 io::FileResult DocManager::write(Document& document, const QString& path, std::optional<io::DxfForm> form) {

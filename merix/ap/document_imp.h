@@ -87,7 +87,7 @@ class DocManager : public QObject, public MxApDocManager {
 public:
     static DocManager& instance();
 
-    /// A new empty drawing, activated.
+    /// A new empty drawing, activated; null when one of those who were told of it has closed it.
     Document* create();
     /// Reads a file; the document is created, told of and activated only when it was read. A file that is open is
     /// activated. Messages of the reader (records kept aside) are printed on the console.

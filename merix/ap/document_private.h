@@ -36,6 +36,7 @@ struct Document::Private : db::DatabaseListener {
     int lockDepth = 0;    ///< 0: not locked
     int commands = 0;     ///< commands of the command stack and saves under way in the document
     bool closeLater = false;
+    bool closing = false; ///< those who watch are being told that it goes
 };
 
 } // namespace merix::ap

@@ -21,24 +21,24 @@ Document* currentOrTell() {
 }
 
 void undoSteps(Document& document, int count) {
+    const QStringList known = document.undoNames();
     QStringList names;
     for (; count > 0; --count) {
-        const QString name = document.undoNames().value(0);
         if (!DocManager::instance().undo(document))
             break;
-        names << name;
+        names << known.value(names.size());
     }
     ed::tell(names.isEmpty() ? QStringLiteral("Nothing to undo.")
                              : QStringLiteral("Undone: %1").arg(names.join(QStringLiteral(", "))));
 }
 
 void redoSteps(Document& document, int count) {
+    const QStringList known = document.redoNames();
     QStringList names;
     for (; count > 0; --count) {
-        const QString name = document.redoNames().value(0);
         if (!DocManager::instance().redo(document))
             break;
-        names << name;
+        names << known.value(names.size());
     }
     ed::tell(names.isEmpty() ? QStringLiteral("Nothing to redo.")
                              : QStringLiteral("Redone: %1").arg(names.join(QStringLiteral(", "))));

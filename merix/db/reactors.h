@@ -5,6 +5,8 @@
 #include "merix/db/access.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <exception>
 #include <vector>
 
 namespace merix::db {
@@ -36,6 +38,18 @@ struct TellingLevel {
     TellingLevel& operator=(const TellingLevel&) = delete;
 };
 
+/// Runs what a module does on being told. An exception stops here, with a line on stderr: those after it are told all
+/// the same, and what is under way (undo, a close) goes on to its end.
+template <class Function> void guardedTelling(Function&& function) {
+    try {
+        function();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "merix: an object reactor failed: %s\n", error.what());
+    } catch (...) {
+        std::fprintf(stderr, "merix: an object reactor failed\n");
+    }
+}
+
 /// Calls `tell(MxDbObjectReactor&)` for every transient reactor that is still listed when its turn comes.
 template <class Tell> void tellTransient(const MxDbObject& object, Tell tell) {
     const ObjectData& data = object.data();
@@ -45,7 +59,7 @@ template <class Tell> void tellTransient(const MxDbObject& object, Tell tell) {
     StillListed stillListed(data.reactors);
     for (const MxDbReactorEntry& entry : list) {
         if (stillListed(entry) && entry.transient)
-            tell(*entry.transient);
+            guardedTelling([&] { tell(*entry.transient); });
     }
 }
 
@@ -63,7 +77,7 @@ template <class Tell> void tellPersistent(const MxDbObject& object, Tell tell) {
         MxDbObject* reactor = nullptr;
         if (mxdbOpenObject(reactor, entry.persistent, Mx::kForRead) != Mx::eOk)
             continue;
-        tell(*reactor);
+        guardedTelling([&] { tell(*reactor); });
         reactor->close();
     }
 }

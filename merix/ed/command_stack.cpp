@@ -5,6 +5,7 @@
 #include "merix/ed/prompter.h"
 #include "merix/ed/reactor_list.h"
 #include "merix/ed/variables.h"
+#include "merix/rx/module_loader.h"
 
 #include <QTimer>
 
@@ -33,6 +34,14 @@ bool same(const std::wstring& a, const QString& b) {
     return QString::fromStdWString(a).compare(b, Qt::CaseInsensitive) == 0;
 }
 
+/// The module that is open and holds the code; null for the host's own.
+const rx::Module* moduleOf(const CodeOrigin& origin) {
+    for (const auto& module : rx::ModuleLoader::instance().modules())
+        if (module->library && module->path == origin.file)
+            return module.get();
+    return nullptr;
+}
+
 } // namespace
 
 struct CommandStack::Command final : MxEdCommand {
@@ -40,7 +49,15 @@ struct CommandStack::Command final : MxEdCommand {
     int bits = 0;
     MxEdCommandFunction function = nullptr;
     CodeOrigin origin;
+    const rx::Module* module = nullptr; ///< that holds the function
+    unsigned load = 0;                  ///< of the module: another one has commands of its own
 
+    /// Whether the function may be called.
+    bool isLoaded() const {
+        if (module && (!module->entryPoint || module->loads != load))
+            return false; // unloaded, though its code may still be mapped
+        return originOf(function) == origin;
+    }
     const wchar_t* groupName() const override { return group.c_str(); }
     const wchar_t* globalName() const override { return global.c_str(); }
     const wchar_t* localName() const override { return local.c_str(); }
@@ -67,6 +84,8 @@ Mx::ErrorStatus CommandStack::addCommand(const wchar_t* group, const wchar_t* gl
     command->bits = flags;
     command->function = function;
     command->origin = originOf(function);
+    command->module = moduleOf(command->origin);
+    command->load = command->module ? command->module->loads : 0;
     if (created)
         *created = command.get();
     for (auto& known : m_commands)
@@ -135,7 +154,7 @@ std::shared_ptr<CommandStack::Command> CommandStack::resolve(QString name) const
         console.print(QStringLiteral("\nUnknown command \"%1\".").arg(name));
         return nullptr;
     }
-    if (originOf(command->function) != command->origin) {
+    if (!command->isLoaded()) {
         console.print(QStringLiteral("\nThe module of the command %1 is not loaded.").arg(name));
         return nullptr;
     }

@@ -96,6 +96,7 @@ std::string ModuleLoader::open(Module& module) {
     module.library = dlopen(module.path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!module.library)
         return withoutPath(loaderError(), module.path);
+    ++module.loads;
     const auto getVersion = reinterpret_cast<MxRxGetApiVersion>(dlsym(module.library, "mxrxGetApiVersion"));
     module.entryPoint = reinterpret_cast<MxRxEntryPoint>(dlsym(module.library, "mxrxEntryPoint"));
     if (!getVersion || !module.entryPoint)
@@ -125,6 +126,16 @@ bool ModuleLoader::end(Module& module) {
     return ended;
 }
 
+std::string ModuleLoader::start(Module& module) {
+    const auto answer = deliver(module, kInitAppMsg);
+    if (answer == 0)
+        return {};
+    // It may have registered things before it failed; ending it takes them back.
+    const std::string why =
+        answer ? "its initialisation answered " + std::to_string(*answer) : std::string("its initialisation failed");
+    return end(module) ? why : why + "; it failed at its end too and stays mapped";
+}
+
 ModuleResult ModuleLoader::load(const std::string& path) {
     Module& module = entry(path);
     const auto fail = [&](const std::string& why) {
@@ -138,12 +149,10 @@ ModuleResult ModuleLoader::load(const std::string& path) {
         close(module);
         return fail(why);
     }
-    if (const auto answer = deliver(module, kInitAppMsg); answer != 0) {
-        // It may have registered things before it failed; ending it takes them back.
-        const std::string why = answer ? "its initialisation answered " + std::to_string(*answer)
-                                       : std::string("its initialisation failed");
-        return fail(end(module) ? why : why + "; it failed at its end too and stays mapped");
-    }
+    std::string why;
+    inTurn([&] { why = start(module); });
+    if (!why.empty())
+        return fail(why);
     module.state = ModuleState::kLoaded;
     module.error.clear();
     forEachDrawing([&] { sendMessage(module, kLoadDwgMsg); });
@@ -158,14 +167,10 @@ ModuleResult ModuleLoader::unload(Module& module) {
     if (m_current == &module)
         return {&module, "module " + module.path + " is at work"};
     bool closed = false;
-    const auto tellAndClose = [&] {
+    inTurn([&] {
         forEachDrawing([&] { sendMessage(module, kUnloadDwgMsg); });
         closed = end(module);
-    };
-    if (m_aroundUnload)
-        m_aroundUnload(tellAndClose);
-    else
-        tellAndClose();
+    });
     module.state = ModuleState::kUnloaded;
     module.error.clear();
     if (!closed)
@@ -217,6 +222,13 @@ std::optional<int> ModuleLoader::deliver(Module& module, int message) {
     }
     m_current = before;
     return answer;
+}
+
+void ModuleLoader::inTurn(const std::function<void()>& turn) {
+    if (m_aroundTurn)
+        m_aroundTurn(turn);
+    else
+        turn();
 }
 
 void ModuleLoader::forEachDrawing(const std::function<void()>& call) {

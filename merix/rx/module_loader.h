@@ -24,7 +24,8 @@ struct Module {
     bool unloadable = false;
     bool servesSeveralDocuments = false;
     void* library = nullptr;
-    MxRxEntryPoint entryPoint = nullptr;
+    MxRxEntryPoint entryPoint = nullptr; ///< null while it is not open
+    unsigned loads = 0; ///< how often it was opened: what an earlier load left behind is not of this one
 };
 
 /// A host API version for the user: "2025.0".
@@ -66,9 +67,9 @@ public:
     using ForEachDrawing = std::function<void(const std::function<void()>&)>;
     void setForEachDrawing(ForEachDrawing forEach) { m_forEachDrawing = std::move(forEach); }
 
-    /// Runs the function given, which unloads a module (messages 4 and 2).
-    using AroundUnload = std::function<void(const std::function<void()>&)>;
-    void setAroundUnload(AroundUnload around) { m_aroundUnload = std::move(around); }
+    /// Runs the function given, which starts a module (message 1, and 2 when that fails) or ends one (4 and 2).
+    using AroundTurn = std::function<void(const std::function<void()>&)>;
+    void setAroundTurn(AroundTurn around) { m_aroundTurn = std::move(around); }
 
     /// Called after message 2, while the module's code is still there: what others hold of it (windows, functions)
     /// goes.
@@ -89,10 +90,13 @@ private:
     /// left anything behind that points into its code: it stays mapped, and the answer is false.
     bool end(Module& module);
     void forEachDrawing(const std::function<void()>& call);
+    void inTurn(const std::function<void()>& turn);
+    /// Sends message 1. Why the module cannot be used, empty when it can.
+    std::string start(Module& module);
 
     std::vector<std::unique_ptr<Module>> m_modules;
     ForEachDrawing m_forEachDrawing;
-    AroundUnload m_aroundUnload;
+    AroundTurn m_aroundTurn;
     BeforeUnmap m_beforeUnmap;
     std::unique_ptr<MxRxDynamicLinker> m_linker;
     Module* m_current = nullptr;

@@ -69,6 +69,8 @@ public:
         if (onSave)
             onSave(database);
     }
+    /// Called with every line about a document.
+    std::function<void(const std::string& line, Document* document)> onLine;
     void layoutSwitched(const wchar_t* name) override {
         lines.push_back("layout " + QString::fromWCharArray(name).toStdString());
     }
@@ -82,6 +84,8 @@ private:
         const auto* known = static_cast<const Document*>(document);
         const std::string current = manager().curDocument() == document ? " (current)" : "";
         lines.push_back(what + " " + (known ? known->title().toStdString() : "?") + current);
+        if (onLine)
+            onLine(std::string(lines.back()), const_cast<Document*>(known));
     }
 };
 
@@ -99,7 +103,8 @@ inline QByteArray bytesOf(const QString& path) {
 /// The module of the loader's tests, unloaded at the end.
 class LoadedModule {
 public:
-    LoadedModule() {
+    explicit LoadedModule(std::function<void(int message)> onMessage = {}) {
+        log.onMessage = std::move(onMessage);
         rx::setSystemRegistryEntry(L"TestLog", &log);
         m_module = rx::ModuleLoader::instance().load(MODULE_GOOD).module;
     }

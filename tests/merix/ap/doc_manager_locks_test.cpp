@@ -131,6 +131,36 @@ TEST_F(DocManagerTest, ACommandThatThrowsLeavesTheDrawingAsItWas) {
     EXPECT_FALSE(g_document->isChanged());
 }
 
+TEST_F(DocManagerTest, WhatAThrowingCommandDidIsCountedOnItsWayBackToo) {
+    g_document = manager().create();
+    quint64 inside = 0;
+    registerCommand(L"BREAKCOUNTED", [&] {
+        addLine(*g_document);
+        inside = g_document->changes();
+        throw 1;
+    });
+    run("BREAKCOUNTED");
+    EXPECT_NE(g_document->changes(), inside) << "a copy made inside holds what is no longer there";
+}
+
+TEST_F(DocManagerTest, WhatAModuleWritesAsItIsLoadedIsNoChange) {
+    Document* document = manager().create();
+    addLine(*document);
+    ASSERT_TRUE(manager().saveAs(*document, path("a.dxf")).ok);
+    const quint64 before = document->changes();
+    const std::size_t steps = document->database()->imp().undo.undoUnits().size();
+    LoadedModule module([document](int message) {
+        if (message == kInitAppMsg || message == kUnloadAppMsg)
+            addLine(*document);
+    });
+    EXPECT_EQ(entitiesOf(*document).size(), 2U);
+    EXPECT_FALSE(document->isChanged());
+    EXPECT_EQ(document->changes(), before);
+    EXPECT_EQ(document->database()->imp().undo.undoUnits().size(), steps);
+    addLine(*document);
+    EXPECT_TRUE(document->isChanged()) << "changes are recorded again";
+}
+
 TEST_F(DocManagerTest, AThrowingCommandKeepsTheChangedMarkOfWhatCannotBeTakenBack) {
     g_document = manager().create();
     ASSERT_TRUE(manager().saveAs(*g_document, path("a.dxf")).ok);

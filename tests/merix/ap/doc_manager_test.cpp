@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "doc_manager_fixture.h"
 
+#include <QCoreApplication>
+
 using namespace merix;
 using namespace merix::test;
 using testing::ElementsAre;
@@ -42,11 +44,13 @@ TEST_F(DocManagerTest, AClosingDocumentIsToldOfWhileItIsWholeAndTheNextOneTakesO
     const std::string two = second->title().toStdString();
     Log log;
     manager().close(*second);
-    EXPECT_THAT(log.take(), ElementsAre("to be destroyed " + two + " (current)", "to be activated " + one,
-                                        "activated " + one + " (current)"));
+    EXPECT_THAT(log.take(),
+                ElementsAre("to be deactivated " + two + " (current)", "to be destroyed " + two + " (current)",
+                            "to be activated " + one, "activated " + one + " (current)"));
     EXPECT_THAT(manager().documents(), ElementsAre(first));
     manager().close(*first);
-    EXPECT_THAT(log.take(), ElementsAre("to be destroyed " + one + " (current)"));
+    EXPECT_THAT(log.take(),
+                ElementsAre("to be deactivated " + one + " (current)", "to be destroyed " + one + " (current)"));
     EXPECT_EQ(manager().curDocument(), nullptr);
     EXPECT_EQ(mxdbHostApplicationServices()->workingDatabase(), nullptr);
 }
@@ -100,6 +104,107 @@ TEST_F(DocManagerTest, AModuleMayCloseDrawingsWhileItIsToldOfThem) {
     EXPECT_THAT(manager().all(), ElementsAre(first));
     EXPECT_EQ(manager().current(), first);
     EXPECT_EQ(mxdbHostApplicationServices()->workingDatabase(), first->database());
+}
+
+TEST_F(DocManagerTest, ADocumentThatIsClosedAgainWhileItClosesIsToldOfOnce) {
+    Document* first = manager().create();
+    Document* second = manager().create();
+    const std::string one = first->title().toStdString(), two = second->title().toStdString();
+    Log log;
+    log.onLine = [&](const std::string& line, Document* document) {
+        if (line.starts_with("to be de"))
+            manager().close(*document);
+    };
+    manager().close(*second);
+    EXPECT_THAT(log.take(),
+                ElementsAre("to be deactivated " + two + " (current)", "to be destroyed " + two + " (current)",
+                            "to be activated " + one, "activated " + one + " (current)"));
+    EXPECT_THAT(manager().all(), ElementsAre(first));
+}
+
+TEST_F(DocManagerTest, ThoseToldOfAClosingDocumentMayCloseTheNextOneToo) {
+    for (const char* when : {"to be deactivated", "to be destroyed"}) {
+        Document* first = manager().create();
+        Document* second = manager().create();
+        Document* third = manager().create();
+        Log log;
+        log.onLine = [&, once = false](const std::string& line, Document*) mutable {
+            if (line.starts_with(when) && !std::exchange(once, true))
+                manager().close(*second);
+        };
+        manager().close(*third);
+        EXPECT_THAT(manager().all(), ElementsAre(first)) << when;
+        EXPECT_EQ(manager().current(), first) << when;
+        manager().close(*first);
+    }
+}
+
+TEST_F(DocManagerTest, WhatIsActivatedWhileTheCurrentDocumentClosesStaysActive) {
+    Document* first = manager().create();
+    manager().create();
+    Document* third = manager().create();
+    Log log;
+    log.onLine = [&](const std::string& line, Document*) {
+        if (line.starts_with("to be destroyed"))
+            manager().activate(first);
+    };
+    manager().close(*third);
+    EXPECT_EQ(manager().current(), first);
+    EXPECT_THAT(log.take(), testing::Contains("activated " + first->title().toStdString() + " (current)").Times(1));
+}
+
+TEST_F(DocManagerTest, ADocumentThatIsClosedAsItIsToldOfIsNotHandedOut) {
+    const QString file = drawing("plan.dxf");
+    for (const char* when : {"created", "to be activated", "activated"}) {
+        Document* first = manager().create();
+        Log log;
+        log.onLine = [&](const std::string& line, Document* document) {
+            if (line.starts_with(when) && document != first)
+                manager().close(*document);
+        };
+        Document* opened = nullptr;
+        const ap::Result result = manager().open(file, &opened);
+        EXPECT_FALSE(result.ok);
+        EXPECT_THAT(result.message.toStdString(), HasSubstr("plan.dxf: it was closed as it was opened"));
+        EXPECT_FALSE(manager().openCopy(file, {}, QStringLiteral("copy"), &opened).ok);
+        EXPECT_EQ(opened, nullptr);
+        EXPECT_EQ(manager().create(), nullptr);
+        EXPECT_THAT(manager().all(), ElementsAre(first)) << when;
+        EXPECT_EQ(manager().current(), first) << when;
+        log.onLine = {};
+        manager().close(*first);
+    }
+}
+
+TEST_F(DocManagerTest, TheOldDocumentMayBeClosedAsItIsDeactivated) {
+    Document* first = manager().create();
+    Document* second = manager().create();
+    Document* third = manager().create();
+    manager().activate(second);
+    Log log;
+    log.onLine = [&, once = false](const std::string& line, Document* document) mutable {
+        if (line.starts_with("to be deactivated") && !std::exchange(once, true))
+            manager().close(*document);
+    };
+    manager().activate(first);
+    EXPECT_THAT(manager().all(), ElementsAre(first, third));
+    EXPECT_EQ(manager().current(), first);
+    EXPECT_EQ(mxdbHostApplicationServices()->workingDatabase(), first->database());
+}
+
+TEST_F(DocManagerTest, ACloseAskedForInASaveHappensWhenTheSaveIsOver) {
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    Document* document = manager().create();
+    Log log;
+    log.onSave = [&](MxDbDatabase*) { manager().close(*document); };
+    EXPECT_TRUE(manager().saveAs(*document, path("a.dxf")).ok);
+    EXPECT_THAT(manager().all(), ElementsAre(document)) << "who saved is not done with it";
+    QCoreApplication::sendPostedEvents(&manager());
+    EXPECT_THAT(manager().all(), IsEmpty());
+    EXPECT_TRUE(QFile::exists(path("a.dxf")));
 }
 
 TEST_F(DocManagerTest, TheLayoutChoosesTheSpaceOfNewEntitiesAndIsToldOf) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -120,19 +121,28 @@ TEST(Undo, UndoneInsertionTellsReactorsErasedAndRedoUnerased) {
     EXPECT_EQ(reactor.told, "erased unerased ");
 }
 
-TEST(Undo, ChangesAreRecordedAgainAfterOneWhoIsToldThrew) {
+TEST(Undo, OneWhoIsToldAndThrowsStopsNeitherUndoNorThoseAfterIt) {
     class Thrower final : public MxDbObjectReactor {
     public:
-        void erased(const MxDbObject*, bool) override { throw 1; }
-    } reactor;
+        void erased(const MxDbObject*, bool) override { throw std::runtime_error("on purpose"); }
+    } thrower;
+    struct Listener final : MxDbObjectReactor {
+        void erased(const MxDbObject*, bool erasing) override { told += erasing ? "erased " : "unerased "; }
+        std::string told;
+    } listener;
     Drawing drawing;
     const MxDbObjectId id = drawing.addLine();
     Line* line = nullptr;
     mxdbOpenObject(line, id, Mx::kForRead);
-    line->addReactor(&reactor);
+    line->addReactor(&thrower);
+    line->addReactor(&listener);
     line->close();
-    EXPECT_THROW(drawing.imp.undo.undo(), int);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(drawing.imp.undo.undo());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "merix: an object reactor failed: on purpose\n");
     EXPECT_TRUE(drawing.imp.undo.isRecording());
+    EXPECT_TRUE(drawing.imp.undo.redo()) << "the unit is still there";
+    EXPECT_EQ(listener.told, "erased unerased ");
     line->data().reactors.clear();
 }
 

@@ -6,6 +6,9 @@
 #include "host/rx/registry.h"
 #include "merix/ed/editor.h"
 #include "merix/ed/prompter.h"
+#include "merix/rx/module_loader.h"
+#include "merix/rx/system_registry.h"
+#include "tests/merix/rx/modules/recording_module.h"
 
 #include <QCoreApplication>
 
@@ -13,6 +16,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+
+#include <dlfcn.h>
 
 using namespace merix::ed;
 using merix::test::Answers;
@@ -317,4 +322,36 @@ TEST_F(CommandStackTest, WithTheEchoOffAModulesCommandIsNotShown) {
     run("ASK 1,1");
     EXPECT_EQ(shown(), "\nCommand: ASK 1,1\nA: 1,1\nB: 2,2") << "what the user runs is";
     ASSERT_EQ(mxedSetVar(L"CMDECHO", 1), Mx::eOk);
+}
+
+TEST_F(CommandStackTest, ACommandGoesWithTheLoadOfItsModuleThatAddedItEvenWhereTheCodeStaysMapped) {
+    TestLog log;
+    merix::rx::setSystemRegistryEntry(L"TestLog", &log);
+    auto& loader = merix::rx::ModuleLoader::instance();
+    log.onMessage = [&](int message) {
+        if (message == kUnloadAppMsg)
+            run("PINNED");
+    };
+    const auto addPinned = [](merix::rx::Module& module) {
+        const auto function = reinterpret_cast<MxEdCommandFunction>(dlsym(module.library, "pinnedCommand"));
+        ASSERT_NE(function, nullptr);
+        CommandStack::instance().addCommand(L"TEST", L"PINNED", L"PINNED", 0, function);
+    };
+    merix::rx::Module* const module = loader.load(MODULE_PINNED).module;
+    ASSERT_NE(module, nullptr);
+    addPinned(*module);
+    EXPECT_EQ(run("PINNED"), Outcome::kEnded);
+    EXPECT_THAT(loader.unload(*module).error, HasSubstr("stays mapped"));
+    EXPECT_EQ(log.text, "1 100 2 100 ") << "until its last message is over it runs";
+    log.text.clear();
+    shown();
+    EXPECT_EQ(run("PINNED"), Outcome::kUnknown);
+    EXPECT_THAT(shown(), HasSubstr("The module of the command PINNED is not loaded."));
+    ASSERT_EQ(loader.load(MODULE_PINNED).module, module);
+    EXPECT_EQ(run("PINNED"), Outcome::kUnknown) << "it was added by another load";
+    addPinned(*module);
+    EXPECT_EQ(run("PINNED"), Outcome::kEnded);
+    EXPECT_EQ(log.text, "1 100 ");
+    loader.unload(*module);
+    merix::rx::setSystemRegistryEntry(L"TestLog", nullptr);
 }

@@ -37,7 +37,7 @@ protected:
     }
     ~ModuleLoaderTest() override {
         m_loader.setBeforeUnmap({});
-        m_loader.setAroundUnload({});
+        m_loader.setAroundTurn({});
         for (const auto& module : m_loader.modules()) {
             module->unloadable = true;
             m_loader.unload(*module);
@@ -174,15 +174,18 @@ TEST_F(ModuleLoaderTest, AModuleThatFailsAtItsEndStaysMapped) {
     EXPECT_TRUE(isMapped("module_good.mrx"));
 }
 
-TEST_F(ModuleLoaderTest, MessagesOfAnUnloadAreSentInsideWhatIsSetAroundIt) {
-    m_loader.setAroundUnload([&](const std::function<void()>& unload) {
+TEST_F(ModuleLoaderTest, AModuleStartsAndEndsInsideWhatIsSetAroundIt) {
+    m_loader.setAroundTurn([&](const std::function<void()>& turn) {
         m_log.text += "( ";
-        unload();
-        m_log.text += ")";
+        turn();
+        m_log.text += ") ";
     });
     setDrawings(1);
     m_loader.unload(*m_loader.load(fileOf("good")).module);
-    EXPECT_EQ(m_log.text, "1 3 ( 4 2 )");
+    EXPECT_EQ(m_log.text, "( 1 ) 3 ( 4 2 ) ");
+    m_log.text.clear();
+    EXPECT_FALSE(m_loader.load(fileOf("refusing")));
+    EXPECT_EQ(m_log.text, "( 1 2 ) ");
 }
 
 TEST_F(ModuleLoaderTest, AModuleThatDidNotDeclareItselfUnloadableStays) {

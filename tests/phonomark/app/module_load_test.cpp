@@ -279,6 +279,21 @@ TEST_F(ModuleLoadTest, NotesOutliveAnUnloadWithTheirDrawingOpen) {
     }
 }
 
+TEST_F(ModuleLoadTest, UnloadingAndLoadingAgainChangesNoDrawing) {
+    Module& module = load();
+    run("PHONOMARK", {QStringLiteral("10,20")});
+    ASSERT_EQ(entities().size(), 1u);
+    QTemporaryDir folder;
+    ASSERT_TRUE(DocManager::instance().saveAs(document(), folder.filePath(QStringLiteral("a.dxf"))).ok);
+    const quint64 before = document().changes();
+    unload(module);
+    EXPECT_FALSE(document().isChanged());
+    EXPECT_EQ(document().changes(), before);
+    load();
+    EXPECT_FALSE(document().isChanged());
+    EXPECT_EQ(document().changes(), before);
+}
+
 TEST_F(ModuleTurnsTest, FiftyLoadsAndUnloadsLeaveDrawingsListsAndSettingsAsTheyWere) {
     load();
     const std::vector<merix::ap::Document*> open = openDrawings();

@@ -226,12 +226,36 @@ TEST_F(ReactorsTest, DeactivationLeavesAPlayingWindowAndHidesAnIdleOne) {
     EXPECT_TRUE(window.IsPlaying());
 }
 
-TEST_F(ReactorsTest, ADocumentThatGoesWhileItsNoteIsRecordedTakesTheWindowAlong) {
+TEST_F(ReactorsTest, TheCurrentDocumentThatGoesKeepsTheTakeAtItsDeactivationAndTakesTheWindowAlong) {
+    struct Watcher final : MxApDocManagerReactor {
+        Watcher() { DocManager::instance().addReactor(this); }
+        ~Watcher() override { DocManager::instance().removeReactor(this); }
+        void documentToBeDeactivated(MxApDocument*) override { look(); }
+        std::function<void()> look;
+    } watcher;
     merix::ap::Document& gone = document();
-    hold(openWindow(addNote()), 2000);
+    const MxDbObjectId id = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    hold(window, 2000);
+    std::uint32_t kept = 0;
+    watcher.look = [&] {
+        EXPECT_EQ(g_taguidlg, &window);
+        EXPECT_EQ(window.recordTimer(), -1);
+        kept = note(id).getAudioDataSize();
+    };
     DocManager::instance().close(gone);
+    EXPECT_EQ(kept, 64u);
     EXPECT_FALSE(g_taguidlg);
     EXPECT_THAT(ids(&gone), IsEmpty());
+}
+
+TEST_F(ReactorsTest, AnotherDocumentThatGoesWhileANoteIsRecordedTakesTheWindowAlong) {
+    merix::ap::Document& current = document();
+    merix::ap::Document* other = DocManager::instance().create();
+    DocManager::instance().activate(&current);
+    hold(openWindow(addNote()), 2000);
+    DocManager::instance().close(*other);
+    EXPECT_FALSE(g_taguidlg);
 }
 
 TEST_F(ReactorsTest, ADocumentThatGoesWhileItsNoteIsPlayedLeavesTheWindow) {

@@ -7,6 +7,10 @@ extern "C" int mxrxEntryPoint(int message, void* appId) {
         declareUnloadable(appId);
     return record(message);
 }
+/// A command of it.
+extern "C" void pinnedCommand() {
+    record(100);
+}
 extern "C" unsigned mxrxGetApiVersion() {
     return kMxRxApiVersion;
 }
