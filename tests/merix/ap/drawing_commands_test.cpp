@@ -126,6 +126,7 @@ TEST_F(DrawingCommandsTest, CloseAllClosesEveryDrawingTellingOfEachOnceTheCurren
     run("CLOSEALL");
     EXPECT_THAT(log.take(), ElementsAre("to be destroyed " + titles[0] + " (current)",
                                         "to be destroyed " + titles[2] + " (current)",
+                                        "to be deactivated " + titles[1] + " (current)",
                                         "to be destroyed " + titles[1] + " (current)"));
     EXPECT_THAT(manager().all(), IsEmpty());
     EXPECT_EQ(manager().current(), nullptr);
