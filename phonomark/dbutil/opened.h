@@ -15,12 +15,7 @@ public:
     /// Empty when the object cannot be opened; status() tells why.
     Opened(MxDbObjectId id, Mx::OpenMode mode)
         : m_status(mxdbOpenObject(m_object, id, mode)) {}
-    ~Opened() {
-        try {
-            close();
-        } catch (...) { // of somebody who was told of the closing; the object is closed
-        }
-    }
+    ~Opened() { close(); }
     Opened(Opened&& other) noexcept
         : m_object(std::exchange(other.m_object, nullptr))
         , m_status(other.m_status) {}
@@ -35,7 +30,7 @@ public:
     /// How the opening went.
     Mx::ErrorStatus status() const { return m_status; }
 
-    /// Closes it before its time; an exception of somebody who is told of it gets to the caller. eNotOpen when empty.
+    /// Closes it before its time. eNotOpen when empty.
     Mx::ErrorStatus close() {
         T* const object = std::exchange(m_object, nullptr);
         return object ? object->close() : Mx::eNotOpen;
