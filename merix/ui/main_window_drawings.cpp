@@ -160,7 +160,8 @@ MainWindow* MainWindow::takeOut(ap::Document& document) {
 }
 
 void MainWindow::closeIfEmpty() {
-    if (m_tabs->count() == 0 && other())
+    // Offers of lost work that nobody answered would go with it.
+    if (m_tabs->count() == 0 && other() && m_recovery->isHidden())
         close();
 }
 

@@ -11,11 +11,12 @@ namespace {
 
 constexpr int kShown = 30; ///< more would not fit on a small screen
 
-/// "GRIP_STRETCH" and "grip stretch" are "Grip stretch" to a reader.
+/// "GRIP_STRETCH" and "grip stretch" are "Grip stretch" to a reader, as the text of an action.
 QString readable(QString name) {
     name.replace(QLatin1Char('_'), QLatin1Char(' '));
     if (name == name.toUpper())
         name = name.toLower();
+    name.replace(QLatin1Char('&'), QLatin1String("&&"));
     return name.left(1).toUpper() + name.mid(1);
 }
 
@@ -36,17 +37,22 @@ UndoMenu::UndoMenu(Steps steps, std::function<ap::Document*()> document, QWidget
 
 void UndoMenu::fill() {
     clear();
-    const ap::Document* document = m_document();
+    ap::Document* document = m_document();
     if (!document)
         return;
     int count = 0;
-    for (QString& name : stepNames(*document, m_steps, kShown)) {
-        QAction* action = addAction(name.replace(QLatin1Char('&'), QLatin1String("&&")));
+    for (const QString& name : stepNames(*document, m_steps, kShown)) {
+        QAction* action = addAction(name);
         // Typed for the hand: the command line then tells what was taken back.
         const QString line = QStringLiteral("%1 %2")
                                  .arg(m_steps == Steps::kUndo ? QLatin1String("_UNDO") : QLatin1String("_REDO"))
                                  .arg(++count);
-        connect(action, &QAction::triggered, this, [line] { ed::CommandStack::instance().submit(line); });
+        connect(action, &QAction::triggered, this, [this, line, document] {
+            if (m_document() != document)
+                return; // the names were another drawing's
+            ap::DocManager::instance().activate(document);
+            ed::CommandStack::instance().submit(line);
+        });
     }
 }
 

@@ -11,7 +11,8 @@ namespace merix::ui {
 
 enum class Steps { kUndo, kRedo };
 
-/// The names of the steps that can be taken back or done again, newest first, no more than `most`.
+/// The names of the steps that can be taken back or done again, newest first, no more than `most`, as texts of
+/// actions: an ampersand is doubled.
 QStringList stepNames(const ap::Document& document, Steps steps, int most);
 
 /// The list at the button. Choosing a step takes back, or does again, all down to it.

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iostream>
 #include <map>
 #include <random>
 
@@ -194,6 +195,7 @@ std::pair<Notes, Notes> notesIn(const QString& path) {
 TEST(ManyDrawings, EveryFileOfALongSessionListsTheNotesThatItHolds) {
     const int given = testing::UnitTest::GetInstance()->random_seed();
     const unsigned seed = given > 0 ? unsigned(given) : std::random_device()();
+    std::cout << "seed " << seed << std::endl;
     SCOPED_TRACE("seed " + std::to_string(seed));
     testing::Test::RecordProperty("seed", std::to_string(seed));
     const QTemporaryDir folder;

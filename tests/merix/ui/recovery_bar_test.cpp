@@ -179,6 +179,22 @@ TEST_F(RecoveryBarTest, EveryBarDropsWhatOneHasSettled) {
     EXPECT_TRUE(bar()->isHidden());
 }
 
+TEST_F(RecoveryBarTest, AWindowWhoseOffersNobodyAnsweredStaysWithoutADrawing) {
+    look();
+    ap::Document& here = *ap::DocManager::instance().create();
+    ap::Document& there = *ap::DocManager::instance().create();
+    settle();
+    ASSERT_NE(ui::MainWindow::takeOut(there), nullptr);
+    settle();
+    ap::DocManager::instance().close(here);
+    settle();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(button(QStringLiteral("Recover"))->isVisible());
+    ap::DocManager::instance().close(there);
+    settle();
+    EXPECT_EQ(ui::MainWindow::all().size(), 1u);
+}
+
 TEST_F(RecoveryBarTest, RecoverWaitsForTheCommandUnderWay) {
     look();
     document = ap::DocManager::instance().create();

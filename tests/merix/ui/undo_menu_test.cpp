@@ -58,7 +58,23 @@ TEST_F(UndoMenuTest, ChoosingTheThirdUndoesThreeAndTheSecondRedoesTwo) {
     menu(QStringLiteral("&Redo"))->actions().at(1)->trigger();
     settle();
     EXPECT_EQ(lines(), 3u);
-    EXPECT_EQ(ui::stepNames(*document, ui::Steps::kUndo, 1), QStringList(QStringLiteral("Knives & forks")));
+    EXPECT_EQ(ui::stepNames(*document, ui::Steps::kUndo, 1), QStringList(QStringLiteral("Knives && forks")));
+    QStringList texts;
+    for (const QToolButton* button : window.findChildren<QToolButton*>())
+        if (button->menu() && button->defaultAction())
+            texts << button->defaultAction()->text();
+    EXPECT_TRUE(texts.contains(QStringLiteral("&Undo Knives && forks"))) << texts.join(QLatin1Char('|')).toStdString();
+}
+
+TEST_F(UndoMenuTest, StepsAreTakenBackInTheDrawingThatTheyAreListedOf) {
+    ui::UndoMenu list(
+        ui::Steps::kUndo, [listed = document] { return listed; }, &window);
+    Q_EMIT list.aboutToShow();
+    ap::DocManager::instance().create();
+    settle();
+    list.actions().at(1)->trigger();
+    settle();
+    EXPECT_EQ(lines(), 2u);
 }
 
 TEST_F(UndoMenuTest, AStepWithoutANameAndMoreStepsThanAScreenHoldsAreListed) {

@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <iostream>
 #include <random>
 
 using merix::ap::DocManager;
@@ -37,6 +38,7 @@ protected:
         ModuleTest::SetUp();
         const auto* info = testing::UnitTest::GetInstance();
         seed = info->random_seed() > 0 ? unsigned(info->random_seed()) : std::random_device()();
+        std::cout << "seed " << seed << std::endl;
         random.seed(seed);
         RecordProperty("seed", std::to_string(seed));
     }
