@@ -155,7 +155,7 @@ std::shared_ptr<CommandStack::Command> CommandStack::resolve(QString name) const
         return nullptr;
     }
     if (!command->isLoaded()) {
-        console.print(QStringLiteral("\nThe module of the command %1 is not loaded.").arg(name));
+        console.print(QStringLiteral("\n%1: module not loaded").arg(name));
         return nullptr;
     }
     return command;

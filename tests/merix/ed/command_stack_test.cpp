@@ -346,7 +346,7 @@ TEST_F(CommandStackTest, ACommandGoesWithTheLoadOfItsModuleThatAddedItEvenWhereT
     log.text.clear();
     shown();
     EXPECT_EQ(run("PINNED"), Outcome::kUnknown);
-    EXPECT_THAT(shown(), HasSubstr("The module of the command PINNED is not loaded."));
+    EXPECT_THAT(shown(), HasSubstr("PINNED: module not loaded"));
     ASSERT_EQ(loader.load(MODULE_PINNED).module, module);
     EXPECT_EQ(run("PINNED"), Outcome::kUnknown) << "it was added by another load";
     addPinned(*module);

@@ -241,7 +241,7 @@ TEST_F(ModuleLoadTest, TheCommandGroupOutlivesTheModuleAndItsClassesComeBack) {
 TEST_F(ModuleLoadTest, ACommandWithoutItsModuleDoesNothing) {
     Module& module = load();
     unload(module);
-    EXPECT_THAT(printedBy("VOICESHOW"), HasSubstr("The module of the command VOICESHOW is not loaded."));
+    EXPECT_THAT(printedBy("VOICESHOW"), HasSubstr("VOICESHOW: module not loaded"));
     EXPECT_FALSE(isMapped());
 }
 
