@@ -4,6 +4,7 @@
 #include "merix/ed/prompter.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace merix::ap {
 
@@ -16,6 +17,16 @@ QString askPath(const QString& prompt) {
     if (path.startsWith(QLatin1String("~/")))
         path = QDir::homePath() + path.mid(1);
     return path;
+}
+
+bool mayReplace(const QString& path) {
+    if (!QFileInfo::exists(path))
+        return true;
+    ed::Prompter& prompter = ed::Prompter::instance();
+    prompter.init(0, QStringLiteral("Yes No"));
+    QString answer = QStringLiteral("No");
+    prompter.getKeyword(QStringLiteral("%1 exists. Replace it? [Yes/No] <No>: ").arg(path), answer);
+    return answer == QLatin1String("Yes");
 }
 
 } // namespace merix::ap

@@ -30,13 +30,7 @@ bool mayWrite(const QString& path) {
         ed::tell(QStringLiteral("%1: it is open as a drawing").arg(path));
         return false;
     }
-    if (!QFileInfo::exists(path))
-        return true;
-    ed::Prompter& prompter = ed::Prompter::instance();
-    prompter.init(0, QStringLiteral("Yes No"));
-    QString answer = QStringLiteral("No");
-    prompter.getKeyword(QStringLiteral("%1 exists. Replace it? [Yes/No] <No>: ").arg(path), answer);
-    return answer == QLatin1String("Yes");
+    return mayReplace(path);
 }
 
 void wblock() {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "merix/app/module_commands.h"
 
+#include "merix/ap/ask_path.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/view_commands.h"
 #include "merix/rx/module_loader.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace merix::app {
@@ -54,11 +54,9 @@ QString ask(const QString& prompt) {
 }
 
 void load() {
-    QString path = ask(QStringLiteral("Module file to load: "));
+    const QString path = ap::askPath(QStringLiteral("Module file to load: "));
     if (path.isEmpty())
         return;
-    if (path.startsWith(QLatin1String("~/")))
-        path = QDir::homePath() + path.mid(1);
     const rx::ModuleResult result = rx::ModuleLoader::instance().load(path.toStdString());
     tell(result ? QStringLiteral("Loaded %1").arg(fileName(*result.module)) : QString::fromStdString(result.error));
 }

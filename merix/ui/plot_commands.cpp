@@ -6,8 +6,6 @@
 #include "merix/ui/main_window.h"
 #include "merix/ui/plot.h"
 
-#include <QFileInfo>
-
 namespace merix::ui {
 
 namespace {
@@ -36,15 +34,9 @@ bool askWindow(MxDbExtents& window) {
 }
 
 /// With nobody there to ask, scripts replace what they wrote before.
-bool mayReplace(const QString& path) {
+bool mayWrite(const QString& path) {
     const MainWindow* window = MainWindow::instance();
-    if (!window || window->isUnattended() || !QFileInfo::exists(path))
-        return true;
-    ed::Prompter& prompter = ed::Prompter::instance();
-    prompter.init(0, QStringLiteral("Yes No"));
-    QString answer = QStringLiteral("No");
-    prompter.getKeyword(QStringLiteral("%1 exists. Replace it? [Yes/No] <No>: ").arg(path), answer);
-    return answer == QLatin1String("Yes");
+    return !window || window->isUnattended() || ap::mayReplace(path);
 }
 
 void exportPlot() {
@@ -53,7 +45,7 @@ void exportPlot() {
         return;
     if (const QString why = whyNoPlotFile(path); !why.isEmpty())
         return tell(why);
-    if (!mayReplace(path))
+    if (!mayWrite(path))
         return;
     PlotView view{ap::DocManager::instance().current()->database(), {}, {}};
     if (!askWindow(view.window))
