@@ -11,6 +11,7 @@
 #include "merix/ed/host_functions.h"
 #include "merix/ed/prompter.h"
 #include "merix/rx/module_loader.h"
+#include "tests/phonomark/dictionary_entry.h"
 
 #include <QFile>
 #include <QSettings>
@@ -112,19 +113,12 @@ protected:
     }
     /// The handles that the drawing's stored list of notes names, in order.
     static std::vector<std::wstring> stored(const MxDbDatabase& database) {
-        const auto entry = [](MxDbObjectId dictionaryId, const wchar_t* key) {
-            MxDbObjectId id;
-            MxDbDictionary* dictionary = nullptr;
-            if (mxdbOpenObject(dictionary, dictionaryId, Mx::kForRead) == Mx::eOk) {
-                dictionary->getAt(key, id);
-                dictionary->close();
-            }
-            return id;
-        };
         std::vector<std::wstring> handles;
         MxDbXrecord* list = nullptr;
-        if (mxdbOpenObject(list, entry(entry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST"),
-                           Mx::kForRead) != Mx::eOk)
+        if (mxdbOpenObject(
+                list,
+                dictionaryEntry(dictionaryEntry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST"),
+                Mx::kForRead) != Mx::eOk)
             return handles;
         resbuf* chain = nullptr;
         list->rbChain(&chain);

@@ -12,6 +12,7 @@
 #include "phonomark/registry/ob_reactor.h"
 #include "phonomark/registry/object_watch.h"
 #include "phonomark/tagwindow/show_tag_window.h"
+#include "tests/phonomark/dictionary_entry.h"
 #include "tests/phonomark/module_fixture.h"
 
 #include <algorithm>
@@ -35,17 +36,7 @@ protected:
         layer->flags |= 4;
     }
     MxDbObjectId listId(MxDbDatabase& of) {
-        MxDbDictionary *named = nullptr, *notes = nullptr;
-        MxDbObjectId id;
-        if (of.getNamedObjectsDictionary(named, Mx::kForRead) == Mx::eOk) {
-            named->getAt(L"PHONO_MARK", id);
-            named->close();
-        }
-        if (mxdbOpenObject(notes, id, Mx::kForRead) == Mx::eOk) {
-            notes->getAt(L"VOICE_LIST", id);
-            notes->close();
-        }
-        return id;
+        return dictionaryEntry(dictionaryEntry(of.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST");
     }
 
     void eraseLayouts() {

@@ -2,6 +2,7 @@
 #include "phonomark/registry/phonomark_manager.h"
 
 #include "host/db/dictionary.h"
+#include "tests/phonomark/dictionary_entry.h"
 #include "tests/phonomark/module_fixture.h"
 #include "tests/support/dxf_tags.h"
 
@@ -15,22 +16,13 @@ class VoiceListTest : public ModuleTest {
 protected:
     PhonomarkManager& registry() { return *livePhManager(); }
 
-    MxDbObjectId entry(MxDbObjectId dictionaryId, const wchar_t* key) {
-        MxDbObjectId id;
-        MxDbDictionary* dictionary = nullptr;
-        if (mxdbOpenObject(dictionary, dictionaryId, Mx::kForRead) == Mx::eOk) {
-            dictionary->getAt(key, id);
-            dictionary->close();
-        }
-        return id;
-    }
-    MxDbObjectId dictionary() { return entry(database().namedObjectsDictionaryId(), L"PHONO_MARK"); }
+    MxDbObjectId dictionary() { return dictionaryEntry(database().namedObjectsDictionaryId(), L"PHONO_MARK"); }
 
     /// The stored list as (code, text).
     std::vector<std::pair<int, std::wstring>> stored() {
         std::vector<std::pair<int, std::wstring>> result;
         MxDbXrecord* list = nullptr;
-        if (mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForRead) != Mx::eOk)
+        if (mxdbOpenObject(list, dictionaryEntry(dictionary(), L"VOICE_LIST"), Mx::kForRead) != Mx::eOk)
             return result;
         resbuf* chain = nullptr;
         list->rbChain(&chain);
@@ -66,7 +58,7 @@ protected:
             next = &(*next)->rbnext;
         }
         MxDbXrecord* list = nullptr;
-        ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+        ASSERT_EQ(mxdbOpenObject(list, dictionaryEntry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
         list->setFromRbChain(*chain);
         list->close();
         mxutRelRb(chain);
@@ -196,11 +188,11 @@ TEST_F(VoiceListTest, ADictionaryOrAListThatCannotBeOpenedIsLeftAsItIs) {
     notes->close();
     EXPECT_THAT(stored(), ElementsAre(element(a)));
     MxDbXrecord* list = nullptr;
-    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForRead), Mx::eOk);
+    ASSERT_EQ(mxdbOpenObject(list, dictionaryEntry(dictionary(), L"VOICE_LIST"), Mx::kForRead), Mx::eOk);
     EXPECT_TRUE(registry().SaveVoiceHandle(&database())) << "the dictionary could be had";
     list->close();
     EXPECT_THAT(stored(), ElementsAre(element(a)));
-    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+    ASSERT_EQ(mxdbOpenObject(list, dictionaryEntry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
     registry().RemovePhonomark(&document());
     EXPECT_TRUE(registry().ReadVoiceHandle(&document()));
     list->close();
@@ -214,7 +206,7 @@ TEST_F(VoiceListTest, NothingStaysOpenWhenSomebodyWhoIsToldOfTheSaveThrows) {
     addNote();
     expectAllClosedAfterAThrowAt(database().namedObjectsDictionaryId());
     EXPECT_TRUE(registry().SaveVoiceHandle(&database()));
-    const MxDbObjectId list = entry(dictionary(), L"VOICE_LIST");
+    const MxDbObjectId list = dictionaryEntry(dictionary(), L"VOICE_LIST");
     addNote();
     expectAllClosedAfterAThrowAt(list);
     EXPECT_EQ(statusOfOpening(list), Mx::eOk);
@@ -241,7 +233,7 @@ TEST_F(VoiceListTest, AListThatIsGoneReadsAsNoNotesAndIsMadeAnew) {
     const MxDbObjectId id = addNote();
     registry().SaveVoiceHandle(&database());
     MxDbXrecord* list = nullptr;
-    ASSERT_EQ(mxdbOpenObject(list, entry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
+    ASSERT_EQ(mxdbOpenObject(list, dictionaryEntry(dictionary(), L"VOICE_LIST"), Mx::kForWrite), Mx::eOk);
     list->erase();
     list->close();
     registry().RemovePhonomark(&document());
