@@ -186,6 +186,8 @@ bool leavesFiles(const MxDbObject& container, MxDbObjectId entry);
 
 /// Files an object's fields into bytes and back with the binary filer.
 std::string dwgImage(const MxDbObject& object, MxDbFilerType type);
+/// The state that undo goes back to, whoever has the object open.
+std::string undoImage(const MxDbObject& object);
 Mx::ErrorStatus readDwgImage(MxDbObject& object, std::string_view image, MxDbFilerType type);
 
 } // namespace merix::db

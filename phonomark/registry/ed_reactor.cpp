@@ -8,6 +8,7 @@
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "phonomark/tagwindow/show_tag_window.h"
 
 #include <QFileInfo>
 
@@ -63,6 +64,7 @@ void PhonomarkEdReactor::Detach() {
 }
 
 void PhonomarkEdReactor::beginSave(MxDbDatabase* database, const wchar_t* fileName) {
+    keepTakeOfTagWindow(database);
     // A suffix never carries the dot, so every save writes the list, the host's automatic saves included.
     const QString suffix = QFileInfo(toQString(fileName ? fileName : L"")).suffix().toUpper();
     if (suffix == QLatin1String(".PH$") || suffix == QLatin1String(".MS$"))

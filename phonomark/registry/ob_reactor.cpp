@@ -5,6 +5,7 @@
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/registry/object_watch.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "phonomark/tagwindow/show_tag_window.h"
 
 MxRxClass* PhonomarkObReactor::gpDesc = nullptr;
 
@@ -17,6 +18,8 @@ MxRxObject* PhonomarkObReactor::makeDefault() {
 }
 
 void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
+    if (erasing)
+        noteErasedUnderTagWindow(object->objectId());
     PhonomarkManager* manager = livePhManager();
     const MxApDocManager* documents = mxDocManagerPtr();
     MxApDocument* document = manager && documents ? documents->document(object->database()) : nullptr;
@@ -26,6 +29,10 @@ void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
         manager->RemovePhonomark(object->objectId(), document);
     else
         manager->AppendPhonomark(object->objectId(), document);
+}
+
+void PhonomarkObReactor::modified(const MxDbObject* object) {
+    noteChangedUnderTagWindow(object->objectId());
 }
 
 void PhonomarkObReactor::goodbye(const MxDbObject* object) {
