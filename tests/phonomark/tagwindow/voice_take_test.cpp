@@ -308,7 +308,10 @@ TEST_F(VoiceTakeTest, TheSpeakerIsRememberedForAllModules) {
     note(a).setSpokesman(L"Änne");
     mxutUpdateStringTable(L"Bert");
     pressFor(openWindow(a), 2000);
-    EXPECT_EQ(merix::rx::stringTable(), (std::vector<std::wstring>{L"Änne", L"Bert"}));
+    const auto& known = merix::rx::stringTable();
+    ASSERT_GE(known.size(), 2u);
+    EXPECT_EQ(known[0], L"Änne");
+    EXPECT_EQ(known[1], L"Bert");
 }
 
 TEST_F(VoiceTakeTest, EscStopsANoteThatPlays) {
