@@ -24,7 +24,7 @@ void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
         return;
     if (erasing)
         manager->RemovePhonomark(object->objectId(), document);
-    else
+    else if (!takeListedWhileErased(object->objectId()))
         manager->AppendPhonomark(object->objectId(), document);
 }
 

@@ -9,7 +9,16 @@
 namespace {
 
 PhonomarkObReactor g_objectReactor;
-std::set<MxDbObjectId> g_watched;
+std::set<MxDbObjectId> g_watched, g_listedWhileErased;
+
+void addTo(MxDbObjectId id, bool openErased) {
+    MxDbObject* object = nullptr;
+    if (mxdbOpenObject(object, id, Mx::kForRead, openErased) != Mx::eOk)
+        return;
+    if (!HasPhonomarkObReactor(object) && object->addReactor(phObjRectPtr()) == Mx::eOk)
+        g_watched.insert(id);
+    object->close();
+}
 
 bool removeFrom(MxDbObjectId id, bool openErased) {
     MxDbObject* object = nullptr;
@@ -35,21 +44,37 @@ bool HasPhonomarkObReactor(const MxDbObject* object) {
 }
 
 void watchObject(MxDbObjectId id) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead) != Mx::eOk)
-        return;
-    if (!HasPhonomarkObReactor(object) && object->addReactor(phObjRectPtr()) == Mx::eOk)
-        g_watched.insert(id);
-    object->close();
+    addTo(id, false);
+}
+
+void watchErasedObject(MxDbObjectId id, bool isListed) {
+    addTo(id, true);
+    if (isListed)
+        g_listedWhileErased.insert(id);
+}
+
+bool takeListedWhileErased(MxDbObjectId id) {
+    return g_listedWhileErased.erase(id) > 0;
 }
 
 void unwatchObject(MxDbObjectId id) {
+    g_listedWhileErased.erase(id); // whoever stops watching has taken it off the list
     if (removeFrom(id, false))
         g_watched.erase(id);
 }
 
 void forgetObject(MxDbObjectId id) {
     g_watched.erase(id);
+    g_listedWhileErased.erase(id);
+}
+
+std::vector<MxDbHandle> watchedHandles(const MxDbDatabase* database) {
+    std::vector<MxDbHandle> handles;
+    for (const MxDbObjectId& id : g_watched)
+        if (id.database() == database)
+            handles.push_back(id.handle());
+    std::sort(handles.begin(), handles.end());
+    return handles;
 }
 
 void unwatchDatabase(const MxDbDatabase* database) {

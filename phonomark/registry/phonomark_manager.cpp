@@ -80,14 +80,17 @@ PhonomarkManager* livePhManager() {
 }
 
 PhonomarkManager::PhonomarkManager() {
-    for (MxApDocument* document : openDocuments())
+    for (MxApDocument* document : openDocuments()) {
         ReadVoiceHandle(document);
+        resumeWatching(document);
+    }
 }
 
 PhonomarkManager::~PhonomarkManager() {
     guarded([this] {
         for (MxApDocument* document : openDocuments()) {
             guarded([&] { SaveVoiceHandle(document->database()); });
+            guarded([&] { keepWatched(*document); });
             guarded([&] { RemovePhonomark(document); });
         }
     });
