@@ -17,8 +17,6 @@
 #include "phonomark/tagwindow/pm_reactor.h"
 #include "phonomark/tagwindow/show_tag_window.h"
 
-#include <utility>
-
 namespace {
 
 constexpr wchar_t kShowFunction[] = L"PhonomarkShow";
@@ -58,7 +56,6 @@ int CPhonomarkApp::On_kInitAppMsg(void* appId) {
     registerCommands();
     createMxPhManager();
     g_bPhonomarkShow = GetProfileIntW(RegSection(), L"VoiceShow", 1) != 0;
-    m_showWasRead = true;
     return result;
 }
 
@@ -72,8 +69,7 @@ int CPhonomarkApp::On_kUnloadAppMsg(void* appId) {
     }
     deleteMxPhManager();
     removeTagWindow(); // its code goes with the module
-    if (std::exchange(m_showWasRead, false))
-        WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
+    WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
     delete g_editorrect;
     g_editorrect = nullptr;
     unregisterClasses();
