@@ -109,10 +109,10 @@ private:
 class NoteOrderTest : public ModuleAbsenceTest, public ::testing::WithParamInterface<Order> {};
 
 constexpr Order kOrders[] = {
-    {"IZULY"},     {"IEULZ"},     {"IEUZL"},      {"IZUYL"},     {"IEULULZ"},    {"IUZLY"},   {"ISZULY"},
-    {"ISEULZ"},    {"ISEUZL"},    {"IEULULULZ"},  {"IUEZL"},     {"IUELZ"},      {"ISUELZ"}, {"IEUZLULEZ"},
-    {"IZULYZY"},   {"IEULZULEZ"}, {"IZULULYULZY"}, {"IEUZYZL"},  {"IEULZYZ"},    {"IEUSLZ"},  {"IEULSZ"},
-    {"IEULSULZ"},  {"IUL"},       {"IEZUL"},     {"IUELULZ"},
+    {"IZULY"},    {"IEULZ"},     {"IEUZL"},       {"IZUYL"},   {"IEULULZ"}, {"IUZLY"},  {"ISZULY"},
+    {"ISEULZ"},   {"ISEUZL"},    {"IEULULULZ"},   {"IUEZL"},   {"IUELZ"},   {"ISUELZ"}, {"IEUZLULEZ"},
+    {"IZULYZY"},  {"IEULZULEZ"}, {"IZULULYULZY"}, {"IEUZYZL"}, {"IEULZYZ"}, {"IEUSLZ"}, {"IEULSZ"},
+    {"IEULSULZ"}, {"IUL"},       {"IEZUL"},       {"IUELULZ"},
 };
 
 std::vector<Order> withAndWithoutAnother() {
