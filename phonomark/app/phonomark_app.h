@@ -22,7 +22,6 @@ public:
 
 private:
     static void registerClasses();
-    static void unregisterClasses();
     static void registerCommands();
     static void doFun(int code);
 };

@@ -5,6 +5,7 @@
 #include "phonomark/registry/phonomark_manager.h"
 
 #include "host/db/kept_handles.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/registry/object_watch.h"
 
 #include <algorithm>
@@ -16,12 +17,8 @@ constexpr wchar_t kModuleKey[] = L"MrxPhonomark";
 
 /// Whether the object is erased; nothing when it cannot be opened.
 std::optional<bool> isErased(MxDbObjectId id) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead, true) != Mx::eOk)
-        return std::nullopt;
-    const bool erased = object->isErased();
-    object->close();
-    return erased;
+    const Opened<MxDbObject> object(id, Mx::kForRead, true);
+    return object ? std::optional(object->isErased()) : std::nullopt;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "phonomark/registry/ob_reactor.h"
 
 #include "host/ap/document.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/registry/object_watch.h"
 #include "phonomark/registry/phonomark_manager.h"
@@ -16,7 +17,7 @@ MxRxObject* PhonomarkObReactor::makeDefault() {
     return makeOnHostHeap<PhonomarkObReactor>();
 }
 
-void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
+void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) try {
     PhonomarkManager* manager = livePhManager();
     const MxApDocManager* documents = mxDocManagerPtr();
     MxApDocument* document = manager && documents ? documents->document(object->database()) : nullptr;
@@ -26,6 +27,8 @@ void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) {
         manager->RemovePhonomark(object->objectId(), document);
     else if (!takeListedWhileErased(object->objectId()))
         manager->AppendPhonomark(object->objectId(), document);
+} catch (...) {
+    reportFailure("a note's erasure");
 }
 
 void PhonomarkObReactor::goodbye(const MxDbObject* object) {

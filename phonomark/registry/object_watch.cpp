@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/object_watch.h"
 
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/registry/ob_reactor.h"
 
 #include <algorithm>
@@ -12,21 +13,17 @@ PhonomarkObReactor g_objectReactor;
 std::set<MxDbObjectId> g_watched, g_listedWhileErased;
 
 void addTo(MxDbObjectId id, bool openErased) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead, openErased) != Mx::eOk)
+    const Opened<MxDbObject> object(id, Mx::kForRead, openErased);
+    if (!object || HasPhonomarkObReactor(object.get()))
         return;
-    if (!HasPhonomarkObReactor(object) && object->addReactor(phObjRectPtr()) == Mx::eOk)
-        g_watched.insert(id);
-    object->close();
+    g_watched.insert(id); // before the reactor is there: none may stay behind that is not remembered
+    if (object->addReactor(phObjRectPtr()) != Mx::eOk)
+        g_watched.erase(id);
 }
 
 bool removeFrom(MxDbObjectId id, bool openErased) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead, openErased) != Mx::eOk)
-        return false;
-    const bool removed = !HasPhonomarkObReactor(object) || object->removeReactor(phObjRectPtr()) == Mx::eOk;
-    object->close();
-    return removed;
+    const Opened<MxDbObject> object(id, Mx::kForRead, openErased);
+    return object && (!HasPhonomarkObReactor(object.get()) || object->removeReactor(phObjRectPtr()) == Mx::eOk);
 }
 
 } // namespace
