@@ -8,6 +8,7 @@
 #include "merix/db/undo.h"
 
 #include <deque>
+#include <map>
 #include <unordered_map>
 
 namespace merix::db {
@@ -137,6 +138,8 @@ public:
     void notifyHeaderChanged();
 
     std::unique_ptr<FileParts> fileParts;
+    /// What modules left here for the time they are away, by their keys.
+    std::map<std::wstring, std::vector<MxDbHandle>> keptHandles;
 
     /// Replaces the object behind an id by one of another class, which takes over its place: owner, reactors, extension
     /// dictionary, source text. The old object is deleted.

@@ -4,6 +4,7 @@
 #include "phonomark/entity/phonomark.h"
 
 #include "host/db/database.h"
+#include "phonomark/dbutil/border.h"
 
 #include <algorithm>
 #include <array>
@@ -48,7 +49,7 @@ struct MxDbPhonomark::DxfFields {
 
 // --- binary
 
-Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const {
+Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbEntity::dwgOutFields(filer); status != Mx::eOk)
         return status;
@@ -67,6 +68,8 @@ Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const {
     filer->writeString(m_datatime.text());
     filer->writeString(m_duration.text());
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing a note", Mx::eItemUnreadable);
 }
 
 void MxDbPhonomark::dwgOutLocation(MxDbDwgFiler* filer) const {
@@ -99,7 +102,7 @@ Mx::ErrorStatus MxDbPhonomark::dwgOutWaveFormatData(MxDbDwgFiler* filer) const {
     return filer->writeUInt16(m_waveFormat.cbSize);
 }
 
-Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) {
+Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) try {
     assertWriteEnabled();
     if (const auto status = MxDbEntity::dwgInFields(filer); status != Mx::eOk)
         return status;
@@ -122,6 +125,8 @@ Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) {
     readText(filer, m_datatime);
     readText(filer, m_duration);
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading a note", Mx::eItemUnreadable);
 }
 
 Mx::ErrorStatus MxDbPhonomark::dwgInLocation(MxDbDwgFiler* filer) {
@@ -205,7 +210,7 @@ bool MxDbPhonomark::adoptSamples(const void* bytes, std::size_t count, std::size
 
 // --- DXF
 
-Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const {
+Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbEntity::dxfOutFields(filer); status != Mx::eOk)
         return status;
@@ -222,6 +227,8 @@ Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const {
     filer->writeString(2, m_datatime.text());
     filer->writeString(3, m_duration.text());
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing a note", Mx::eItemUnreadable);
 }
 
 /// A Reply note writes no location: its handle is kept by the binary form alone.
@@ -258,7 +265,7 @@ void MxDbPhonomark::dxfOutSamples(MxDbDxfFiler* filer) const {
     } while (offset < size);
 }
 
-Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) {
+Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) try {
     assertWriteEnabled();
     if (MxDbEntity::dxfInFields(filer) != Mx::eOk || !filer->atSubclassData(kSubclass))
         return filer->filerStatus();
@@ -290,6 +297,8 @@ Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) {
     if (const auto adopted = adoptDxfFields(filer, fields); adopted != Mx::eOk)
         return adopted;
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading a note", Mx::eItemUnreadable);
 }
 
 /// Reads one group; false when it is none of the note's.
