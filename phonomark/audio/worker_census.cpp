@@ -49,8 +49,6 @@ WorkerCensus::~WorkerCensus() {
 bool WorkerCensus::start(const std::shared_ptr<Flag>& running, std::function<void()> body) {
     const std::lock_guard lock(m_state->mutex);
     m_state->forgetFinished();
-    // Starting a thread orders this store before all that the thread does.
-    const bool before = running->exchange(true, std::memory_order_relaxed);
     try {
         std::list<Worker> fresh(1);
         Worker& worker = fresh.front();
@@ -64,7 +62,6 @@ bool WorkerCensus::start(const std::shared_ptr<Flag>& running, std::function<voi
         m_state->workers.splice(m_state->workers.end(), fresh);
         return true;
     } catch (const std::exception& error) {
-        running->store(before, std::memory_order_relaxed);
         std::fprintf(stderr, "no thread for sound: %s\n", error.what());
         return false;
     }
@@ -122,7 +119,7 @@ void WorkerCensus::State::forgetFinished() {
 
 void WorkerCensus::State::clearFlags() {
     for (const Worker& worker : workers)
-        worker.running->store(false, std::memory_order_relaxed); // see recorder.cpp, player.cpp
+        worker.running->store(false, std::memory_order_relaxed); // see recorder.cpp, player.h
 }
 
 void endProcess() {

@@ -26,10 +26,8 @@ public:
     /// Stops every worker and waits for all, however long it takes: what is not done before this cannot be left behind.
     ~WorkerCensus();
 
-    /// Runs `body` on a thread of its own. `running` is the flag whose clearing ends it. It is set here, before the
-    /// thread exists, so that a worker that comes up late cannot undo a stop.
-    /// False, with a line on standard error and the flag as it was, if the system gives no thread. `body` must not
-    /// throw. Any thread.
+    /// Runs `body` on a thread of its own. `running` is the flag whose clearing ends it.
+    /// False, with a line on standard error, if the system gives no thread. `body` must not throw. Any thread.
     bool start(const std::shared_ptr<Flag>& running, std::function<void()> body);
 
     /// Clears the running flag of every worker and waits for all. A recorder ends within about a period of sound, a

@@ -16,10 +16,11 @@ protected:
     /// The period that is taken when the device grants `frames`.
     int periodFor(unsigned long frames) {
         alsa.grantedPeriod = frames;
-        const phonomark::PcmHandle pcm = phonomark::openDefaultPcm(SND_PCM_STREAM_CAPTURE);
-        const phonomark::HwParams params = phonomark::allocateHwParams();
-        phonomark::requestPeriodSize(pcm.get(), params.get(), 0);
-        return phonomark::grantedPeriodFrames(params.get());
+        phonomark::PcmReport report;
+        const phonomark::PcmHandle pcm = phonomark::openDefaultPcm(SND_PCM_STREAM_CAPTURE, report);
+        const phonomark::HwParams params = phonomark::allocateHwParams(report);
+        phonomark::requestPeriodSize(pcm.get(), params.get(), 0, report);
+        return phonomark::grantedPeriodFrames(params.get(), report);
     }
 
     void recordAndPlay() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/audio/player.h"
 
+#include "phonomark/audio/recorder.h"
 #include "tests/phonomark/audio/audio_fixture.h"
 
 #include <cerrno>
@@ -88,13 +89,12 @@ TEST_F(PlayerTest, AsksForFortyKilohertzMonoInAFixedOrderOfCallsAndDrains) {
         "snd_pcm_hw_params_set_period_size_near 24",
         "snd_pcm_hw_params",
         "snd_pcm_hw_params_get_period_size",
+        "snd_pcm_hw_params_free",
         "snd_pcm_writei 24",
         "snd_pcm_drain",
         "snd_pcm_close",
     };
-    std::vector<std::string> calls = alsa.calls();
-    std::erase(calls, "snd_pcm_hw_params_free"); // on the caller's thread, at any time from here on
-    EXPECT_EQ(calls, expected);
+    EXPECT_EQ(alsa.calls(), expected);
     EXPECT_EQ(alsa.parameterBlocks(), 0);
     printed.take();
     EXPECT_EQ(printed.err, "size = 96\n");
@@ -196,20 +196,101 @@ TEST_F(PlayerTest, AnUnderrunSkipsNothingAndRepeatsNothing) {
     EXPECT_EQ(printed.err, "size = 64\nunderrun occurred\n");
 }
 
-TEST_F(PlayerTest, AWriteErrorIsReportedAndPassedOver) {
-    const std::vector<char> bytes = note(2);
+TEST_F(PlayerTest, WriteErrorsArePassedOverAndToldOfOnceUntilAWriteSucceeds) {
+    const std::vector<long> results = {-5, -5, 16, -5, -19, -5, -19, -32, -32, 16, -32, 16, -32, 16};
+    const std::vector<char> bytes = note(static_cast<int>(results.size()) - 1);
+    VkAudioPlayer player;
+    std::vector<bool> failed;
     alsa.write = [&](const std::int16_t* samples, unsigned long frames) {
+        failed.push_back(player.hasFailed());
         written.emplace_back(samples, samples + frames);
+        return results[written.size() - 1];
+    };
+    ASSERT_TRUE(player.play(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    workerCensus().wait();
+    ASSERT_EQ(written.size(), results.size());
+    EXPECT_EQ(written[4], counted(65, 16));
+    EXPECT_EQ(alsa.count("snd_pcm_prepare"), 4) << "one for each underrun";
+    printed.take();
+    EXPECT_EQ(printed.err, "size = 64\nerror from writei: status -5\nerror from writei: status -5\n"
+                           "error from writei: status -19\nunderrun occurred\nunderrun occurred\nunderrun occurred\n");
+    EXPECT_EQ(failed, (std::vector<bool>{false, true, true, false, true, true, true, true, true, true, false, false,
+                                         false, false}));
+    EXPECT_FALSE(player.hasFailed()) << "sound is taken again";
+}
+
+TEST_F(PlayerTest, OneUnderrunIsNoLossASecondBeforeAWriteSucceedsIs) {
+    const std::vector<char> bytes = note(2);
+    VkAudioPlayer player;
+    std::vector<bool> failed;
+    alsa.write = [&](auto*, unsigned long) {
+        failed.push_back(player.hasFailed());
+        return -32L;
+    };
+    ASSERT_TRUE(player.play(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    workerCensus().wait();
+    EXPECT_EQ(failed, (std::vector<bool>{false, false, true}));
+    EXPECT_TRUE(player.hasFailed());
+    alsa.setStatus("snd_pcm_open", -EBUSY);
+    EXPECT_FALSE(player.play("", 0));
+    EXPECT_FALSE(player.hasFailed()) << "each attempt begins anew";
+}
+
+TEST_F(PlayerTest, AnEarlierPlaybackThatFailsIsNotTakenForTheLast) {
+    const std::vector<char> bytes = note(1);
+    std::latch released(1);
+    std::atomic<int> writes = 0;
+    alsa.write = [&](auto*, unsigned long frames) {
+        if (++writes > 1)
+            return static_cast<long>(frames);
+        released.wait();
         return -5L;
     };
     VkAudioPlayer player;
     ASSERT_TRUE(player.play(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    while (writes == 0)
+        std::this_thread::yield();
+    ASSERT_TRUE(player.play(nullptr, 0));
+    player.stop();
+    released.count_down();
     workerCensus().wait();
-    EXPECT_EQ(written, (Periods{counted(1, 16), counted(17, 16), silence}));
-    EXPECT_EQ(alsa.count("snd_pcm_prepare"), 0);
+    EXPECT_FALSE(player.hasFailed());
+}
+
+TEST_F(PlayerTest, ADeviceThatDoesNotAnswerIsGivenUpAndItsHandleClosedWhenItDoes) {
+    for (const std::string call : {"snd_pcm_open", "snd_pcm_hw_params"}) {
+        alsa.reset();
+        alsa.setStatus("snd_pcm_hw_params", -EINVAL); // would end the process
+        alsa.hang(call);
+        VkAudioPlayer player;
+        EXPECT_FALSE(player.play("", 0));
+        EXPECT_FALSE(player.play("", 0));
+        EXPECT_EQ(alsa.count("snd_pcm_open"), 1) << "at once";
+        alsa.answer();
+        workerCensus().wait();
+        EXPECT_EQ(alsa.openDevices(), 0);
+        EXPECT_EQ(alsa.count("snd_pcm_writei"), 0);
+        alsa.setStatus("snd_pcm_hw_params", 0);
+        EXPECT_TRUE(player.play("", 0));
+        workerCensus().wait();
+        EXPECT_EQ(alsa.count("snd_pcm_writei"), 1);
+    }
     printed.take();
-    const std::string line = "error from writei: status -5\n";
-    EXPECT_EQ(printed.err, "size = 64\n" + line + line + line);
+    const std::string line = "the sound device does not answer\n";
+    EXPECT_EQ(printed.err, line + line + "size = 64\n" + line + line + "size = 64\n");
+}
+
+TEST_F(PlayerTest, APlaybackIsNotHeldUpByARecordingThatCannotBegin) {
+    std::vector<char> buffer(VkAudioRecorder::kBufferBytes);
+    std::uint32_t size = 0;
+    alsa.hang("snd_pcm_open");
+    VkAudioRecorder recorder;
+    EXPECT_FALSE(recorder.record(buffer.data(), &size));
+    VkAudioPlayer player;
+    EXPECT_TRUE(player.play("", 0));
+    alsa.answer();
+    workerCensus().wait();
+    EXPECT_EQ(written.size(), 1u);
 }
 
 TEST_F(PlayerTest, APartialWriteIsNotRetried) {
@@ -232,6 +313,7 @@ TEST_F(PlayerTest, ADrainErrorIsReportedAndTheDeviceClosedAnyway) {
     ASSERT_TRUE(player.play("", 0));
     workerCensus().wait();
     EXPECT_EQ(alsa.openDevices(), 0);
+    EXPECT_TRUE(player.hasFailed()) << "the end was not heard";
     printed.take();
     EXPECT_EQ(printed.err, "size = 64\nsnd_pcm_drain: status -77\n");
     EXPECT_EQ(printed.out, kClosing);
@@ -276,6 +358,10 @@ TEST_F(PlayerDeathTest, ParametersThatCannotBeAppliedEndTheProcess) {
     EXPECT_EXIT(
         {
             alsa.setStatus("snd_pcm_hw_params", -EINVAL);
+            g_atShutdown = [caller = std::this_thread::get_id()] {
+                if (std::this_thread::get_id() != caller || AlsaScript::instance().openDevices() != 0)
+                    _exit(2);
+            };
             VkAudioPlayer().play("", 0);
         },
         testing::ExitedWithCode(1), "snd_pcm_hw_params: Invalid argument\nthe host ends the process");

@@ -4,12 +4,13 @@
 #include "phonomark/audio/player.h"
 #include "phonomark/audio/recorder.h"
 #include "phonomark/audio/worker_census.h"
-#include "tests/phonomark/audio/sound_server.h"
+#include "tests/phonomark/audio/counting_microphone.h"
 #include "tools/soundcheck/correlate.h"
 #include "tools/soundcheck/note_stream.h"
 
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
@@ -62,13 +63,31 @@ protected:
     std::uint32_t size = 0;
 };
 
+class RealEndOfSpeechTest : public testing::TestWithParam<std::string> {
+protected:
+    RealEndOfSpeechTest() { setenv("PHONOMARK_AUDIO_LOG", microphone.server.path("granted").c_str(), 1); }
+
+    /// Frames, as the device last granted them.
+    std::size_t period() const {
+        std::ifstream log(microphone.server.path("granted"));
+        std::size_t frames = 0;
+        for (std::string line; std::getline(log, line);)
+            std::sscanf(line.c_str(), "capture rate=%*u period=%zu", &frames);
+        return frames;
+    }
+
+    CountingMicrophone microphone{GetParam()};
+    std::vector<char> buffer = std::vector<char>(VkAudioRecorder::kBufferBytes);
+    std::uint32_t size = 0;
+};
+
 } // namespace
 
 TEST_P(RealSoundTest, WhatIsSpokenIsRecordedAndHeardAgain) {
     const Sound spoken = soundcheck::readSound(kSpeech);
     const double speechMs = static_cast<double>(spoken.samples.size()) * 1000 / spoken.rate;
     VkAudioRecorder recorder;
-    ASSERT_TRUE(recorder.record(buffer.data(), &size));
+    ASSERT_TRUE(pressAgainUntil([&] { return recorder.record(buffer.data(), &size); }));
     waitForRecorded(300);
     server.speak();
     waitForRecorded(300 + speechMs + 1500);
@@ -84,7 +103,7 @@ TEST_P(RealSoundTest, WhatIsSpokenIsRecordedAndHeardAgain) {
     EXPECT_NEAR(static_cast<double>(recorded.samples.size()) * 1000 / capture.rate, recorder.getTimeMs(), 500);
 
     VkAudioPlayer player;
-    ASSERT_TRUE(player.play(buffer.data(), size));
+    ASSERT_TRUE(pressAgainUntil([&] { return player.play(buffer.data(), size); }));
     phonomark::workerCensus().wait();
     const Granted playback = granted("playback");
     EXPECT_EQ(playback.rate, 40'000u);
@@ -98,15 +117,48 @@ TEST_P(RealSoundTest, WhatIsSpokenIsRecordedAndHeardAgain) {
 
 TEST_P(RealSoundTest, AStopRightAfterTheStartLeavesNothing) {
     VkAudioRecorder recorder;
-    ASSERT_TRUE(recorder.record(buffer.data(), &size));
+    ASSERT_TRUE(pressAgainUntil([&] { return recorder.record(buffer.data(), &size); }));
     recorder.stop();
     phonomark::workerCensus().wait();
     EXPECT_LE(size, granted("capture").period * 4);
     VkAudioPlayer player;
-    ASSERT_TRUE(player.play(buffer.data(), VkAudioRecorder::kBufferBytes));
+    ASSERT_TRUE(pressAgainUntil([&] { return player.play(buffer.data(), VkAudioRecorder::kBufferBytes); }));
     player.stop();
     phonomark::workerCensus().wait(); // much sooner than the thirty seconds of the buffer
 }
 
+TEST(RealMicrophoneTest, MissingSamplesAreThoseFromTheLastOneToTheEnd) {
+    using Microphone = CountingMicrophone;
+    EXPECT_EQ(Microphone::missing(100, Microphone::sample(99)), 0);
+    EXPECT_EQ(Microphone::missing(100, Microphone::sample(89)), 10);
+    EXPECT_EQ(Microphone::missing(100, Microphone::sample(109)), -10);
+    EXPECT_EQ(Microphone::missing(Microphone::kCount + 5, Microphone::sample(Microphone::kCount - 1)), 5);
+    EXPECT_EQ(Microphone::missing(Microphone::kCount, Microphone::sample(Microphone::kCount + 4)), -5);
+}
+
+/// What is said until the release is in the note, however late the server hands it over.
+TEST_P(RealEndOfSpeechTest, TheNoteHoldsAllThatWasTakenBeforeTheRelease) {
+    constexpr int kTakes = 10;
+    int whole = 0;
+    for (int take = 0; take < kTakes; ++take) {
+        VkAudioRecorder recorder;
+        size = 0;
+        ASSERT_TRUE(pressAgainUntil([&] { return recorder.record(buffer.data(), &size); }));
+        while (std::atomic_ref<std::uint32_t>(size).load() < 50'000)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const std::int64_t end = microphone.taken();
+        recorder.catchUp();
+        recorder.stop();
+        const std::uint32_t count = std::atomic_ref<std::uint32_t>(size).load();
+        phonomark::workerCensus().wait();
+        std::int16_t last = 0; // of the last period, before its padding
+        std::memcpy(&last, &buffer[count - period() * 2 - sizeof last], sizeof last);
+        whole += CountingMicrophone::missing(end, last) <= 0 ? 1 : 0;
+    }
+    EXPECT_GE(whole, kTakes - 2) << "but where the machine held up the worker for long";
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, RealEndOfSpeechTest, testing::Values("pulseaudio", "pipewire"),
+                         [](const auto& parameter) { return parameter.param; });
 INSTANTIATE_TEST_SUITE_P(Servers, RealSoundTest, testing::Values("pulseaudio", "pipewire"),
                          [](const auto& parameter) { return parameter.param; });

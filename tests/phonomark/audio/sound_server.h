@@ -1,22 +1,36 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <unistd.h>
+
+/// On a busy machine a server may take longer to open a device than anybody is made to wait: then one presses again.
+template <class Start> bool pressAgainUntil(Start start) {
+    for (int i = 0; i < 10; ++i) {
+        if (start())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return false;
+}
 
 /// A private sound server for as long as it lives. ALSA's "default" of this process points at it: it has to be made
 /// before ALSA is used for the first time, so one process has one server.
 class SoundServer {
 public:
-    /// `kind` as scripts/sound-server.sh knows it.
-    SoundServer(const std::string& kind, const std::string& speech) {
+    /// `kind` as scripts/sound-server.sh knows it. `microphone` names the program that feeds the virtual microphone.
+    SoundServer(const std::string& kind, const std::string& speech,
+                const std::string& microphone = MERIX_BINARY_DIR "/bin/soundcheck") {
         char name[] = "/tmp/phonomark-sound-XXXXXX";
         m_folder = mkdtemp(name);
         setenv("SOUND_SERVER", kind.c_str(), 1);
-        setenv("SOUNDCHECK", MERIX_BINARY_DIR "/bin/soundcheck", 1);
+        setenv("SOUNDCHECK", microphone.c_str(), 1);
         run("start", speech + " --owner " + std::to_string(getpid()));
         takeEnvironment();
     }
@@ -31,6 +45,17 @@ public:
     void speak() const { run("speak", ""); }
     void heard(const std::string& wav) const { run("heard", wav); }
     std::string path(const std::string& name) const { return m_folder + "/" + name; }
+
+    /// Sends a signal to the processes that programs make sound through.
+    void signal(int number) const {
+        std::ifstream file(path("pids"));
+        long started = 0;
+        pid_t pid = 0;
+        for (std::string name; file >> name >> pid >> started;) {
+            if (name == "server" || name == "door")
+                kill(pid, number);
+        }
+    }
 
 private:
     std::string script(const std::string& command, const std::string& rest) const {

@@ -106,6 +106,24 @@ TEST_F(UnloadDeathTest, AWorkerThatComesBackAfterTheUnloadEndsInItsOwnCode) {
         testing::ExitedWithCode(0), "the sound device does not answer");
 }
 
+TEST_F(UnloadDeathTest, AnOpeningThatHangsHoldsUpNoUnloadAndComesBackInItsOwnCode) {
+    EXPECT_EXIT(
+        {
+            open();
+            alsa.hang("snd_pcm_open");
+            check(!start(), "it started");
+            check(!stop(1), "a hanging opening was not left behind");
+            check(dlclose(module) == 0, "dlclose failed");
+            check(isMapped(), "the code of an opening has gone");
+            alsa.answer();
+            while (alsa.count("snd_pcm_close") == 0)
+                std::this_thread::yield();
+            check(alsa.count("snd_pcm_writei") == 0, "it played");
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "the sound device does not answer\n.*its worker is left behind");
+}
+
 TEST_F(UnloadDeathTest, AModuleThatStayedMappedSoundsAgainWhenItIsLoadedAgain) {
     EXPECT_EXIT(
         {

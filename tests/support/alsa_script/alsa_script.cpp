@@ -31,10 +31,28 @@ void AlsaScript::reset() {
         return static_cast<long>(frames);
     };
     write = [](const std::int16_t*, unsigned long frames) { return static_cast<long>(frames); };
+    delay = 0;
+    m_hanging.clear();
     m_statuses.clear();
     m_calls.clear();
     m_devices = 0;
     m_blocks = 0;
+}
+
+void AlsaScript::hang(const std::string& call) {
+    const std::lock_guard lock(m_mutex);
+    m_hanging = call;
+}
+
+void AlsaScript::waitUntilItHangs() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_hangs; });
+}
+
+void AlsaScript::answer() {
+    const std::lock_guard lock(m_mutex);
+    m_hangs = false;
+    m_changed.notify_all();
 }
 
 void AlsaScript::setStatus(const std::string& call, int status) {
@@ -65,8 +83,14 @@ int AlsaScript::parameterBlocks() const {
 }
 
 int AlsaScript::note(const std::string& call, const std::string& arguments) {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_calls.push_back(arguments.empty() ? call : call + " " + arguments);
+    if (call == m_hanging) {
+        m_hanging.clear();
+        m_hangs = true;
+        m_changed.notify_all();
+        m_changed.wait(lock, [this] { return !m_hangs; });
+    }
     const auto found = m_statuses.find(call);
     const int status = found == m_statuses.end() ? 0 : found->second;
     if (status < 0)
@@ -205,6 +229,11 @@ snd_pcm_sframes_t snd_pcm_readi(snd_pcm_t*, void* samples, snd_pcm_uframes_t fra
 snd_pcm_sframes_t snd_pcm_writei(snd_pcm_t*, const void* samples, snd_pcm_uframes_t frames) {
     script().note("snd_pcm_writei", text(frames));
     return script().write(static_cast<const std::int16_t*>(samples), frames);
+}
+
+int snd_pcm_delay(snd_pcm_t*, snd_pcm_sframes_t* frames) {
+    *frames = script().delay;
+    return script().note("snd_pcm_delay");
 }
 
 int snd_pcm_prepare(snd_pcm_t*) {

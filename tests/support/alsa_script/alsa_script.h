@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -23,6 +25,12 @@ public:
     /// Everything succeeds, the device grants what it is asked for, captures silence and plays into nothing.
     void reset();
 
+    /// The next call named so does not return before answer(): a sound server that does not answer.
+    void hang(const std::string& call);
+    /// Waits until a call hangs.
+    void waitUntilItHangs();
+    void answer();
+
     /// What a call returns from now on. A negative status also sets errno, as the real ones mostly do.
     void setStatus(const std::string& call, int status);
 
@@ -30,6 +38,9 @@ public:
     unsigned grantedRate = 0;
     unsigned long grantedBuffer = 0;
     unsigned long grantedPeriod = 0;
+
+    /// Frames that the device has taken and not handed over.
+    std::atomic<long> delay = 0;
 
     Read read;
     Write write;
@@ -49,6 +60,9 @@ public:
 
 private:
     mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_hanging;
+    bool m_hangs = false;
     std::map<std::string, int> m_statuses;
     std::vector<std::string> m_calls;
     int m_devices = 0;
