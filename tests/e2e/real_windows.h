@@ -2,9 +2,11 @@
 // By hand: a real screen (Xvfb), a window manager, the keyboard and the mouse (xdotool), a real sound server.
 #pragma once
 
+#include "tests/e2e/witnessed.h"
 #include "tests/support/dxf_tags.h"
 #include "tests/support/process.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
@@ -14,6 +16,7 @@
 #include <QtEndian>
 
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <vector>
 
@@ -40,11 +43,11 @@ private:
 };
 
 /// Looks again and again; false when it has not come true after a long time.
-inline bool comesTrue(const std::function<bool()>& condition) {
+inline bool comesTrue(const std::function<bool()>& condition, int boundMs = 30'000) {
     QElapsedTimer clock;
     clock.start();
     while (!condition()) {
-        if (clock.elapsed() > 30'000)
+        if (clock.elapsed() > boundMs)
             return false;
         QThread::msleep(50);
     }
@@ -55,6 +58,7 @@ inline bool comesTrue(const std::function<bool()>& condition) {
 struct RealScreen : testing::Test {
     QTemporaryDir folder{QStringLiteral("/tmp/hand.XXXXXX")};
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const Witnessed witness{folder.path()};
     std::unique_ptr<Running> screen, manager, merix;
     QString sound, log, window;
     QRect frame; ///< of the window on the screen when it was opened
@@ -90,6 +94,9 @@ struct RealScreen : testing::Test {
         environment.insert("PHONOMARK_AUDIO_LOG", log);
         for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
             environment.insert(name, folder.filePath("home"));
+        environment.insert("QT_PLUGIN_PATH", MERIX_BINARY_DIR "/tests/plugins");
+        environment.insert("QT_QPA_GENERIC_PLUGINS", "witness");
+        environment.insert("MERIX_WITNESS", folder.path());
 
         // libxkbcommon-x11 copies a part of a text without an end by strndup, as it may; the strict check of the
         // address sanitizer asks for an end all the same.
@@ -118,6 +125,8 @@ struct RealScreen : testing::Test {
         ASSERT_TRUE(frame.isValid());
     }
     void TearDown() override {
+        if (HasFailure())
+            keepPicture();
         merix.reset();
         if (!sound.isEmpty())
             run(MERIX_SOURCE_DIR "/scripts/sound-server.sh", {"stop", sound}, folder.path(), {}, environment);
@@ -151,6 +160,15 @@ struct RealScreen : testing::Test {
     }
     /// What the window shows.
     QImage shown() const { return seen().copy(frame); }
+    /// The screen and the command history as they were when the test had failed, for people to look at.
+    void keepPicture() const {
+        const QString folderOfAll = MERIX_BINARY_DIR "/hand/failed";
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        const QString path = folderOfAll + '/' + test->test_suite_name() + '.' + test->name();
+        if (!QDir().mkpath(folderOfAll) || !seen().save(path + ".png"))
+            return;
+        std::cout << "The screen: " << qPrintable(path) << ".png\n" << qPrintable(witness.said()) << std::endl;
+    }
     /// The last one on the screen with `title` in its title; empty for none.
     QString windowNamed(const QString& title) {
         const QByteArray found = hand({"search", "--onlyvisible", "--name", title}).out.trimmed();
