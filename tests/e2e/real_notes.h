@@ -80,8 +80,6 @@ inline QByteArray drawingOf(const std::vector<Note>& notes, const QByteArray& ot
 }
 
 struct RealNotes : RealScreen {
-    static constexpr int kSpokenMs = 1800; ///< a take that is long enough to be kept, also on a busy machine
-
     /// Opens a drawing of these; from then on a unit of it is a pixel, counted from the lower left corner of the view.
     void open(const std::vector<Note>& notes, const QByteArray& others = {}, const QStringList& first = {}) {
         QFile file(drawing);
@@ -100,43 +98,12 @@ struct RealNotes : RealScreen {
         hand({"click", QString::number(button)});
     }
 
-    /// Types lines and waits until they were taken and the next command is waited for.
-    bool command(const QStringList& lines) {
-        const QString called = "Command: " + lines.front();
-        const int before = witness.timesSaid(called);
-        type(lines);
-        return comesTrue([&] { return witness.timesSaid(called) > before && witness.prompt() == "Command:"; });
-    }
-    /// Types each line when the one before has been taken and the next is asked for.
-    void type(const QStringList& lines) {
-        for (int i = 0; i < lines.size(); ++i) {
-            const QString said = witness.said(), prompt = witness.prompt();
-            enter(lines[i]);
-            if (i + 1 < lines.size())
-                comesTrue([&] {
-                    const QString next = witness.prompt();
-                    return witness.said() != said && (next != prompt || next.contains("Select objects"));
-                });
-        }
-    }
-    void enter(const QString& line) {
-        if (line.isEmpty())
-            hand({"key", "Return"});
-        else
-            hand({"type", "--delay", "3", "--args", "1", line, "key", "Return"});
-    }
     /// The value of a system variable.
     QString variable(const QString& name) {
         const int before = witness.timesSaid(name + " = ");
         if (!command({"SETVAR", name}) || witness.timesSaid(name + " = ") == before)
             return {};
         return witness.said().section(name + " = ", -1).section(' ', 0, 0).section('\n', 0, 0);
-    }
-    /// The program is there and answers.
-    bool answers(int boundMs = 30'000) {
-        const int before = witness.timesSaid("Command: MODULES");
-        type({"MODULES"});
-        return comesTrue([&] { return witness.timesSaid("Command: MODULES") > before; }, boundMs);
     }
     bool isRunning() {
         merix->process().waitForFinished(1);
@@ -186,11 +153,6 @@ struct RealNotes : RealScreen {
         EXPECT_TRUE(comesTrue([&] { return !witness.hasTag(); }));
     }
 
-    QByteArray atServer(const char* what) {
-        return run("pactl", {"list", "short", what}, folder.path(), {}, environment).out.trimmed();
-    }
-    bool isListening() { return !atServer("source-outputs").isEmpty(); }
-    bool isPlaying() { return !atServer("sink-inputs").isEmpty(); }
     void press() { hand({"mousedown", "1"}); }
     void release() { hand({"mouseup", "1"}); }
     /// Holds the button until the microphone listens, and speaks.

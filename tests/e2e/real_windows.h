@@ -56,6 +56,8 @@ inline bool comesTrue(const std::function<bool()>& condition, int boundMs = 30'0
 
 /// A screen of its own with a window manager and sound.
 struct RealScreen : testing::Test {
+    static constexpr int kSpokenMs = 1800; ///< a take that is long enough to be kept, also on a busy machine
+
     QTemporaryDir folder{QStringLiteral("/tmp/hand.XXXXXX")};
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     const Witnessed witness{folder.path()};
@@ -140,6 +142,42 @@ struct RealScreen : testing::Test {
             numbers[line.left(line.indexOf('='))] = line.mid(line.indexOf('=') + 1).toInt();
         return numbers;
     }
+    /// Types lines and waits until they were taken and the next command is waited for.
+    bool command(const QStringList& lines) {
+        const QString called = "Command: " + lines.front();
+        const int before = witness.timesSaid(called);
+        type(lines);
+        return comesTrue([&] { return witness.timesSaid(called) > before && witness.prompt() == "Command:"; });
+    }
+    /// Types each line when the one before has been taken and the next is asked for.
+    void type(const QStringList& lines) {
+        for (int i = 0; i < lines.size(); ++i) {
+            const QString said = witness.said(), prompt = witness.prompt();
+            enter(lines[i]);
+            if (i + 1 < lines.size())
+                comesTrue([&] {
+                    const QString next = witness.prompt();
+                    return witness.said() != said && (next != prompt || next.contains("Select objects"));
+                });
+        }
+    }
+    void enter(const QString& line) {
+        if (line.isEmpty())
+            hand({"key", "Return"});
+        else
+            hand({"type", "--delay", "3", "--args", "1", line, "key", "Return"});
+    }
+    /// The program is there and answers.
+    bool answers(int boundMs = 30'000) {
+        const int before = witness.timesSaid("Command: MODULES");
+        type({"MODULES"});
+        return comesTrue([&] { return witness.timesSaid("Command: MODULES") > before; }, boundMs);
+    }
+    QByteArray atServer(const char* what) {
+        return run("pactl", {"list", "short", what}, folder.path(), {}, environment).out.trimmed();
+    }
+    bool isListening() { return !atServer("source-outputs").isEmpty(); }
+    bool isPlaying() { return !atServer("sink-inputs").isEmpty(); }
     void moveTo(int x, int y) { hand({"mousemove", "--window", window, QString::number(x), QString::number(y)}); }
     /// The whole screen: the server keeps its screen in a file of big-endian words that tell its measures, a table
     /// of colours and the pixels.
@@ -160,6 +198,20 @@ struct RealScreen : testing::Test {
     }
     /// What the window shows.
     QImage shown() const { return seen().copy(frame); }
+    /// Places a note there in the window.
+    void placeNote(int x, int y) {
+        moveTo(x, y);
+        enter("PHONOMARK");
+        ASSERT_TRUE(comesTrue([&] { return witness.prompt().contains("Specify the point"); }));
+        hand({"click", "1"});
+        ASSERT_TRUE(comesTrue([&] { return witness.prompt() == "Command:"; }));
+    }
+    /// The cursor rests on the marker of the note that was placed there, and its window is seen.
+    bool hoverNote(int x, int y) {
+        moveTo(x + 25, y - 25);
+        moveTo(x + 26, y - 26);
+        return comesTrue([&] { return !witness.tag().isNull(); });
+    }
     /// The screen and the command history as they were when the test had failed, for people to look at.
     void keepPicture() const {
         const QString folderOfAll = MERIX_BINARY_DIR "/hand/failed";

@@ -48,6 +48,12 @@ public:
         return {};
     }
     bool sees(const QString& what, const QString& text = QString()) const { return visible(what, text).isVisible; }
+    bool seesMenu() const {
+        for (const Widget& widget : widgets())
+            if (widget.isVisible && widget.kind.endsWith("Menu"))
+                return true;
+        return false;
+    }
     /// Where the tag window stands; null while it is not seen.
     QRect tag() const { return visible("CPhonomarkTagUIDlg").place; }
     /// True while there is one, seen or not.

@@ -86,13 +86,10 @@ public:
 
 private:
     void listen(const QPlainTextEdit& history) {
-        connect(&history, &QPlainTextEdit::textChanged, this, &Witness::hear, Qt::UniqueConnection);
-        m_history = &history;
+        const auto hear = [&history] { writeDown("said", history.toPlainText().toUtf8()); };
+        history.disconnect(this); // it may be shown for another time
+        connect(&history, &QPlainTextEdit::textChanged, this, hear);
         hear();
-    }
-    void hear() {
-        if (m_history)
-            writeDown("said", m_history->toPlainText().toUtf8());
     }
     void lookAround() {
         QJsonArray all;
@@ -112,7 +109,6 @@ private:
     }
 
     QTimer m_later;
-    QPointer<const QPlainTextEdit> m_history;
     QByteArray m_last;
 };
 
