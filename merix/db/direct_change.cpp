@@ -30,7 +30,7 @@ MxDbDirectChange::MxDbDirectChange(MxDbObjectId id, const wchar_t* name)
 MxDbDirectChange::~MxDbDirectChange() {
     const MxDbObject* object = DatabaseImp::peek(m_id);
     if (m_isRecorded && object && undoImage(*object) != m_before)
-        m_id.stub()->database->undo.recordApart(std::move(m_name), {UndoStep::Kind::kModify, m_id, std::move(m_before),
-                                                                    object->isA()->name()});
+        m_id.stub()->database->undo.recordApart(
+            std::move(m_name), {UndoStep::Kind::kModify, m_id, std::move(m_before), object->isA()->name()});
     mxdbMarkModified(m_id);
 }

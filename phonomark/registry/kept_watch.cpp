@@ -8,8 +8,8 @@
 #include "phonomark/dbutil/opened.h"
 #include "phonomark/registry/object_watch.h"
 
-#include <algorithm>
 #include <optional>
+#include <set>
 
 namespace {
 
@@ -30,12 +30,14 @@ void PhonomarkManager::keepWatched(const MxApDocument& document) {
 
 void PhonomarkManager::resumeWatching(MxApDocument* document) {
     MxDbDatabase* database = document->database();
+    std::set<MxDbObjectId> listed;
+    if (const CDocData* data = dataOf(document))
+        listed.insert(data->ids().begin(), data->ids().end());
     for (const MxDbHandle& handle : database ? mxdbKeptHandles(*database, kModuleKey) : std::vector<MxDbHandle>()) {
         MxDbObjectId id;
         if (database->getMxDbObjectId(id, false, handle, 0) != Mx::eOk)
             continue;
-        const CDocData* data = dataOf(document);
-        const bool isListed = data && std::find(data->ids().begin(), data->ids().end(), id) != data->ids().end();
+        const bool isListed = listed.count(id) > 0;
         const std::optional<bool> erased = isErased(id);
         if (erased == true)
             watchErasedObject(id, isListed);

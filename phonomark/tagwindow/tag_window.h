@@ -89,6 +89,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    /// Nothing that a handler throws reaches Qt.
+    bool event(QEvent* event) override;
 
 private:
     void deleteOwner();
@@ -122,7 +124,8 @@ private:
     bool m_abandoned = false;
     bool m_hovered = false;
     bool m_overDeleteBox = false;
-    QPoint m_lastMove{-1, -1}; ///< where the mouse was said to be last
+    bool m_saidDeviceLost = false; ///< of the sound that is played
+    QPoint m_lastMove{-1, -1};     ///< where the mouse was said to be last
     std::int64_t m_playTicks = 0;
     int m_recordTicks = 0;
     int m_playDurationMs = 0;

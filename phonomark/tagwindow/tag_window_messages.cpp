@@ -3,6 +3,7 @@
 // here is not seen there.
 #include "phonomark/tagwindow/tag_window.h"
 
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/text_conversion.h"
@@ -27,6 +28,10 @@ constexpr unsigned long kEndWaitMs = 500;
 std::wstring durationOfTenths(int tenths) {
     const int shown = tenths % kTenthsShown;
     return std::to_wstring(shown / 10) + L'.' + std::to_wstring(shown % 10) + L'"';
+}
+
+bool CPhonomarkTagUIDlg::event(QEvent* event) try { return CDialog::event(event); } catch (...) {
+    return failed("an event of the tag window", true);
 }
 
 bool CPhonomarkTagUIDlg::PreTranslateMessage(tagMSG* message) {

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <cwchar>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -70,7 +71,7 @@ void CPhonomarkTagUIDlg::recordTick() {
         return; // a press that captures nothing has no time to show
     m_take->showTime();
     mxuiRepairView();
-    if (m_take->isRunning() && m_take->hasReachedLimit() && m_take->sayOnceLimit())
+    if (m_take->hasReachedLimit() && m_take->sayOnceLimit())
         mxutPrintfById(kLimitText);
 }
 
@@ -116,6 +117,7 @@ void CPhonomarkTagUIDlg::OnPlayStart() {
     if (m_player)
         m_player->stop(); // a press on a window that plays begins anew
     m_player.emplace();
+    m_saidDeviceLost = false;
     if (!m_buffer || !m_player->play(m_buffer->bytes(), m_buffer->count(), m_buffer))
         mxutPrintText(m_unavailableText.c_str());
     stopTimer(m_playTimer);
@@ -159,6 +161,8 @@ void CPhonomarkTagUIDlg::riseInCorner() {
 }
 
 void CPhonomarkTagUIDlg::playTick() {
+    if (m_player && m_player->hasFailed() && !std::exchange(m_saidDeviceLost, true))
+        mxutPrintfById(kDeviceLostText);
     ++m_playTicks;
     const std::int64_t index = m_playTicks % kAnimatedImages;
     m_currentImage = index < static_cast<std::int64_t>(m_playingImages.size())

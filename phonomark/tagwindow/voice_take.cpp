@@ -45,7 +45,8 @@ bool VoiceTake::start() {
 }
 
 void VoiceTake::stop() {
-    m_running = false;
+    if (std::exchange(m_running, false))
+        m_recorder.catchUp(); // the last word is still on its way
     m_recorder.stop();
 }
 
@@ -54,7 +55,7 @@ std::wstring VoiceTake::duration() const {
 }
 
 bool VoiceTake::hasReachedLimit() const {
-    return elapsedMs() > VkAudioRecorder::kLongestMs;
+    return m_running && m_recorder.hasEnded();
 }
 
 bool VoiceTake::isLatest() const {

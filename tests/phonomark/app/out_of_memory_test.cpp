@@ -125,7 +125,8 @@ class OutOfMemoryTest : public LoadedModuleTest {
 protected:
     /// Repeats `call` with the first, the second, ... allocation of the module failing until none is left to fail, and
     /// looks each time at what came out and at the drawings. `before` prepares a call with memory to spare.
-    void atEveryAllocation(const std::function<void()>& call, const std::function<void()>& before = [] {}) {
+    void atEveryAllocation(
+        const std::function<void()>& call, const std::function<void()>& before = [] {}) {
         bool reached = true;
         int failures = 0;
         for (int failing = 0; reached && !HasFailure(); ++failing) {
@@ -265,12 +266,11 @@ TEST_F(OutOfMemoryTest, WhileNotesAreDrawnPickedAndHovered) {
 }
 
 TEST_F(OutOfMemoryTest, AtALoadTakesTheModuleOutAgain) {
-    atEveryAllocation(
-        [] { ModuleLoader::instance().load(kModulePath); },
-        [] {
-            ModuleLoader::instance().unloadAll();
-            EXPECT_EQ(classesRegistered(), 0);
-        });
+    atEveryAllocation([] { ModuleLoader::instance().load(kModulePath); },
+                      [] {
+                          ModuleLoader::instance().unloadAll();
+                          EXPECT_EQ(classesRegistered(), 0);
+                      });
     EXPECT_EQ(classesRegistered(), int(kModuleClasses.size()));
     EXPECT_EQ(call("(PhonomarkShow)"), "1");
 }
