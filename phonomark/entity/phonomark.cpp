@@ -79,6 +79,13 @@ void MxDbPhonomark::delAudioData() {
     m_pAudioData = nullptr;
 }
 
+void MxDbPhonomark::dropUndoneRecording() {
+    if (m_bRecord || !m_pAudioData)
+        return;
+    delAudioData();
+    m_audioDataSize = 0;
+}
+
 void MxDbPhonomark::setWaveFormat(const tWAVEFORMATEX* format) {
     m_waveFormat = *format;
 }

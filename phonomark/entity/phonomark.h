@@ -56,6 +56,9 @@ public:
     std::shared_ptr<const void> shareAudioData() const { return m_audioBlock; }
     /// Releases the bytes; the size stays as it was.
     void delAudioData();
+    /// Lets go of bytes that the note holds without being recorded: reading the state before a recording, as undo does,
+    /// leaves them where they are.
+    void dropUndoneRecording();
     /// Counts the times that the note was read from a filer, as undo and redo do with it.
     unsigned timesFiledIn() const { return m_timesFiledIn; }
     void setAudioDataSize(unsigned size) { m_audioDataSize = size; }

@@ -116,11 +116,9 @@ Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) try {
     if (const auto status = dwgInLocation(filer); status != Mx::eOk)
         return status;
     filer->readBool(m_bRecord);
-    if (!m_bRecord) { // what a recording that is being taken back has left
-        delAudioData();
-        m_audioDataSize = 0;
-    } else if (const auto status = dwgInSamples(filer); status != Mx::eOk)
-        return status;
+    if (m_bRecord)
+        if (const auto status = dwgInSamples(filer); status != Mx::eOk)
+            return status;
     readText(filer, m_spokesman);
     readText(filer, m_datatime);
     readText(filer, m_duration);

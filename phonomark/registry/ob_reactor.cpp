@@ -4,6 +4,7 @@
 #include "host/ap/document.h"
 #include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/run_time_class.h"
+#include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/object_watch.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "phonomark/tagwindow/show_tag_window.h"
@@ -35,6 +36,8 @@ void PhonomarkObReactor::erased(const MxDbObject* object, bool erasing) try {
 }
 
 void PhonomarkObReactor::modified(const MxDbObject* object) try {
+    if (object->isKindOf(MxDbPhonomark::desc()))
+        static_cast<MxDbPhonomark*>(const_cast<MxDbObject*>(object))->dropUndoneRecording();
     noteChangedUnderTagWindow(object->objectId());
 } catch (...) {
     reportFailure("a note's change");

@@ -152,6 +152,18 @@ TEST_F(HoverTest, AWindowThatPlaysStaysOverEmptySpaceUntilItIsAborted) {
     EXPECT_FALSE(g_taguidlg);
 }
 
+TEST_F(HoverTest, AWindowThatPlaysStaysWithItsNoteWhenTheCursorComesOverAnother) {
+    const MxDbObjectId played = addRecorded(L"5.0\""), other = addDrawn();
+    CPhonomarkTagUIDlg& window = openWindow(played);
+    press(window);
+    const QPoint place = window.pos();
+    hover(middle(other), {other});
+    ASSERT_EQ(g_taguidlg, &window);
+    EXPECT_EQ(window.GetMxDbOwner(), &note(played));
+    EXPECT_EQ(window.pos(), place);
+    EXPECT_TRUE(window.IsPlaying());
+}
+
 TEST_F(HoverTest, TheMonitorOfADocumentGoesWithItsLastNote) {
     CPhonomarkTagUIDlg& window = openWindow(addNote());
     EXPECT_TRUE(window.isVisible());

@@ -106,7 +106,7 @@ TEST_F(VoiceTakeTest, TheSecondOfTwoNotesInOneWindowStaysEmptyAndTheUserIsToldHo
     printed();
     press(window);
     tick(window, window.recordTimer());
-    EXPECT_THAT(printed(), HasSubstr("Move off the note and back"));
+    EXPECT_THAT(printed(), HasSubstr("move off the note and back"));
     expectEmpty(b);
     letGo(window);
     expectEmpty(b);
@@ -121,7 +121,7 @@ TEST_F(VoiceTakeTest, ASecondPressOverTheSameNoteSaysThatNothingIsRecorded) {
     pressFor(window, 600);
     printed();
     press(window);
-    EXPECT_THAT(printed(), HasSubstr("Move off the note and back"));
+    EXPECT_THAT(printed(), HasSubstr("move off the note and back"));
     tick(window, window.recordTimer());
     letGo(window);
     EXPECT_EQ(printed(), "") << "what was too short has been said";
