@@ -21,5 +21,9 @@ QPoint mxuiScreenToMainWindow(const QPoint& point);
 QRect mxuiViewRect();
 /// Physical pixels in one pixel of the windows' coordinates.
 double mxuiDevicePixelRatio();
+/// Says in passing what the event under way has done in the active drawing, and offers to take that step back: for ten
+/// seconds, or until the drawing is changed again or another is the active one. An offer takes the place of the one
+/// before. No effect without a window, or when there is nothing to take back.
+void mxuiOfferUndo(const wchar_t* text);
 /// Paints what is stale in the active view now.
 void mxuiRepairView();

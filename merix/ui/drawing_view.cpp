@@ -52,8 +52,6 @@ DrawingView::DrawingView(QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::BlankCursor);
     setMinimumSize(120, 90);
-    m_hover.setSingleShot(true);
-    connect(&m_hover, &QTimer::timeout, this, &DrawingView::hover);
     connect(&ed::Prompter::instance(), &ed::Prompter::changed, this, &DrawingView::promptChanged);
     connect(&ed::Selection::instance(), &ed::Selection::changed, this, &DrawingView::repaintMarks);
 }
@@ -86,6 +84,7 @@ void DrawingView::setDocument(ap::Document* document) {
         m_document->disconnect(this);
     }
     m_hand.abandon();
+    m_hover.leaveNow();
     if (isActive())
         ed::setActiveView(nullptr);
     m_document = document;
@@ -106,6 +105,7 @@ void DrawingView::becomeActive() {
         return;
     if (auto* before = dynamic_cast<DrawingView*>(ed::activeView())) {
         before->m_hand.abandon();
+        before->m_hover.leaveNow();
         before->repaintMarks();
     }
     ed::setActiveView(this);
@@ -189,7 +189,7 @@ void DrawingView::setTransform(const ge::ViewTransform& transform) {
         ed::Editor::instance().notifyViewChanged(); // else when it becomes active
     if (m_cursor) {
         Q_EMIT cursorMoved(toWorld(*m_cursor));
-        m_hover.start(0);
+        m_hover.lookSoon();
     }
 }
 
@@ -523,12 +523,14 @@ void DrawingView::leftRelease(QMouseEvent* event) {
              QLineF(*answeredAt, event->localPos()).length() > kDragDistance)
         ed::Prompter::instance().submitPoint(aimedAt(event->localPos()), // the corner was dragged open
                                              event->modifiers() & Qt::ShiftModifier);
-    m_hover.start(0);
+    m_hover.lookSoon();
 }
 
 void DrawingView::mouseMoveEvent(QMouseEvent* event) {
     if (!m_document)
         return;
+    if (m_panning && !(event->buttons() & Qt::MiddleButton))
+        endPan(); // the window under which it began went and took the release with it
     if (m_panning) {
         const QPointF step = (event->localPos() - m_panFrom) * devicePixelRatioF();
         m_panFrom = event->localPos();
@@ -541,8 +543,8 @@ void DrawingView::mouseMoveEvent(QMouseEvent* event) {
     }
     m_hand.move(event->localPos());
     moveCursor(event->localPos());
-    if (event->buttons() == Qt::NoButton && !m_hand.isDragging())
-        m_hover.start(0);
+    if (event->buttons() == Qt::NoButton && !m_hand.isDragging() && !m_hover.isCovered())
+        m_hover.lookSoon();
 }
 
 void DrawingView::mouseReleaseEvent(QMouseEvent* event) {
@@ -550,10 +552,14 @@ void DrawingView::mouseReleaseEvent(QMouseEvent* event) {
         leftRelease(event);
     if (event->button() != Qt::MiddleButton || !m_panning)
         return;
+    endPan();
+    moveCursor(event->localPos());
+    m_hover.lookSoon();
+}
+
+void DrawingView::endPan() {
     m_panning = false;
     setCursor(Qt::BlankCursor);
-    moveCursor(event->localPos());
-    m_hover.start(0);
 }
 
 void DrawingView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -568,19 +574,13 @@ void DrawingView::enterEvent(QEvent*) {
 }
 
 void DrawingView::leaveEvent(QEvent*) {
-    m_hover.stop();
     moveCursor({});
+    m_hover.lookSoon();
 }
 
-void DrawingView::hover() {
-    if (!isActive() || !m_cursor || m_panning)
-        return;
-    MxEdInputPoint input;
-    input.pointComputed = true;
-    input.rawPoint = toWorld(*m_cursor);
-    input.pickedEntities = scene().pick(space(), input.rawPoint, aperture());
-    if (const auto* points = dynamic_cast<ed::InputPoints*>(m_document->inputPointManager()))
-        points->notify(input);
+void DrawingView::hideEvent(QHideEvent*) {
+    moveCursor({});
+    m_hover.lookSoon();
 }
 
 } // namespace merix::ui

@@ -10,11 +10,11 @@
 #include "merix/ed/prompter.h"
 #include "merix/gi/scene.h"
 #include "merix/ui/highlights.h"
+#include "merix/ui/hover.h"
 #include "merix/ui/selection_hand.h"
 #include "merix/ui/snap.h"
 
 #include <QPixmap>
-#include <QTimer>
 #include <QWidget>
 
 #include <map>
@@ -74,6 +74,8 @@ public:
 
     /// Paints at once what is stale.
     void repairNow();
+    /// The cursor is on a module's window over the view, whose mouse events come from now on.
+    void cover(QWidget& window) { m_hover.cover(window); }
     QSize sizeHint() const override { return {960, 600}; }
 
 Q_SIGNALS:
@@ -92,8 +94,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void enterEvent(QEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    friend class Hover;
     gi::Scene& scene();
     MxDbObjectId space() const;
     void keep(ap::Document* document, std::unique_ptr<Highlights> highlights);
@@ -110,7 +114,7 @@ private:
     void moveCursor(std::optional<QPointF> position);
     /// Half the side of the pick box in drawing units.
     double aperture() const;
-    void hover();
+    void endPan();
     void leftPress(QMouseEvent* event);
     void leftRelease(QMouseEvent* event);
 
@@ -131,7 +135,7 @@ private:
     ed::Prompter::Wants m_lastWanted = ed::Prompter::Wants::kNothing; ///< by the prompt in force or, after it, the last
     bool m_boxSelects = false;           ///< the corner asked for is of a box that began where nothing was picked
     std::optional<QPointF> m_answeredAt; ///< where the button went down to answer a prompt and is still held
-    QTimer m_hover;                      ///< one look at what is under the cursor for all the moves that come at once
+    Hover m_hover{*this};
 };
 
 } // namespace merix::ui

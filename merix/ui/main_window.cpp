@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/main_window.h"
 
+#include "host/ui/dialog.h"
 #include "merix/ed/command_stack.h"
 #include "merix/ed/prompter.h"
 #include "merix/ui/icons.h"
@@ -21,11 +22,13 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace merix::ui {
 
@@ -45,6 +48,7 @@ MainWindow::MainWindow() {
     keepTextsPlain();
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
+    setMouseTracking(true); // for what windows over the view leave to it
     resize(1280, 800);
     buildCentre();
     buildMenus();
@@ -148,7 +152,7 @@ void MainWindow::buildFileMenu() {
 void MainWindow::buildEditMenu() {
     auto& manager = ap::DocManager::instance();
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    m_undo = addAction(edit, tr("&Undo"), QKeySequence::Undo, true, [this, &manager] { manager.undo(*shown()); });
+    m_undo = addAction(edit, tr("&Undo"), QKeySequence::Undo, true, [this] { undoShown(); });
     m_redo = addAction(edit, tr("&Redo"), keys("Ctrl+Y"), true, [this, &manager] { manager.redo(*shown()); });
     m_bar->addSeparator();
     const auto onBar = [this](QAction* action, const char* icon, Steps steps) {
@@ -224,13 +228,29 @@ void MainWindow::buildStatusBar() {
     m_notice = new QLabel;
     m_notice->setObjectName(QStringLiteral("notice"));
     m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setIndent(6);
     m_notice->setForegroundRole(QPalette::Link);
     m_notice->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long text must not widen the window
     m_drawingName = new QLabel;
     statusBar()->setSizeGripEnabled(false);
     statusBar()->setContentsMargins(8, 0, 8, 0);
+    m_undoBar = new UndoBar;
+    connect(m_undoBar, &UndoBar::undoWanted, this, [this] {
+        whenIdle([this] {
+            if (shown() && m_undoBar->offered() == shown())
+                undoShown();
+        });
+    });
+    connect(m_undoBar, &UndoBar::keyboardLeft, this, [this] { m_commandLine->entry()->setFocus(); });
+    auto* told = new QWidget;
+    auto* line = new QHBoxLayout(told);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(0);
+    line->addWidget(m_undoBar);
+    line->addWidget(m_notice, 1);
+    told->setMinimumSize(m_undoBar->minimumSizeHint()); // an offer finds its room, the view keeps its own
     statusBar()->addWidget(m_coordinates);
-    statusBar()->addWidget(m_notice, 1);
+    statusBar()->addWidget(told, 1);
     statusBar()->addPermanentWidget(m_drawingName);
 }
 
@@ -252,6 +272,17 @@ void MainWindow::showState() {
     m_redo->setText(forth.isEmpty() ? tr("&Redo") : tr("&Redo %1").arg(forth.first()));
     m_layerBox->showLayers(document);
     m_commands.refresh(document);
+}
+
+void MainWindow::undoShown() {
+    auto& manager = ap::DocManager::instance();
+    manager.activate(shown());
+    manager.undo(*shown());
+}
+
+void MainWindow::offerUndo(const QString& text) {
+    if (shown())
+        m_undoBar->offer(*shown(), text);
 }
 
 void MainWindow::showTitles() {
@@ -369,6 +400,56 @@ void MainWindow::keyPressEvent(QKeyEvent* event) {
         m_commandLine->type(event);
     else
         QMainWindow::keyPressEvent(event);
+}
+
+QWidget* MainWindow::overView(const QPoint& place) const {
+    QWidget* window = childAt(place);
+    while (window && window->parentWidget() != this)
+        window = window->parentWidget();
+    const bool isOverView = m_view->rect().contains(m_view->mapFrom(this, place));
+    return isOverView && dynamic_cast<CWnd*>(window) ? window : nullptr;
+}
+
+/// What a module's window over the view does not want comes here, and is the view's.
+void MainWindow::handOn(QMouseEvent& event) {
+    event.ignore();
+    if (m_handingOn)
+        return;                                     // the view did not want it either
+    m_handedOn &= event.buttons() | event.button(); // a window that goes takes the release with it
+    QWidget* const window = overView(event.pos());
+    if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick) {
+        if (!window)
+            return;
+        m_handedOn |= event.button();
+    } else if (!window && !m_handedOn) {
+        return;
+    }
+    if (window)
+        m_view->cover(*window);
+    if (event.type() == QEvent::MouseButtonRelease) {
+        if (!(m_handedOn & event.button()))
+            return; // its press was wanted
+        m_handedOn &= ~Qt::MouseButtons(event.button());
+    }
+    const QScopedValueRollback<bool> once(m_handingOn, true);
+    QMouseEvent below(event.type(), event.localPos() - m_view->mapTo(this, QPoint()), event.windowPos(),
+                      event.screenPos(), event.button(), event.buttons(), event.modifiers(), event.source());
+    QApplication::sendEvent(m_view, &below);
+    event.accept();
+}
+
+void MainWindow::wheelEvent(QWheelEvent* event) {
+    QWidget* const window = overView(event->position().toPoint());
+    event->ignore();
+    if (m_handingOn || !window || event->buttons() & Qt::LeftButton) // the hand holds the window
+        return;
+    m_view->cover(*window);
+    const QScopedValueRollback<bool> once(m_handingOn, true);
+    QWheelEvent below(event->position() - m_view->mapTo(this, QPoint()), event->globalPosition(), event->pixelDelta(),
+                      event->angleDelta(), event->buttons(), event->modifiers(), event->phase(), event->inverted(),
+                      event->source());
+    QApplication::sendEvent(m_view, &below);
+    event->accept();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -11,6 +11,7 @@
 #include "merix/ui/drawing_view.h"
 #include "merix/ui/layer_box.h"
 #include "merix/ui/recovery_bar.h"
+#include "merix/ui/undo_bar.h"
 
 #include <QMainWindow>
 
@@ -52,6 +53,9 @@ public:
     /// Under its own name, or one that is asked for when it has none or `askForName`. False when it was not saved.
     bool save(ap::Document& document, bool askForName);
 
+    /// Says what was just done in the active drawing and offers to take it back.
+    void offerUndo(const QString& text);
+
     /// Takes the drawing into a window of its own, which is deleted when it is closed or left by its last drawing;
     /// null, and nothing is done, when it is the only one of its window. The drawing becomes the active one.
     static MainWindow* takeOut(ap::Document& document);
@@ -65,6 +69,11 @@ protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override { handOn(*event); }
+    void mouseMoveEvent(QMouseEvent* event) override { handOn(*event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { handOn(*event); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { handOn(*event); }
+    void wheelEvent(QWheelEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -102,6 +111,10 @@ private:
     /// Undo, redo and the layers as they are in the drawing now.
     void showState();
     void showCursor(const MxGePoint3d& world);
+    void undoShown();
+    /// A module's window that stands over the view at `place`; null for none.
+    QWidget* overView(const QPoint& place) const;
+    void handOn(QMouseEvent& event);
     void openDialog();
     void exportDialog();
     void showFailure(const QString& message);
@@ -118,6 +131,7 @@ private:
     CommandLine* m_commandLine = nullptr;
     QLabel* m_coordinates = nullptr;
     QLabel* m_notice = nullptr; ///< what the user should know although no one asked
+    UndoBar* m_undoBar = nullptr;
     QLabel* m_drawingName = nullptr;
     QToolBar* m_bar = nullptr;
     LayerBox* m_layerBox = nullptr;
@@ -130,6 +144,8 @@ private:
     QList<QAction*> m_tabActions;     ///< of the menu of a tab
     QList<QAction*> m_drawingActions; ///< of use only while a drawing is open
     QTimer m_titles;
+    Qt::MouseButtons m_handedOn; ///< pressed on a module's window and left to the view
+    bool m_handingOn = false;
     bool m_unattended = false;
 };
 

@@ -114,6 +114,8 @@ void MainWindow::addDocument(ap::Document* document) {
 void MainWindow::release(ap::Document& document) {
     document.disconnect(this);
     document.disconnect(m_notice);
+    if (m_undoBar->offered() == &document)
+        m_undoBar->withdraw();
     m_tabs->remove(document);
     if (shown() == &document)
         m_view->setDocument(m_tabs->documentAt(m_tabs->currentIndex()));
@@ -200,6 +202,10 @@ void MainWindow::becomeActive() {
 bool MainWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate)
         activateShown();
+    // The view's cursor goes on over the windows that modules keep over it.
+    if (auto* child = event->type() == QEvent::ChildPolished ? static_cast<QChildEvent*>(event)->child() : nullptr;
+        auto* window = dynamic_cast<CWnd*>(child))
+        window->setMouseTracking(true);
     return QMainWindow::event(event);
 }
 

@@ -39,6 +39,11 @@ double mxuiDevicePixelRatio() {
     return window ? window->devicePixelRatioF() : 1.0;
 }
 
+void mxuiOfferUndo(const wchar_t* text) {
+    if (MainWindow* window = MainWindow::instance(); window && text)
+        window->offerUndo(QString::fromWCharArray(text));
+}
+
 void mxuiRepairView() {
     if (const MainWindow* window = MainWindow::instance())
         window->view()->repairNow();

@@ -19,6 +19,7 @@
 #include <QToolTip>
 
 #include <atomic>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
@@ -35,12 +36,16 @@ public:
         : m_path(path.toUtf8()) {
         EXPECT_EQ(mkfifo(m_path.constData(), 0600), 0);
         m_writer = std::thread([this] {
-            const int file = open(m_path.constData(), O_WRONLY | O_CLOEXEC); // waits for a reader
-            m_taken = true;
-            close(file);
+            while (!m_done) {
+                const int file = open(m_path.constData(), O_WRONLY | O_CLOEXEC); // waits for a reader
+                m_taken = m_taken || !m_done;
+                close(file);
+                std::this_thread::sleep_for(std::chrono::milliseconds(1)); // the reader finds the end
+            }
         });
     }
     ~Bait() {
+        m_done = true;
         const int file = open(m_path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         m_writer.join();
         close(file);
@@ -50,7 +55,7 @@ public:
 
 private:
     QByteArray m_path;
-    std::atomic<bool> m_taken = false;
+    std::atomic<bool> m_taken = false, m_done = false;
     std::thread m_writer;
 };
 
