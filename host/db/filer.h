@@ -107,5 +107,9 @@ public:
     virtual void setError(Mx::ErrorStatus status, const wchar_t* format, ...) = 0;
 };
 
+/// Allocates a buffer of at least `bytes` bytes, all zero, that the caller releases with mxutDelBuffer. False, with
+/// `buffer` null, when there is no memory.
+bool mxutNewBuffer(wchar_t*& buffer, std::size_t bytes);
+
 /// Releases a buffer that the host allocated for the caller; null is allowed.
 void mxutDelBuffer(wchar_t*& buffer);

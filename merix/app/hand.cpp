@@ -19,9 +19,27 @@ namespace {
 /// More than the longest pause between the two presses of a double click, milliseconds.
 constexpr int kBetweenClicks = 5000;
 
+/// What Ctrl makes of a character by the X keyboard extension.
+QChar controlled(QChar character) {
+    const ushort code = character.unicode();
+    if ((code >= '@' && code < '\x7f') || code == ' ')
+        return QChar(code & 0x1F);
+    if (code >= '3' && code <= '7')
+        return QChar(code - '3' + 0x1B);
+    switch (code) {
+    case '2':
+        return QChar(0);
+    case '8':
+        return QChar(0x7F);
+    case '/':
+        return QChar(0x1F);
+    default:
+        return character;
+    }
+}
+
+/// As an X server has it: Alt and Meta leave the text as it is.
 QString textOf(int key, Qt::KeyboardModifiers modifiers) {
-    if (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
-        return {};
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -40,6 +58,8 @@ QString textOf(int key, Qt::KeyboardModifiers modifiers) {
     if (key < Qt::Key_Space || key > 0xFFFF)
         return {};
     const QChar character(static_cast<ushort>(key));
+    if (modifiers & Qt::ControlModifier)
+        return QString(controlled(character));
     return modifiers & Qt::ShiftModifier ? QString(character) : QString(character.toLower());
 }
 

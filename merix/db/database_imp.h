@@ -8,6 +8,7 @@
 #include "merix/db/undo.h"
 
 #include <deque>
+#include <map>
 #include <unordered_map>
 
 namespace merix::db {
@@ -137,6 +138,8 @@ public:
     void notifyHeaderChanged();
 
     std::unique_ptr<FileParts> fileParts;
+    /// What modules left here for the time they are away, by their keys.
+    std::map<std::wstring, std::vector<MxDbHandle>> keptHandles;
 
     /// Replaces the object behind an id by one of another class, which takes over its place: owner, reactors, extension
     /// dictionary, source text. The old object is deleted.
@@ -186,6 +189,8 @@ bool leavesFiles(const MxDbObject& container, MxDbObjectId entry);
 
 /// Files an object's fields into bytes and back with the binary filer.
 std::string dwgImage(const MxDbObject& object, MxDbFilerType type);
+/// The state that undo goes back to, whoever has the object open.
+std::string undoImage(const MxDbObject& object);
 Mx::ErrorStatus readDwgImage(MxDbObject& object, std::string_view image, MxDbFilerType type);
 
 } // namespace merix::db

@@ -5,7 +5,9 @@
 #include "merix/db/database_imp.h"
 #include "merix/rx/text.h"
 
+#include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 
 static_assert(std::endian::native == std::endian::little, "values are copied as they lie in memory");
@@ -261,6 +263,13 @@ Mx::ErrorStatus readDwgImage(MxDbObject& object, std::string_view image, MxDbFil
 }
 
 } // namespace merix::db
+
+bool mxutNewBuffer(wchar_t*& buffer, std::size_t bytes) {
+    buffer = static_cast<wchar_t*>(mxHeapAlloc(std::max(bytes, sizeof(wchar_t))));
+    if (buffer)
+        std::memset(buffer, 0, bytes);
+    return buffer != nullptr;
+}
 
 void mxutDelBuffer(wchar_t*& buffer) {
     mxHeapFree(buffer);

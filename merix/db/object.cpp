@@ -114,6 +114,14 @@ void eraseExtensionDictionary(const MxDbObject& object, bool erasing) {
 
 namespace merix::db {
 
+std::string undoImage(const MxDbObject& object) {
+    const ObjectData& data = object.data();
+    if (data.isEntity && static_cast<const EntityData&>(data).traits.layer.handle().isNull())
+        data.stub->database->listImplicitLayers(); // an image names the layer by its handle
+    const ReadAccess readable(object);
+    return dwgImage(object, MxDbFilerType::kUndo);
+}
+
 void setErased(MxDbObject& object, bool erased) {
     ObjectData& data = object.data();
     data.stub->erased = erased;
@@ -167,12 +175,10 @@ void MxDbObject::assertWriteEnabled() {
     database.markChanged(*this);
     if (std::exchange(data.changedInOpen, true) || data.isNew)
         return;
-    if (data.isEntity && static_cast<EntityData&>(data).traits.layer.handle().isNull())
-        database.listImplicitLayers(); // a before-image names the layer by its handle
     if (!database.undo.isRecording())
         database.undo.noteUnrecorded();
     else if (!data.beforeImage)
-        data.beforeImage = std::make_unique<std::string>(dwgImage(*this, MxDbFilerType::kUndo));
+        data.beforeImage = std::make_unique<std::string>(undoImage(*this));
     tellPersistent(*this, [this](MxDbObject& reactor) { reactor.openedForModify(this); });
 }
 

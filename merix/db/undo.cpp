@@ -5,6 +5,7 @@
 #include "merix/db/kept_records.h"
 #include "merix/db/reactors.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -106,6 +107,18 @@ void UndoRecorder::record(UndoStep step) {
     UndoUnit unit;
     unit.steps.push_back(std::move(step));
     m_undo.push_back(std::move(unit));
+    m_redo.clear();
+}
+
+void UndoRecorder::recordApart(std::wstring name, UndoStep step) {
+    const auto isOfStep = [&step](const UndoStep& known) { return known.id == step.id; };
+    if (!isRecording() || (m_depth > 0 && std::any_of(m_open.steps.begin(), m_open.steps.end(), isOfStep))) {
+        record(std::move(step));
+        return;
+    }
+    m_unrecorded = true; // by the open unit
+    m_undo.push_back({std::move(name), {}});
+    m_undo.back().steps.push_back(std::move(step));
     m_redo.clear();
 }
 

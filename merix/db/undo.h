@@ -65,6 +65,9 @@ public:
     void setEnabled(bool enabled) { m_enabled = enabled; }
     /// Records a step of the open unit; without one it is a unit of its own.
     void record(UndoStep step);
+    /// Records a step as a unit of its own below the open one, which may be abandoned without it. A step of an object
+    /// that the open unit has changed already can only be taken back with that one, and becomes part of it.
+    void recordApart(std::wstring name, UndoStep step);
 
     bool canUndo() const { return !m_undo.empty(); }
     bool canRedo() const { return !m_redo.empty(); }

@@ -117,7 +117,7 @@ void ModuleLoader::close(Module& module) {
 }
 
 bool ModuleLoader::end(Module& module) {
-    const bool ended = deliver(module, kUnloadAppMsg).has_value();
+    const bool ended = deliver(module, kUnloadAppMsg) == 0; // else something of it may still be registered
     if (m_beforeUnmap)
         m_beforeUnmap(module);
     if (!ended)

@@ -5,6 +5,7 @@
 #include "merix/ed/prompter.h"
 #include "merix/ui/look.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -65,6 +66,7 @@ CommandLine::CommandLine(QWidget* parent)
     m_entry->setObjectName(QStringLiteral("commandEntry"));
     m_entry->setAccessibleName(tr("Command line"));
     m_entry->installEventFilter(this);
+    m_history->installEventFilter(this);
 
     auto* line = new QWidget;
     line->setAutoFillBackground(true);
@@ -110,19 +112,33 @@ void CommandLine::showPrompt() {
 
 void CommandLine::type(QKeyEvent* event) {
     m_entry->setFocus();
+    // To the entry and no further: its parents would bring a key that it has no use for back here, without end.
     if (!handleKey(event))
-        QApplication::sendEvent(m_entry, event);
+        m_entry->event(event);
 }
 
 bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_entry && event->type() == QEvent::KeyPress)
         return handleKey(static_cast<QKeyEvent*>(event));
-    if (watched == m_entry && event->type() == QEvent::ShortcutOverride &&
-        isForDrawing(*static_cast<QKeyEvent*>(event))) {
+    if (event->type() != QEvent::ShortcutOverride)
+        return QWidget::eventFilter(watched, event);
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (watched == m_history) {
+        event->setAccepted(key.matches(QKeySequence::Copy) && m_history->textCursor().hasSelection());
+        return true;
+    }
+    if (watched == m_entry && (isForDrawing(key) || (isShortcut(key) && !isEditing(key)))) {
         event->ignore(); // the menu's shortcut gets it
         return true;
     }
     return QWidget::eventFilter(watched, event);
+}
+
+/// Keys of the menus that also edit what is typed.
+bool CommandLine::isEditing(const QKeyEvent& event) {
+    return event.matches(QKeySequence::Delete) || event.matches(QKeySequence::SelectAll) ||
+           event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut) ||
+           event.matches(QKeySequence::Paste) || event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo);
 }
 
 /// Editing keys are the entry's only while something stands in it; else they mean the drawing.
@@ -131,9 +147,15 @@ bool CommandLine::isForDrawing(const QKeyEvent& event) const {
         return false;
     if (event.matches(QKeySequence::Paste)) // into an answer
         return !ed::Prompter::instance().isWaiting();
-    return event.matches(QKeySequence::Delete) || event.matches(QKeySequence::SelectAll) ||
-           event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut) || event.matches(QKeySequence::Undo) ||
-           event.matches(QKeySequence::Redo);
+    return isEditing(event);
+}
+
+/// A menu has the key: lines of text have a meaning for many more than typing needs (Ctrl+E goes to their end).
+bool CommandLine::isShortcut(const QKeyEvent& event) const {
+    const QKeySequence key(int(event.modifiers() & ~Qt::KeypadModifier) | event.key());
+    const QList<QAction*> actions = window()->findChildren<QAction*>();
+    return std::any_of(actions.begin(), actions.end(),
+                       [&](const QAction* action) { return action->shortcuts().contains(key); });
 }
 
 /// The rest of a command's name that has begun to be typed as far as all that fit agree.

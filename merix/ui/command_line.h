@@ -30,7 +30,9 @@ Q_SIGNALS:
 
 private:
     bool handleKey(QKeyEvent* event);
+    static bool isEditing(const QKeyEvent& event);
     bool isForDrawing(const QKeyEvent& event) const;
+    bool isShortcut(const QKeyEvent& event) const;
     void completeName();
     bool focusKeyword();
     void submit();

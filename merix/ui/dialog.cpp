@@ -4,7 +4,6 @@
 #include "host/win/resources.h"
 #include "merix/rx/resource_modules.h"
 
-#include <QCloseEvent>
 #include <QEventLoop>
 #include <QFile>
 #include <QKeyEvent>
@@ -13,17 +12,6 @@
 #include <QUiLoader>
 
 #include <memory>
-
-CWnd::CWnd(QWidget* parent)
-    : QWidget(parent) {}
-
-CWnd::~CWnd() = default;
-
-void CWnd::ShowWindow(int show) {
-    setVisible(show != 0);
-    if (show != 0)
-        raise();
-}
 
 CDialog::CDialog(const char* templateName, QWidget* parent)
     : CDialog(parent) {
@@ -88,7 +76,19 @@ void CDialog::EndDialog(int result) {
 }
 
 bool CDialog::OnInitDialog() {
+    UpdateData(false);
     return true;
+}
+
+void CDialog::UpdateData(bool save) {
+    CDataExchange exchange{save};
+    DoDataExchange(&exchange);
+}
+
+void CDialog::DoDataExchange(CDataExchange*) {}
+
+void CDialog::OnClose() {
+    OnCancel();
 }
 
 void CDialog::keyPressEvent(QKeyEvent* event) {
@@ -98,9 +98,4 @@ void CDialog::keyPressEvent(QKeyEvent* event) {
         OnOK();
     else
         CWnd::keyPressEvent(event);
-}
-
-void CDialog::closeEvent(QCloseEvent* event) {
-    event->ignore();
-    OnCancel();
 }

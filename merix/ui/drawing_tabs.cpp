@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/drawing_tabs.h"
 
+#include "merix/ui/plain_text.h"
+
 #include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QSignalBlocker>
@@ -48,7 +50,7 @@ std::vector<ap::Document*> DrawingTabs::documents() const {
 
 void DrawingTabs::add(ap::Document& document) {
     const QSignalBlocker quiet(this);
-    setTabData(addTab(document.title()), QVariant::fromValue(static_cast<void*>(&document)));
+    setTabData(addTab(withoutKeys(document.title())), QVariant::fromValue(static_cast<void*>(&document)));
     showTitles();
 }
 
@@ -66,7 +68,8 @@ void DrawingTabs::choose(const ap::Document* document) {
 void DrawingTabs::showTitles() {
     for (int i = 0; i < count(); ++i) {
         const ap::Document* document = documentAt(i);
-        setTabText(i, document->isChanged() ? document->title() + QLatin1Char('*') : document->title());
+        const QString title = withoutKeys(document->title());
+        setTabText(i, document->isChanged() ? title + QLatin1Char('*') : title);
         setTabToolTip(i, document->path());
     }
     setVisible(count() > 0);

@@ -5,6 +5,7 @@
 #include "merix/ed/prompter.h"
 #include "merix/ui/icons.h"
 #include "merix/ui/look.h"
+#include "merix/ui/plain_text.h"
 #include "merix/ui/plot.h"
 #include "merix/ui/undo_menu.h"
 
@@ -41,6 +42,7 @@ QString fileFilter() {
 } // namespace
 
 MainWindow::MainWindow() {
+    keepTextsPlain();
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     resize(1280, 800);
@@ -94,8 +96,9 @@ void MainWindow::buildCentre() {
     connect(m_view, &DrawingView::cursorMoved, this, &MainWindow::showCursor);
     connect(m_layouts, &QTabBar::currentChanged, this, [this](int index) {
         ap::Document* document = shown();
-        if (index >= 0 && document && m_layouts->tabText(index) != document->currentLayout())
-            whenIdle([guard = QPointer<ap::Document>(document), name = m_layouts->tabText(index)] {
+        const QString layout = m_layouts->tabData(index).toString();
+        if (index >= 0 && document && layout != document->currentLayout())
+            whenIdle([guard = QPointer<ap::Document>(document), name = layout] {
                 if (guard)
                     guard->setCurrentLayout(name);
             });
@@ -254,7 +257,9 @@ void MainWindow::showState() {
 void MainWindow::showTitles() {
     m_tabs->showTitles();
     const ap::Document* document = shown();
-    setWindowTitle(document ? tr("%1[*] – Merix").arg(document->title()) : QStringLiteral("Merix"));
+    QString title = document ? document->title() : QString();
+    title.replace(QLatin1String("[*]"), QLatin1String("[*][*]")); // one alone is the place of the mark of change
+    setWindowTitle(document ? tr("%1[*] – Merix").arg(title) : QStringLiteral("Merix"));
     setWindowModified(document && document->isChanged());
     if (!document)
         m_coordinates->clear();
@@ -270,7 +275,7 @@ void MainWindow::showLayouts() {
     if (ap::Document* document = shown()) {
         const QStringList names = document->layouts();
         for (const QString& name : names)
-            m_layouts->addTab(name);
+            m_layouts->setTabData(m_layouts->addTab(withoutKeys(name)), name);
         m_layouts->setCurrentIndex(names.indexOf(document->currentLayout()));
     }
     m_layouts->setVisible(m_layouts->count() > 0);

@@ -2,6 +2,7 @@
 #include "merix/ui/undo_menu.h"
 
 #include "merix/ed/command_stack.h"
+#include "merix/ui/plain_text.h"
 
 #include <algorithm>
 
@@ -16,8 +17,7 @@ QString readable(QString name) {
     name.replace(QLatin1Char('_'), QLatin1Char(' '));
     if (name == name.toUpper())
         name = name.toLower();
-    name.replace(QLatin1Char('&'), QLatin1String("&&"));
-    return name.left(1).toUpper() + name.mid(1);
+    return withoutKeys(name.left(1).toUpper() + name.mid(1));
 }
 
 } // namespace

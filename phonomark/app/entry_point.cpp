@@ -2,8 +2,29 @@
 #include "phonomark/app/entry_point.h"
 
 #include "phonomark/app/phonomark_app.h"
+#include "phonomark/dbutil/border.h"
 
 namespace {
+
+/// What a message is answered with whose handler failed.
+constexpr int kFailed = 1;
+
+const char* nameOf(int message) {
+    switch (message) {
+    case kInitAppMsg:
+        return "the module's load";
+    case kUnloadAppMsg:
+        return "the module's unload";
+    case kLoadDwgMsg:
+        return "a drawing's load";
+    case kUnloadDwgMsg:
+        return "a drawing's unload";
+    case kInvkSubrMsg:
+        return "a function's call";
+    default:
+        return "a message";
+    }
+}
 
 CPhonomarkApp& application() {
     static CPhonomarkApp app;
@@ -12,7 +33,7 @@ CPhonomarkApp& application() {
 
 } // namespace
 
-int mxrxEntryPoint(int message, void* appId) {
+int mxrxEntryPoint(int message, void* appId) try {
     CPhonomarkApp& app = application();
     switch (message) {
     case kInitAppMsg:
@@ -28,6 +49,8 @@ int mxrxEntryPoint(int message, void* appId) {
     default: // the framework's handlers of the other messages do nothing
         return 0;
     }
+} catch (...) {
+    return failed(nameOf(message), kFailed);
 }
 
 unsigned mxrxGetApiVersion() {

@@ -6,6 +6,7 @@
 #include "phonomark/app/module_state.h"
 #include "phonomark/audio/worker_census.h"
 #include "phonomark/commands/command_group.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/entity/ps_reactor.h"
 #include "phonomark/registry/dc_reactor.h"
@@ -25,6 +26,8 @@ constexpr wchar_t kShowFunction[] = L"PhonomarkShow";
 constexpr int kShowFunctionCode = 1;
 constexpr wchar_t kCommandGroup[] = L"PhonomarkCM_";
 constexpr int kCommandFlags = 1;
+/// What an unload answers that could not take everything back.
+constexpr int kUnloadFailed = 1;
 /// How long an unload waits for the sound device. Stopping takes a period of sound, some milliseconds.
 constexpr std::chrono::seconds kDevicePatience{5};
 
@@ -39,6 +42,13 @@ template <class T> void unregisterClass() {
     deleteMxRxClass(T::desc());
     T::gpDesc = nullptr;
 }
+
+/// In the reverse of the order in which the classes are registered.
+using ClassRemoval = void (*)();
+constexpr ClassRemoval kClassRemovals[] = {&unregisterClass<PhonomarkObReactor>, &unregisterClass<PhonomarkPsReactor>,
+                                           &unregisterClass<PhonomarkPmReactor>, &unregisterClass<PhonomarkEnReactor>,
+                                           &unregisterClass<PhonomarkEdReactor>, &unregisterClass<PhonomarkDcReactor>,
+                                           &unregisterClass<MxDbPhonomark>};
 
 } // namespace
 
@@ -58,26 +68,30 @@ int CPhonomarkApp::On_kInitAppMsg(void* appId) {
     registerCommands();
     createMxPhManager();
     g_bPhonomarkShow = GetProfileIntW(RegSection(), L"VoiceShow", 1) != 0;
-    m_showWasRead = true;
     return result;
 }
 
 int CPhonomarkApp::On_kUnloadAppMsg(void* appId) {
     // The command group stays registered: the host's command stack keeps the three entries.
-    const int result = MxRxMrxApp::On_kUnloadAppMsg(appId);
-    stopRecordingInTagWindow(); // its texts are still there, and its note is still one
-    if (_hdllInstance) {
-        FreeLibrary(_hdllInstance);
-        _hdllInstance = nullptr;
-    }
-    deleteMxPhManager();
-    removeTagWindow(); // its code goes with the module
-    if (std::exchange(m_showWasRead, false))
-        WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0);
-    delete g_editorrect;
-    g_editorrect = nullptr;
-    unregisterClasses();
-    phonomark::workerCensus().stopAll(kDevicePatience);
+    int result = MxRxMrxApp::On_kUnloadAppMsg(appId);
+    // What fails leaves the others to be done. The host is told: it must not unmap what is still registered.
+    const auto step = [&result](const char* what, const auto& function) {
+        if (!guarded(what, function))
+            result = kUnloadFailed;
+    };
+    // Its texts are still there, and its note is still one.
+    step("keeping the take", [] { stopRecordingInTagWindow(); });
+    step("releasing the texts", [] {
+        if (void* const resources = std::exchange(_hdllInstance, nullptr))
+            FreeLibrary(resources);
+    });
+    step("deleting the registry", [] { deleteMxPhManager(); });
+    step("removing the tag window", [] { removeTagWindow(); }); // its code goes with the module
+    step("keeping the show switch", [] { WriteProfileInt(RegSection(), L"VoiceShow", g_bPhonomarkShow ? 1 : 0); });
+    step("deleting the editor reactor", [] { delete std::exchange(g_editorrect, nullptr); });
+    for (const ClassRemoval remove : kClassRemovals)
+        step("unregistering a class", remove);
+    step("ending the sound", [] { phonomark::workerCensus().stopAll(kDevicePatience); });
     return result;
 }
 
@@ -98,16 +112,16 @@ int CPhonomarkApp::On_kInvkSubrMsg(void*) {
 
 void CPhonomarkApp::RegisterServerComponents() {}
 
-void CPhonomarkApp::PhonomarkCM_PHONOMARK() {
-    PhonomarkCmdGroup::cmdInsertPhonomark();
+void CPhonomarkApp::PhonomarkCM_PHONOMARK() try { PhonomarkCmdGroup::cmdInsertPhonomark(); } catch (...) {
+    reportFailure("PHONOMARK");
 }
 
-void CPhonomarkApp::PhonomarkCM_VOICEMAN() {
-    PhonomarkCmdGroup::cmdPhonomarkManager();
+void CPhonomarkApp::PhonomarkCM_VOICEMAN() try { PhonomarkCmdGroup::cmdPhonomarkManager(); } catch (...) {
+    reportFailure("VOICEMAN");
 }
 
-void CPhonomarkApp::PhonomarkCM_VOICESHOW() {
-    PhonomarkCmdGroup::cmdDisplayPhonomark();
+void CPhonomarkApp::PhonomarkCM_VOICESHOW() try { PhonomarkCmdGroup::cmdDisplayPhonomark(); } catch (...) {
+    reportFailure("VOICESHOW");
 }
 
 void CPhonomarkApp::registerClasses() {
@@ -119,16 +133,6 @@ void CPhonomarkApp::registerClasses() {
     PhonomarkPsReactor::rxInit();
     PhonomarkObReactor::rxInit();
     mxrxBuildClassHierarchy();
-}
-
-void CPhonomarkApp::unregisterClasses() {
-    unregisterClass<PhonomarkObReactor>();
-    unregisterClass<PhonomarkPsReactor>();
-    unregisterClass<PhonomarkPmReactor>();
-    unregisterClass<PhonomarkEnReactor>();
-    unregisterClass<PhonomarkEdReactor>();
-    unregisterClass<PhonomarkDcReactor>();
-    unregisterClass<MxDbPhonomark>();
 }
 
 void CPhonomarkApp::registerCommands() {

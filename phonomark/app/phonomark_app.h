@@ -22,12 +22,8 @@ public:
 
 private:
     static void registerClasses();
-    static void unregisterClasses();
     static void registerCommands();
     static void doFun(int code);
-
-    /// The show switch holds what the settings say; else it is not written back.
-    bool m_showWasRead = false;
 };
 
 /// Loads "MrxPhonomarkRes.dll" into _hdllInstance, which stays null when there is none.

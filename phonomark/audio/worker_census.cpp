@@ -19,21 +19,20 @@
 namespace phonomark {
 namespace {
 
-// Made when the module is loaded, destroyed when it is unmapped.
-WorkerCensus g_census;
-
 /// From now on unloading this library leaves it in memory. It has to be called before the unloading has begun. A
 /// program is no library, and the call of no effect on it.
 void keepMapped() {
     Dl_info self{};
-    if (dladdr(&g_census, &self) != 0 && self.dli_fname)
+    if (dladdr(reinterpret_cast<void*>(&keepMapped), &self) != 0 && self.dli_fname)
         dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
 } // namespace
 
 WorkerCensus& workerCensus() {
-    return g_census;
+    // Made at its first use: what is thrown while a module is mapped cannot be caught. Destroyed when it is unmapped.
+    static WorkerCensus census;
+    return census;
 }
 
 WorkerCensus::WorkerCensus()

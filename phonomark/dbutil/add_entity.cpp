@@ -2,20 +2,20 @@
 #include "phonomark/dbutil/add_entity.h"
 
 #include "phonomark/dbutil/blocks.h"
+#include "phonomark/dbutil/opened.h"
 
 namespace {
 
-/// The extension dictionary of `record` open for write, made when there is none; null when that fails.
-MxDbDictionary* openExtensionDictionary(MxDbObjectId record) {
-    MxDbBlockTableRecord* block = nullptr;
-    if (mxdbOpenObject(block, record, Mx::kForRead) != Mx::eOk)
-        return nullptr;
+/// The extension dictionary of `record` open for write, made when there is none; empty when that fails.
+Opened<MxDbDictionary> openExtensionDictionary(MxDbObjectId record) {
+    Opened<MxDbBlockTableRecord> block(record, Mx::kForRead);
+    if (!block)
+        return {};
     if (block->extensionDictionary().isNull() && block->upgradeOpen() == Mx::eOk)
         block->createExtensionDictionary();
     const MxDbObjectId id = block->extensionDictionary();
-    block->close();
-    MxDbDictionary* dictionary = nullptr;
-    return mxdbOpenObject(dictionary, id, Mx::kForWrite) == Mx::eOk ? dictionary : nullptr;
+    block.close();
+    return Opened<MxDbDictionary>(id, Mx::kForWrite);
 }
 
 } // namespace
@@ -30,12 +30,13 @@ bool addEntityToCurrentSpace(MxDbObjectId& id, MxDbEntity* entity) {
 }
 
 bool addEntityToOwnerSpace(MxDbObjectId& id, MxDbEntity* entity, MxDbObjectId owner) {
-    MxDbBlockTableRecord* space = nullptr;
-    if (!entity || !mxdbHostApplicationServices()->workingDatabase() ||
-        mxdbOpenObject(space, owner, Mx::kForWrite) != Mx::eOk)
+    if (!entity || !mxdbHostApplicationServices()->workingDatabase())
+        return false;
+    Opened<MxDbBlockTableRecord> space(owner, Mx::kForWrite);
+    if (!space)
         return false;
     const Mx::ErrorStatus status = space->appendMxDbEntity(id, entity);
-    space->close();
+    space.close();
     if (status != Mx::eOk)
         return false;
     entity->close();
@@ -43,11 +44,13 @@ bool addEntityToOwnerSpace(MxDbObjectId& id, MxDbEntity* entity, MxDbObjectId ow
 }
 
 bool addObjectToDb(MxDbObjectId& id, MxDbObject* object) {
-    MxDbDictionary* const dictionary = object ? openExtensionDictionary(modelSpace()) : nullptr;
+    if (!object)
+        return false;
+    Opened<MxDbDictionary> dictionary = openExtensionDictionary(modelSpace());
     if (!dictionary)
         return false;
     const Mx::ErrorStatus status = dictionary->setAt(L"*U", object, id);
-    dictionary->close();
+    dictionary.close();
     if (status != Mx::eOk)
         return false;
     object->close();

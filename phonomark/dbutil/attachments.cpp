@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/dbutil/attachments.h"
 
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/entity/ps_reactor.h"
 
@@ -10,29 +11,17 @@ namespace {
 
 /// The note that the attachment reactor `id` belongs to; null when it is none.
 MxDbObjectId noteOf(MxDbObjectId id) {
-    PhonomarkPsReactor* reactor = nullptr;
-    if (mxdbOpenObject(reactor, id, Mx::kForRead) != Mx::eOk)
-        return {};
-    const MxDbObjectId note = reactor->noteId();
-    reactor->close();
-    return note.isValid() ? note : MxDbObjectId();
+    const Opened<PhonomarkPsReactor> reactor(id, Mx::kForRead);
+    return reactor && reactor->noteId().isValid() ? reactor->noteId() : MxDbObjectId();
 }
 
 bool isAttachedTo(MxDbObjectId noteId, MxDbObjectId object) {
-    MxDbPhonomark* note = nullptr;
-    if (mxdbOpenObject(note, noteId, Mx::kForRead) != Mx::eOk)
-        return false;
-    const bool attached = note->attachObj() == object;
-    note->close();
-    return attached;
+    const Opened<MxDbPhonomark> note(noteId, Mx::kForRead);
+    return note && note->attachObj() == object;
 }
 
 bool isAttachmentReactor(MxDbObjectId id) {
-    PhonomarkPsReactor* reactor = nullptr;
-    if (mxdbOpenObject(reactor, id, Mx::kForRead) != Mx::eOk)
-        return false;
-    reactor->close();
-    return true;
+    return bool(Opened<PhonomarkPsReactor>(id, Mx::kForRead));
 }
 
 } // namespace
@@ -44,31 +33,25 @@ bool hasPersistentReactor(const MxDbObject* object, const MxDbObjectId& reactor)
 }
 
 bool IsAttachedVoice(MxDbObjectId id) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead) != Mx::eOk)
+    const Opened<MxDbObject> object(id, Mx::kForRead);
+    if (!object)
         return false;
     const std::vector<MxDbReactorEntry> reactors = object->reactors();
-    const bool attached = std::any_of(reactors.begin(), reactors.end(), [&](const MxDbReactorEntry& entry) {
+    return std::any_of(reactors.begin(), reactors.end(), [&](const MxDbReactorEntry& entry) {
         return mxdbIsPersistentReactor(entry) && isAttachedTo(noteOf(entry.persistent), id);
     });
-    object->close();
-    return attached;
 }
 
 void CleanPhonomarkPsReactor(MxDbObjectId id) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead) != Mx::eOk)
+    const Opened<MxDbObject> object(id, Mx::kForRead);
+    if (!object)
         return;
     for (const MxDbReactorEntry& entry : object->reactors()) {
         if (!mxdbIsPersistentReactor(entry) || !isAttachmentReactor(entry.persistent))
             continue;
-        PhonomarkPsReactor* reactor = nullptr;
-        if (object->upgradeOpen() == Mx::eOk && object->removePersistentReactor(entry.persistent) == Mx::eOk &&
-            mxdbOpenObject(reactor, entry.persistent, Mx::kForWrite) == Mx::eOk) {
-            reactor->erase(true);
-            reactor->close();
-        }
+        if (object->upgradeOpen() == Mx::eOk && object->removePersistentReactor(entry.persistent) == Mx::eOk)
+            if (const Opened<PhonomarkPsReactor> reactor(entry.persistent, Mx::kForWrite); reactor)
+                reactor->erase(true);
         break;
     }
-    object->close();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/dbutil/documents.h"
 
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/texts.h"
 
 #include <algorithm>
@@ -34,5 +35,5 @@ DocumentLock::DocumentLock(MxApDocument* document, const wchar_t* globalName, un
 DocumentLock::~DocumentLock() {
     MxApDocManager* manager = m_document ? mxDocManagerPtr() : nullptr;
     if (manager)
-        manager->unlockDocument(m_document);
+        guarded("unlocking a drawing", [&] { manager->unlockDocument(m_document); });
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/db/object.h"
+#include "phonomark/dbutil/border.h"
 
 #include <utility>
 
@@ -13,9 +14,11 @@ public:
     explicit Opened(T* open)
         : m_object(open) {}
     /// Empty when the object cannot be opened; status() tells why.
-    Opened(MxDbObjectId id, Mx::OpenMode mode)
-        : m_status(mxdbOpenObject(m_object, id, mode)) {}
-    ~Opened() { close(); }
+    Opened(MxDbObjectId id, Mx::OpenMode mode, bool openErased = false)
+        : m_status(mxdbOpenObject(m_object, id, mode, openErased)) {}
+    ~Opened() {
+        guarded("closing an object", [this] { close(); });
+    }
     Opened(Opened&& other) noexcept
         : m_object(std::exchange(other.m_object, nullptr))
         , m_status(other.m_status) {}

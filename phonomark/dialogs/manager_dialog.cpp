@@ -4,7 +4,9 @@
 #include "host/ap/document.h"
 #include "host/ui/windows.h"
 #include "phonomark/app/module_state.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
@@ -34,7 +36,7 @@ CPhonomarkManDlg::CPhonomarkManDlg(QWidget* parent)
 
 CPhonomarkManDlg::~CPhonomarkManDlg() = default;
 
-bool CPhonomarkManDlg::OnInitDialog() {
+bool CPhonomarkManDlg::OnInitDialog() try {
     CDialog::OnInitDialog();
     m_list = item<QTableWidget>("IDC_LIST_PHOBJECT");
     m_play = item<QPushButton>("IDC_BUTTON_PLAY");
@@ -43,6 +45,8 @@ bool CPhonomarkManDlg::OnInitDialog() {
     UpdateVoiceData();
     UpdateButtonShow();
     return true;
+} catch (...) {
+    return failed("opening the list of notes", true);
 }
 
 void CPhonomarkManDlg::bindSingals() {
@@ -76,15 +80,14 @@ void CPhonomarkManDlg::UpdateVoiceData(MxApDocument* document) {
         manager->GetAllObjects(ids, document ? document : currentDocument());
     m_rows.clear();
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        MxDbPhonomark* note = nullptr;
-        if (mxdbOpenObject(note, ids[i], Mx::kForRead) != Mx::eOk)
+        const Opened<MxDbPhonomark> note(ids[i], Mx::kForRead);
+        if (!note)
             continue;
         CStdStr<wchar_t> length, by, date;
         note->getDuration(length);
         note->getSpokesman(by);
         note->getDatatime(date);
         m_rows.push_back({std::to_wstring(i), length, by, PhonomarkType(note->getPhonomarkType()), date, ids[i]});
-        note->close();
     }
     showRows();
 }
@@ -111,12 +114,14 @@ int CPhonomarkManDlg::selectedRow() const {
     return first;
 }
 
-void CPhonomarkManDlg::UpdateButtonShow() {
+void CPhonomarkManDlg::UpdateButtonShow() try {
     if (m_play)
         m_play->setEnabled(selectedRow() >= 0);
+} catch (...) {
+    reportFailure("selecting a note");
 }
 
-void CPhonomarkManDlg::OnBnClickedButtonPlay() {
+void CPhonomarkManDlg::OnBnClickedButtonPlay() try {
     const int row = selectedRow();
     if (row < 0) {
         QMessageBox::information(this, windowTitle(), toQString(resourceText(kNothingSelectedText)));
@@ -131,4 +136,6 @@ void CPhonomarkManDlg::OnBnClickedButtonPlay() {
     note->close();
     if (bytes)
         m_player.play(bytes, size, keepAlive);
+} catch (...) {
+    reportFailure("playing a note");
 }

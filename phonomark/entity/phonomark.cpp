@@ -3,6 +3,7 @@
 
 #include "host/ed/input.h"
 #include "phonomark/dbutil/geom_extents.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/run_time_class.h"
 
 const wchar_t kEmptyDuration[] = L"0.0\"";
@@ -48,11 +49,8 @@ void MxDbPhonomark::setAttachObj(MxDbObjectId id) {
 }
 
 void MxDbPhonomark::refreshExtents() {
-    MxDbEntity* entity = nullptr;
-    if (mxdbOpenObject(entity, m_attachId, Mx::kForRead) != Mx::eOk)
-        return;
-    getGeomExtentsEx(m_extents, entity);
-    entity->close();
+    if (const Opened<MxDbEntity> entity(m_attachId, Mx::kForRead); entity)
+        getGeomExtentsEx(m_extents, entity.get());
 }
 
 double MxDbPhonomark::calcRefUnits() const {

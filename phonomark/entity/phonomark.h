@@ -56,6 +56,8 @@ public:
     std::shared_ptr<const void> shareAudioData() const { return m_audioBlock; }
     /// Releases the bytes; the size stays as it was.
     void delAudioData();
+    /// Counts the times that the note was read from a filer, as undo and redo do with it.
+    unsigned timesFiledIn() const { return m_timesFiledIn; }
     void setAudioDataSize(unsigned size) { m_audioDataSize = size; }
     unsigned getAudioDataSize() const { return m_audioDataSize; }
     void setWaveFormat(const tWAVEFORMATEX* format);
@@ -197,6 +199,7 @@ private:
     MxString m_datatime;
     MxString m_duration;
     std::int16_t m_type = kPointNote;
+    unsigned m_timesFiledIn = 0;
     bool m_bRecord = false;
     bool m_bShowRegion = true;
     bool m_bErasing = false;

@@ -7,8 +7,10 @@
 #include "host/ed/input.h"
 #include "host/gi/world_draw.h"
 #include "phonomark/app/module_state.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/linetypes.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/entity/icons.h"
 
 #include <array>
@@ -49,7 +51,9 @@ public:
         changeTraits(draw, [this](const MxGiSubEntityTraits& traits) { m_before = traits.lineWeight(); });
         set(0);
     }
-    ~ThinLines() { set(m_before); }
+    ~ThinLines() {
+        guarded("drawing a note", [this] { set(m_before); });
+    }
     ThinLines(const ThinLines&) = delete;
     ThinLines& operator=(const ThinLines&) = delete;
 
@@ -63,7 +67,7 @@ private:
 
 } // namespace
 
-bool MxDbPhonomark::subWorldDraw(MxGiWorldDraw* draw) {
+bool MxDbPhonomark::subWorldDraw(MxGiWorldDraw* draw) try {
     assertReadEnabled();
     const MxGiContext* context = draw->context();
     if ((context && context->isPlotGeneration()) || !IsShowPhonomark())
@@ -92,6 +96,8 @@ bool MxDbPhonomark::subWorldDraw(MxGiWorldDraw* draw) {
     DrawImage(draw);
     DrawLight(draw);
     return true;
+} catch (...) {
+    return failed("drawing a note", true);
 }
 
 void MxDbPhonomark::dropShortRecording() {
@@ -225,22 +231,23 @@ std::uint32_t MxDbPhonomark::subSetAttributes(MxGiDrawableTraits* traits) {
 }
 
 /// The marker with the duration above it; not the region of a Region note.
-Mx::ErrorStatus MxDbPhonomark::subGetGeomExtents(MxDbExtents& extents) const {
+Mx::ErrorStatus MxDbPhonomark::subGetGeomExtents(MxDbExtents& extents) const try {
     const MxGePoint3d base = m_type == kPointNote ? m_position + markerOffset() : m_extents.maxPoint();
     const double r = calcRefUnits();
     extents.addPoint(base);
     extents.addPoint({base.x + r, base.y + 1.8 * r, 0.0});
     return Mx::eOk;
+} catch (...) {
+    return failed("measuring a note", Mx::eInvalidExtents);
 }
 
 void MxDbPhonomark::ShowRegion(bool show) {
     const DocumentLock lock(currentDocument(), L"PhonomarkShowRegion", kShowRegionText, false);
-    MxDbPhonomark* note = nullptr;
-    if (mxdbOpenObject(note, objectId(), Mx::kForWrite) != Mx::eOk)
+    const Opened<MxDbPhonomark> note(objectId(), Mx::kForWrite);
+    if (!note)
         return;
     note->m_bShowRegion = show;
     note->recordGraphicsModified(true);
-    note->close();
 }
 
 void MxDbPhonomark::doHighlight() {
@@ -258,12 +265,11 @@ void MxDbPhonomark::showSubject(bool show) {
         mxdbEntUpd(objectId()); // on a locked layer it could not be opened, but is drawn anew all the same
         return;
     }
-    MxDbEntity* object = nullptr;
-    if (m_type != kObjectNote || mxdbOpenObject(object, m_attachId, Mx::kForRead) != Mx::eOk)
+    if (m_type != kObjectNote)
         return;
-    if (show)
+    const Opened<MxDbEntity> object(m_attachId, Mx::kForRead);
+    if (object && show)
         object->highlight();
-    else
+    else if (object)
         object->unhighlight();
-    object->close();
 }

@@ -4,6 +4,7 @@
 #include "phonomark/entity/phonomark.h"
 
 #include "host/db/database.h"
+#include "phonomark/dbutil/border.h"
 
 #include <algorithm>
 #include <array>
@@ -48,7 +49,7 @@ struct MxDbPhonomark::DxfFields {
 
 // --- binary
 
-Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const {
+Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbEntity::dwgOutFields(filer); status != Mx::eOk)
         return status;
@@ -67,6 +68,8 @@ Mx::ErrorStatus MxDbPhonomark::dwgOutFields(MxDbDwgFiler* filer) const {
     filer->writeString(m_datatime.text());
     filer->writeString(m_duration.text());
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing a note", Mx::eItemUnreadable);
 }
 
 void MxDbPhonomark::dwgOutLocation(MxDbDwgFiler* filer) const {
@@ -99,7 +102,7 @@ Mx::ErrorStatus MxDbPhonomark::dwgOutWaveFormatData(MxDbDwgFiler* filer) const {
     return filer->writeUInt16(m_waveFormat.cbSize);
 }
 
-Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) {
+Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) try {
     assertWriteEnabled();
     if (const auto status = MxDbEntity::dwgInFields(filer); status != Mx::eOk)
         return status;
@@ -108,17 +111,22 @@ Mx::ErrorStatus MxDbPhonomark::dwgInFields(MxDbDwgFiler* filer) {
         return status;
     if (version > kCurrentVersionNumber)
         return Mx::eNewerVersion;
+    ++m_timesFiledIn;
     filer->readInt16(m_type);
     if (const auto status = dwgInLocation(filer); status != Mx::eOk)
         return status;
     filer->readBool(m_bRecord);
-    if (m_bRecord)
-        if (const auto status = dwgInSamples(filer); status != Mx::eOk)
-            return status;
+    if (!m_bRecord) { // what a recording that is being taken back has left
+        delAudioData();
+        m_audioDataSize = 0;
+    } else if (const auto status = dwgInSamples(filer); status != Mx::eOk)
+        return status;
     readText(filer, m_spokesman);
     readText(filer, m_datatime);
     readText(filer, m_duration);
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading a note", Mx::eItemUnreadable);
 }
 
 Mx::ErrorStatus MxDbPhonomark::dwgInLocation(MxDbDwgFiler* filer) {
@@ -202,7 +210,7 @@ bool MxDbPhonomark::adoptSamples(const void* bytes, std::size_t count, std::size
 
 // --- DXF
 
-Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const {
+Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbEntity::dxfOutFields(filer); status != Mx::eOk)
         return status;
@@ -219,6 +227,8 @@ Mx::ErrorStatus MxDbPhonomark::dxfOutFields(MxDbDxfFiler* filer) const {
     filer->writeString(2, m_datatime.text());
     filer->writeString(3, m_duration.text());
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing a note", Mx::eItemUnreadable);
 }
 
 /// A Reply note writes no location: its handle is kept by the binary form alone.
@@ -255,7 +265,7 @@ void MxDbPhonomark::dxfOutSamples(MxDbDxfFiler* filer) const {
     } while (offset < size);
 }
 
-Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) {
+Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) try {
     assertWriteEnabled();
     if (MxDbEntity::dxfInFields(filer) != Mx::eOk || !filer->atSubclassData(kSubclass))
         return filer->filerStatus();
@@ -287,6 +297,8 @@ Mx::ErrorStatus MxDbPhonomark::dxfInFields(MxDbDxfFiler* filer) {
     if (const auto adopted = adoptDxfFields(filer, fields); adopted != Mx::eOk)
         return adopted;
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading a note", Mx::eItemUnreadable);
 }
 
 /// Reads one group; false when it is none of the note's.

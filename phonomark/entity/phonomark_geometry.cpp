@@ -3,19 +3,24 @@
 #include "phonomark/entity/phonomark.h"
 
 #include "host/ge/matrix.h"
+#include "phonomark/dbutil/border.h"
 
-Mx::ErrorStatus MxDbPhonomark::subTransformBy(const MxGeMatrix3d& map) {
+Mx::ErrorStatus MxDbPhonomark::subTransformBy(const MxGeMatrix3d& map) try {
     assertWriteEnabled();
     if (m_type == kPointNote)
         m_position = map * m_position;
     return Mx::eOk;
+} catch (...) {
+    return failed("moving a note", Mx::eInvalidInput);
 }
 
-Mx::ErrorStatus MxDbPhonomark::subGetGripPoints(std::vector<MxGePoint3d>& grips) const {
+Mx::ErrorStatus MxDbPhonomark::subGetGripPoints(std::vector<MxGePoint3d>& grips) const try {
     assertReadEnabled();
     if (m_type == kPointNote)
         grips.push_back(m_position);
     return Mx::eOk;
+} catch (...) {
+    return failed("the grips of a note", Mx::eInvalidInput);
 }
 
 Mx::ErrorStatus MxDbPhonomark::subGetGripPoints(std::vector<MxDbGripData>& grips, double viewUnit, int gripSize,
@@ -23,7 +28,7 @@ Mx::ErrorStatus MxDbPhonomark::subGetGripPoints(std::vector<MxDbGripData>& grips
     return MxDbEntity::subGetGripPoints(grips, viewUnit, gripSize, viewDirection, flags);
 }
 
-Mx::ErrorStatus MxDbPhonomark::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) {
+Mx::ErrorStatus MxDbPhonomark::subMoveGripPointsAt(const std::vector<int>& indices, const MxGeVector3d& offset) try {
     if (m_type != kPointNote)
         return Mx::eOk;
     assertWriteEnabled();
@@ -31,6 +36,8 @@ Mx::ErrorStatus MxDbPhonomark::subMoveGripPointsAt(const std::vector<int>& indic
         if (index == 0)
             m_position = m_position + offset;
     return Mx::eOk;
+} catch (...) {
+    return failed("moving a note", Mx::eInvalidInput);
 }
 
 Mx::ErrorStatus MxDbPhonomark::subMoveGripPointsAt(const std::vector<void*>& gripData, const MxGeVector3d& offset,

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/entity/ps_reactor.h"
 
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/geom_extents.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/entity/phonomark.h"
 
@@ -26,11 +28,11 @@ MxRxClass* PhonomarkPsReactor::rxInit(MxRxAppNameChange appNameChange) {
     return gpDesc;
 }
 
-void PhonomarkPsReactor::modified(const MxDbObject* object) {
+void PhonomarkPsReactor::modified(const MxDbObject* object) try {
     if (!object || !object->isKindOf(MxDbEntity::desc()))
         return;
-    MxDbPhonomark* note = nullptr;
-    if (mxdbOpenObject(note, m_noteId, Mx::kForWrite) != Mx::eOk)
+    const Opened<MxDbPhonomark> note(m_noteId, Mx::kForWrite);
+    if (!note)
         return;
     if (note->attachObj() == object->objectId()) {
         MxDbExtents extents;
@@ -42,26 +44,31 @@ void PhonomarkPsReactor::modified(const MxDbObject* object) {
         }
         note->recordGraphicsModified(true);
     }
-    note->close();
+} catch (...) {
+    reportFailure("following an object");
 }
 
-Mx::ErrorStatus PhonomarkPsReactor::dwgInFields(MxDbDwgFiler* filer) {
+Mx::ErrorStatus PhonomarkPsReactor::dwgInFields(MxDbDwgFiler* filer) try {
     assertWriteEnabled();
     if (const auto status = MxDbObject::dwgInFields(filer); status != Mx::eOk)
         return status;
     filer->readSoftPointerId(m_noteId);
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading an attachment", Mx::eItemUnreadable);
 }
 
-Mx::ErrorStatus PhonomarkPsReactor::dwgOutFields(MxDbDwgFiler* filer) const {
+Mx::ErrorStatus PhonomarkPsReactor::dwgOutFields(MxDbDwgFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbObject::dwgOutFields(filer); status != Mx::eOk)
         return status;
     filer->writeSoftPointerId(m_noteId);
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing an attachment", Mx::eItemUnreadable);
 }
 
-Mx::ErrorStatus PhonomarkPsReactor::dxfInFields(MxDbDxfFiler* filer) {
+Mx::ErrorStatus PhonomarkPsReactor::dxfInFields(MxDbDxfFiler* filer) try {
     assertWriteEnabled();
     if (const auto status = MxDbObject::dxfInFields(filer); status != Mx::eOk)
         return status;
@@ -73,13 +80,17 @@ Mx::ErrorStatus PhonomarkPsReactor::dxfInFields(MxDbDxfFiler* filer) {
         m_noteId = filer->itemObjectId();
     }
     return filer->filerStatus();
+} catch (...) {
+    return failed("reading an attachment", Mx::eItemUnreadable);
 }
 
-Mx::ErrorStatus PhonomarkPsReactor::dxfOutFields(MxDbDxfFiler* filer) const {
+Mx::ErrorStatus PhonomarkPsReactor::dxfOutFields(MxDbDxfFiler* filer) const try {
     assertReadEnabled();
     if (const auto status = MxDbObject::dxfOutFields(filer); status != Mx::eOk)
         return status;
     filer->writeString(100, kClassName);
     filer->writeObjectId(330, m_noteId);
     return filer->filerStatus();
+} catch (...) {
+    return failed("writing an attachment", Mx::eItemUnreadable);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/dc_reactor.h"
 
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "phonomark/tagwindow/show_tag_window.h"
@@ -19,12 +20,12 @@ MxRxObject* PhonomarkDcReactor::makeDefault() {
 }
 
 PhonomarkDcReactor::PhonomarkDcReactor(bool autoAttach) {
-    if (autoAttach)
-        Attach();
+    if (autoAttach) // thrown while the module is mapped it would end the process
+        guarded("attaching to the documents", [this] { Attach(); });
 }
 
 PhonomarkDcReactor::~PhonomarkDcReactor() {
-    Detach();
+    guarded("detaching from the documents", [this] { Detach(); });
 }
 
 MxApDocManager* PhonomarkDcReactor::Subject() const {
@@ -49,19 +50,23 @@ void PhonomarkDcReactor::Detach() {
     m_attached = false;
 }
 
-void PhonomarkDcReactor::documentCreated(MxApDocument* document) {
+void PhonomarkDcReactor::documentCreated(MxApDocument* document) try {
     if (PhonomarkManager* manager = livePhManager())
         manager->ReadVoiceHandle(document);
+} catch (...) {
+    reportFailure("a drawing's coming");
 }
 
 void PhonomarkDcReactor::documentToBeActivated(MxApDocument*) {}
 
-void PhonomarkDcReactor::documentActivated(MxApDocument* document) {
+void PhonomarkDcReactor::documentActivated(MxApDocument* document) try {
     if (PhonomarkManager* manager = livePhManager())
         manager->UpdateAll(document);
+} catch (...) {
+    reportFailure("a drawing's activation");
 }
 
-void PhonomarkDcReactor::documentToBeDeactivated(MxApDocument*) {
+void PhonomarkDcReactor::documentToBeDeactivated(MxApDocument*) try {
     if (!g_taguidlg)
         return;
     if (g_taguidlg->IsRecording()) {
@@ -70,9 +75,11 @@ void PhonomarkDcReactor::documentToBeDeactivated(MxApDocument*) {
     } else if (!g_taguidlg->IsPlaying()) {
         g_taguidlg->ShowWindow(0);
     }
+} catch (...) {
+    reportFailure("a drawing's deactivation");
 }
 
-void PhonomarkDcReactor::documentToBeDestroyed(MxApDocument* document) {
+void PhonomarkDcReactor::documentToBeDestroyed(MxApDocument* document) try {
     if (g_taguidlg && g_taguidlg->IsRecording()) {
         g_taguidlg->markAbandoned();
         g_taguidlg->OnRecStop();
@@ -82,4 +89,6 @@ void PhonomarkDcReactor::documentToBeDestroyed(MxApDocument* document) {
         g_taguidlg->forgetDocument(document);
     if (PhonomarkManager* manager = livePhManager())
         manager->RemovePhonomark(document);
+} catch (...) {
+    reportFailure("a drawing's end");
 }

@@ -3,11 +3,13 @@
 
 #include "host/rx/registry.h"
 #include "phonomark/app/module_state.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "phonomark/tagwindow/show_tag_window.h"
 
 #include <QFileInfo>
 
@@ -36,7 +38,7 @@ PhonomarkEdReactor::PhonomarkEdReactor(bool autoAttach) {
 }
 
 PhonomarkEdReactor::~PhonomarkEdReactor() {
-    Detach();
+    guarded("detaching from the editor", [this] { Detach(); });
 }
 
 MxEditor* PhonomarkEdReactor::Subject() const {
@@ -62,13 +64,16 @@ void PhonomarkEdReactor::Detach() {
     m_attached = false;
 }
 
-void PhonomarkEdReactor::beginSave(MxDbDatabase* database, const wchar_t* fileName) {
+void PhonomarkEdReactor::beginSave(MxDbDatabase* database, const wchar_t* fileName) try {
+    keepTakeOfTagWindow(database);
     // A suffix never carries the dot, so every save writes the list, the host's automatic saves included.
     const QString suffix = QFileInfo(toQString(fileName ? fileName : L"")).suffix().toUpper();
     if (suffix == QLatin1String(".PH$") || suffix == QLatin1String(".MS$"))
         return;
     if (PhonomarkManager* manager = livePhManager())
         manager->SaveVoiceHandle(database);
+} catch (...) {
+    reportFailure("a drawing's save");
 }
 
 void PhonomarkEdReactor::commandWillStart(const wchar_t* command) {
@@ -93,11 +98,13 @@ void PhonomarkEdReactor::commandFailed(const wchar_t* command) {
     commandOver(command);
 }
 
-void PhonomarkEdReactor::layoutSwitched(const wchar_t*) {
-    updateCurrentDocument();
+void PhonomarkEdReactor::layoutSwitched(const wchar_t*) try { updateCurrentDocument(); } catch (...) {
+    reportFailure("a change of the layout");
 }
 
-void PhonomarkEdReactor::viewChanged() {
+void PhonomarkEdReactor::viewChanged() try {
     if (bEntUpd && IsShowPhonomark())
         updateCurrentDocument();
+} catch (...) {
+    reportFailure("a change of the view");
 }

@@ -14,5 +14,6 @@ public:
     MxRxClass* isA() const override { return desc(); }
 
     void erased(const MxDbObject* object, bool erasing) override;
+    void modified(const MxDbObject* object) override;
     void goodbye(const MxDbObject* object) override;
 };

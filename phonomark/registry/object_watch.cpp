@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/registry/object_watch.h"
 
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/registry/ob_reactor.h"
 
 #include <algorithm>
@@ -9,15 +10,20 @@
 namespace {
 
 PhonomarkObReactor g_objectReactor;
-std::set<MxDbObjectId> g_watched;
+std::set<MxDbObjectId> g_watched, g_listedWhileErased;
+
+void addTo(MxDbObjectId id, bool openErased) {
+    const Opened<MxDbObject> object(id, Mx::kForRead, openErased);
+    if (!object || HasPhonomarkObReactor(object.get()))
+        return;
+    g_watched.insert(id); // before the reactor is there: none may stay behind that is not remembered
+    if (object->addReactor(phObjRectPtr()) != Mx::eOk)
+        g_watched.erase(id);
+}
 
 bool removeFrom(MxDbObjectId id, bool openErased) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead, openErased) != Mx::eOk)
-        return false;
-    const bool removed = !HasPhonomarkObReactor(object) || object->removeReactor(phObjRectPtr()) == Mx::eOk;
-    object->close();
-    return removed;
+    const Opened<MxDbObject> object(id, Mx::kForRead, openErased);
+    return object && (!HasPhonomarkObReactor(object.get()) || object->removeReactor(phObjRectPtr()) == Mx::eOk);
 }
 
 } // namespace
@@ -35,21 +41,37 @@ bool HasPhonomarkObReactor(const MxDbObject* object) {
 }
 
 void watchObject(MxDbObjectId id) {
-    MxDbObject* object = nullptr;
-    if (mxdbOpenObject(object, id, Mx::kForRead) != Mx::eOk)
-        return;
-    if (!HasPhonomarkObReactor(object) && object->addReactor(phObjRectPtr()) == Mx::eOk)
-        g_watched.insert(id);
-    object->close();
+    addTo(id, false);
+}
+
+void watchErasedObject(MxDbObjectId id, bool isListed) {
+    addTo(id, true);
+    if (isListed)
+        g_listedWhileErased.insert(id);
+}
+
+bool takeListedWhileErased(MxDbObjectId id) {
+    return g_listedWhileErased.erase(id) > 0;
 }
 
 void unwatchObject(MxDbObjectId id) {
+    g_listedWhileErased.erase(id); // whoever stops watching has taken it off the list
     if (removeFrom(id, false))
         g_watched.erase(id);
 }
 
 void forgetObject(MxDbObjectId id) {
     g_watched.erase(id);
+    g_listedWhileErased.erase(id);
+}
+
+std::vector<MxDbHandle> watchedHandles(const MxDbDatabase* database) {
+    std::vector<MxDbHandle> handles;
+    for (const MxDbObjectId& id : g_watched)
+        if (id.database() == database)
+            handles.push_back(id.handle());
+    std::sort(handles.begin(), handles.end());
+    return handles;
 }
 
 void unwatchDatabase(const MxDbDatabase* database) {

@@ -3,6 +3,7 @@
 
 #include "host/db/layout.h"
 #include "host/ed/input.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/texts.h"
@@ -10,9 +11,6 @@
 #include "phonomark/registry/object_watch.h"
 #include "phonomark/tagwindow/pm_reactor.h"
 #include "phonomark/tagwindow/show_tag_window.h"
-
-#include <cstdio>
-#include <exception>
 
 namespace {
 
@@ -44,17 +42,6 @@ std::vector<MxDbObjectId> layoutBlocks(const MxDbDatabase& database) {
     return blocks;
 }
 
-/// A step of the registry's end that fails leaves the others to be done.
-template <class Step> void guarded(const Step& step) {
-    try {
-        step();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "phonomark: the notes of a drawing were not put away: %s\n", error.what());
-    } catch (...) {
-        std::fputs("phonomark: the notes of a drawing were not put away\n", stderr);
-    }
-}
-
 } // namespace
 
 void createMxPhManager() {
@@ -80,18 +67,21 @@ PhonomarkManager* livePhManager() {
 }
 
 PhonomarkManager::PhonomarkManager() {
-    for (MxApDocument* document : openDocuments())
+    for (MxApDocument* document : openDocuments()) {
         ReadVoiceHandle(document);
+        resumeWatching(document);
+    }
 }
 
 PhonomarkManager::~PhonomarkManager() {
-    guarded([this] {
+    guarded("putting the notes away", [this] {
         for (MxApDocument* document : openDocuments()) {
-            guarded([&] { SaveVoiceHandle(document->database()); });
-            guarded([&] { RemovePhonomark(document); });
+            guarded("saving a drawing's list", [&] { SaveVoiceHandle(document->database()); });
+            guarded("keeping what is watched", [&] { keepWatched(*document); });
+            guarded("letting a drawing's notes go", [&] { RemovePhonomark(document); });
         }
     });
-    guarded([] { AbortPlayingAndDestroyWnd(); });
+    guarded("ending the playback", [] { AbortPlayingAndDestroyWnd(); });
     m_documents.clear();
 }
 

@@ -55,6 +55,11 @@ public:
     bool ReadVoiceHandle(MxApDocument* document);
 
 private:
+    // What is watched when the registry ends is left with the drawing, so that the next registry lists the notes that
+    // are back by then and watches those that may still come back.
+    static void keepWatched(const MxApDocument& document);
+    void resumeWatching(MxApDocument* document);
+
     using Entries = std::map<MxApDocument*, std::unique_ptr<CDocData>>;
     /// The document's list; null when it has none. Asking leaves an entry behind.
     CDocData* dataOf(MxApDocument* document) { return m_documents[document].get(); }

@@ -4,6 +4,8 @@
 #include "host/ap/document.h"
 #include "host/ed/input.h"
 #include "host/ui/windows.h"
+#include "phonomark/dbutil/border.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/regions.h"
 #include "phonomark/dbutil/run_time_class.h"
 #include "phonomark/entity/phonomark.h"
@@ -30,9 +32,11 @@ PhonomarkPmReactor::PhonomarkPmReactor(MxApDocument* document) {
 }
 
 PhonomarkPmReactor::~PhonomarkPmReactor() {
-    Detach();
-    if (g_taguidlg && !g_taguidlg->IsPlaying())
-        g_taguidlg->ShowWindow(0);
+    guarded("the end of a hover monitor", [this] {
+        Detach();
+        if (g_taguidlg && !g_taguidlg->IsPlaying())
+            g_taguidlg->ShowWindow(0);
+    });
 }
 
 void PhonomarkPmReactor::Attach(MxApDocument* document) {
@@ -52,7 +56,7 @@ void PhonomarkPmReactor::Detach() {
     m_document = nullptr;
 }
 
-Mx::ErrorStatus PhonomarkPmReactor::monitorInputPoint(const MxEdInputPoint& input) {
+Mx::ErrorStatus PhonomarkPmReactor::monitorInputPoint(const MxEdInputPoint& input) try {
     if (!input.pointComputed)
         return Mx::eOk;
     const bool playing = g_taguidlg && g_taguidlg->IsPlaying();
@@ -66,14 +70,12 @@ Mx::ErrorStatus PhonomarkPmReactor::monitorInputPoint(const MxEdInputPoint& inpu
     if (playing)
         return Mx::eOk;
     for (const MxDbObjectId& id : input.pickedEntities) {
-        MxDbObject* object = nullptr;
-        if (mxdbOpenObject(object, id, Mx::kForRead) != Mx::eOk)
-            continue;
-        if (object->isKindOf(MxDbPhonomark::desc()))
-            hover(*static_cast<MxDbPhonomark*>(object), input.rawPoint);
-        object->close();
+        if (const Opened<MxDbPhonomark> note(id, Mx::kForRead); note)
+            hover(*note, input.rawPoint);
     }
     return Mx::eOk;
+} catch (...) {
+    return failed("a move of the cursor", Mx::eInvalidInput);
 }
 
 namespace {

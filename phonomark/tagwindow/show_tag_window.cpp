@@ -67,3 +67,18 @@ void stopRecordingInTagWindow() {
     if (g_taguidlg && g_taguidlg->recordTimer() != -1)
         g_taguidlg->OnLButtonUp();
 }
+
+void keepTakeOfTagWindow(const MxDbDatabase* database) {
+    if (g_taguidlg)
+        g_taguidlg->keepTakeSoFar(database);
+}
+
+void noteChangedUnderTagWindow(MxDbObjectId id) {
+    if (g_taguidlg)
+        g_taguidlg->noteChanged(id);
+}
+
+void noteErasedUnderTagWindow(MxDbObjectId id) {
+    if (g_taguidlg)
+        g_taguidlg->noteErased(id);
+}

@@ -2,9 +2,11 @@
 // The one tag window of the process. Main thread only.
 #pragma once
 
+#include "host/db/object_id.h"
 #include "host/ui/dialog.h"
 
 class CPhonomarkTagUIDlg;
+class MxDbDatabase;
 class MxDbPhonomark;
 
 /// Null while there is no window.
@@ -28,3 +30,11 @@ void removeTagWindow();
 
 /// Ends a recording under way as the release of the button does: the note keeps what was said.
 void stopRecordingInTagWindow();
+
+/// The drawing is about to be written: a recording under way for one of its notes is put into the note as far as it
+/// has come, and goes on.
+void keepTakeOfTagWindow(const MxDbDatabase* database);
+
+/// A note was changed by undo, redo or somebody else; it was erased. The window follows if it is its own.
+void noteChangedUnderTagWindow(MxDbObjectId id);
+void noteErasedUnderTagWindow(MxDbObjectId id);

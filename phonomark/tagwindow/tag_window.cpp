@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The window itself: what it shows and how it is pressed. Recording and playing: tag_window_sound.cpp.
+// What the window shows and how it is pressed.
 #include "phonomark/tagwindow/tag_window.h"
 
-#include "host/ap/document.h"
-#include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "phonomark/tagwindow/delete_box.h"
 #include "phonomark/tagwindow/show_tag_window.h"
 
 #include <QMouseEvent>
@@ -15,18 +14,14 @@
 #include <QTimerEvent>
 #include <QWheelEvent>
 
-#include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr int kSide = 36;
-/// The delete box, right and bottom edge exclusive.
-constexpr int kDeleteLeft = 26, kDeleteTop = 0, kDeleteRight = 35, kDeleteBottom = 9;
-
-bool inDeleteBox(const QPointF& at) {
-    const int x = qRound(at.x()), y = qRound(at.y());
-    return kDeleteLeft <= x && x < kDeleteRight && kDeleteTop <= y && y < kDeleteBottom;
-}
+/// The cross of the delete box while the cursor is on it.
+const QColor kDeleteGround(0xb3, 0x26, 0x1e);
+constexpr double kStrongCross = 2.2;
 
 QImage resourceImage(const char* name) {
     return QImage(QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name));
@@ -40,13 +35,12 @@ CPhonomarkTagUIDlg::CPhonomarkTagUIDlg(QWidget* parent)
 }
 
 CPhonomarkTagUIDlg::~CPhonomarkTagUIDlg() {
-    // Workers hold what they use; they are asked to end and not waited for.
-    if (m_recorder && m_recordTimer != -1)
-        m_recorder->stop();
-    if (m_player && m_playing)
-        m_player->stop();
     if (g_taguidlg == this)
         g_taguidlg = nullptr;
+    if (isTaking())
+        OnRecStop();
+    if (m_player && m_playing)
+        m_player->stop();
 }
 
 /// The block filed with a note. It describes 8-bit sound although the samples have 16 bits; notes have always carried
@@ -68,6 +62,7 @@ bool CPhonomarkTagUIDlg::OnInitDialog() {
     LoadResImages();
     LoadResString();
     setAttribute(Qt::WA_TranslucentBackground);
+    setMouseTracking(true); // the delete box is told from the rest without a button held
     setFixedSize(m_width, m_height);
     updateToolTip();
     if (!m_hasRecord)
@@ -96,10 +91,9 @@ void CPhonomarkTagUIDlg::LoadResString() {
 }
 
 void CPhonomarkTagUIDlg::SetMxDbOwner(MxDbPhonomark* note) {
-    m_owner = note;
-    m_ownerId = note ? note->objectId() : MxDbObjectId();
-    const MxApDocManager* manager = mxDocManagerPtr();
-    m_ownerDocument = note && manager && note->database() ? manager->document(note->database()) : nullptr;
+    if (isTaking() && note != m_take->note().pointer())
+        OnRecStop();
+    m_owner = HeldNote(note);
     SetRecordStatus(note && note->isRecord());
 }
 
@@ -117,7 +111,7 @@ void CPhonomarkTagUIDlg::showOwnerImage() {
 
 void CPhonomarkTagUIDlg::updateToolTip() {
     std::wstring text = m_emptyTip;
-    if (const MxDbPhonomark* note = m_hasRecord ? presentOwner() : nullptr) {
+    if (const MxDbPhonomark* note = m_hasRecord ? m_owner.present() : nullptr) {
         CStdStr<wchar_t> speaker, date;
         note->getSpokesman(speaker);
         note->getDatatime(date);
@@ -126,22 +120,48 @@ void CPhonomarkTagUIDlg::updateToolTip() {
     setToolTip(toQString(text));
 }
 
-MxDbPhonomark* CPhonomarkTagUIDlg::presentOwner() const {
-    return m_owner && (!m_ownerDocument || IsValidDocument(m_ownerDocument)) ? m_owner : nullptr;
-}
-
-MxDbPhonomark* CPhonomarkTagUIDlg::liveOwner() const {
-    MxDbPhonomark* note = presentOwner();
-    return note && !note->isErased() ? note : nullptr;
-}
-
 void CPhonomarkTagUIDlg::forgetDocument(const MxApDocument* document) {
-    if (m_ownerDocument && m_ownerDocument == document)
+    if (m_owner.isOf(document))
         SetMxDbOwner(nullptr);
 }
 
+void CPhonomarkTagUIDlg::noteChanged(MxDbObjectId id) {
+    const MxDbPhonomark* note = m_owner.id() == id && !isTaking() && !m_playing ? m_owner.live() : nullptr;
+    if (note)
+        SetRecordStatus(note->isRecord());
+}
+
+void CPhonomarkTagUIDlg::noteErased(MxDbObjectId id) {
+    if (isTaking() && m_take->note().id() == id)
+        OnRecStop();
+    if (m_owner.id() != id)
+        return;
+    if (m_playing)
+        stopPlaying();
+    ShowWindow(0);
+}
+
+namespace {
+
+/// The image with a delete box that stands out.
+QImage withStrongCross(QImage image) {
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kDeleteGround);
+    const QRectF box = kDeleteBox;
+    painter.drawRoundedRect(box, 2, 2);
+    painter.setPen(QPen(Qt::white, kStrongCross, Qt::SolidLine, Qt::RoundCap));
+    const QRectF cross = box.adjusted(2, 2, -2, -2);
+    painter.drawLine(cross.topLeft(), cross.bottomRight());
+    painter.drawLine(cross.topRight(), cross.bottomLeft());
+    return image;
+}
+
+} // namespace
+
 void CPhonomarkTagUIDlg::paintEvent(QPaintEvent*) {
-    QPainter(this).drawImage(0, 0, m_currentImage);
+    QPainter(this).drawImage(0, 0, m_overDeleteBox ? withStrongCross(m_currentImage) : m_currentImage);
 }
 
 void CPhonomarkTagUIDlg::enterEvent(QEvent*) {
@@ -149,14 +169,18 @@ void CPhonomarkTagUIDlg::enterEvent(QEvent*) {
 }
 
 void CPhonomarkTagUIDlg::leaveEvent(QEvent*) {
+    m_lastMove = {-1, -1};
+    if (std::exchange(m_overDeleteBox, false))
+        update();
     if (!m_playing)
         ShowWindow(0);
 }
 
+/// Other buttons are the drawing's below, but for the time of a recording: nothing may disturb that.
 void CPhonomarkTagUIDlg::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton)
-        return;
-    if (inDeleteBox(event->localPos()))
+        event->setAccepted(isTaking());
+    else if (isInDeleteBox(qRound(event->localPos().x()), qRound(event->localPos().y())))
         deleteOwner();
     else if (m_hasRecord)
         OnPlayStart();
@@ -167,13 +191,15 @@ void CPhonomarkTagUIDlg::mousePressEvent(QMouseEvent* event) {
 void CPhonomarkTagUIDlg::deleteOwner() {
     ShowWindow(0);
     PhonomarkManager* manager = livePhManager();
-    if (manager && presentOwner())
-        manager->ErasePhonomark(m_ownerId, nullptr);
+    if (manager && m_owner.present())
+        manager->ErasePhonomark(m_owner.id(), nullptr);
 }
 
 void CPhonomarkTagUIDlg::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         OnLButtonUp();
+    else
+        event->setAccepted(isTaking());
 }
 
 void CPhonomarkTagUIDlg::OnLButtonUp() {
@@ -181,6 +207,11 @@ void CPhonomarkTagUIDlg::OnLButtonUp() {
         return;
     OnRecStop();
     update();
+}
+
+void CPhonomarkTagUIDlg::OnCaptureChanged() {
+    if (isTaking())
+        OnLButtonUp();
 }
 
 void CPhonomarkTagUIDlg::OnMouseLeave() {

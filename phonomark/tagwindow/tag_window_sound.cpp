@@ -3,45 +3,31 @@
 #include "phonomark/tagwindow/tag_window.h"
 
 #include "host/ed/input.h"
+#include "host/rx/string_table.h"
 #include "host/ui/windows.h"
 #include "phonomark/dbutil/documents.h"
-#include "phonomark/dbutil/text_conversion.h"
+#include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
 
-#include <QThread>
-
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <limits>
+#include <utility>
 
 namespace {
 
 constexpr int kRecordTickMs = 100;
 constexpr int kPlayTickMs = 300;
+/// Between two steps of the way to the corner.
+constexpr unsigned long kRiseMs = 200;
 /// Images I, II and III take part in the animation.
 constexpr std::int64_t kAnimatedImages = 3;
 constexpr std::int64_t kLongestPlayMs = 29'999;
-/// A press this short was no attempt to speak.
-constexpr std::uint32_t kAccidentalMs = 300;
-/// A recording has to be longer than this.
-constexpr std::uint32_t kShortestMs = 1000;
 constexpr unsigned kPlayStartText = 294;
-
-std::wstring withInchSign(const QString& seconds) {
-    return toWide(seconds) + L'"';
-}
-
-void redraw(const MxDbPhonomark& note) {
-    mxdbEntUpd(note.objectId());
-}
-
-/// The note was changed through the pointer that the window holds: the next save has to take it along, also when its
-/// layer or its drawing is locked.
-void markForSave(const MxDbPhonomark& note) {
-    mxdbMarkModified(note.objectId());
-}
+constexpr unsigned kNoSecondTakeText = 300;
+constexpr unsigned kLimitText = 301;
+constexpr unsigned kDeviceLostText = 302;
 
 } // namespace
 
@@ -52,83 +38,67 @@ int playDurationMs(const std::wstring& duration) {
     return static_cast<int>(1000 + 1000 * std::clamp(seconds, -kMost, kMost));
 }
 
+/// A window that came up over a recorded note has no buffer; one that has played holds a copy of the sound, which a
+/// worker may still be reading.
+std::shared_ptr<CaptureBuffer> CPhonomarkTagUIDlg::captureBuffer() {
+    if (!m_buffer || m_player || m_buffer->capacity() < VkAudioRecorder::kBufferBytes)
+        m_buffer = CaptureBuffer::make(VkAudioRecorder::kBufferBytes);
+    return m_buffer;
+}
+
 void CPhonomarkTagUIDlg::OnRecStart() {
-    if (!liveOwner())
+    MxDbPhonomark* note = m_owner.live();
+    if (!note)
         return;
-    if (!m_recorder) {
-        // A window that came up over a recorded note has no buffer; one that has played holds a copy of the sound,
-        // which a worker may still be reading.
-        if (!m_buffer || m_player || m_buffer->capacity() < VkAudioRecorder::kBufferBytes)
-            m_buffer = CaptureBuffer::make(VkAudioRecorder::kBufferBytes);
-        if (m_clock)
-            m_recorder.emplace(m_clock);
-        else
-            m_recorder.emplace();
-        if (!m_buffer || !m_recorder->record(m_buffer->bytes(), m_buffer->counter(), m_buffer)) {
+    if (m_take) {
+        mxutPrintfById(kNoSecondTakeText);
+    } else {
+        m_take.emplace(*note, captureBuffer(), m_clock);
+        if (!m_take->start()) {
             mxutPrintText(m_unavailableText.c_str());
             return;
         }
     }
     m_stopRequested = false;
     m_recording = true;
+    m_recordTicks = 0;
     stopTimer(m_recordTimer);
     m_recordTimer = startTimer(kRecordTickMs, Qt::CoarseTimer);
 }
 
 void CPhonomarkTagUIDlg::recordTick() {
-    MxDbPhonomark* note = presentOwner();
-    if (!note || !m_recorder)
-        return;
-    note->setDuration(withInchSign(m_recorder->getTime()));
-    note->ShowRegion(false);
-    redraw(*note);
-    markForSave(*note);
+    if (!m_take || m_take->note().id() != m_owner.id())
+        return; // a press that captures nothing has no time to show
+    m_take->showTime();
     mxuiRepairView();
+    if (m_take->hasReachedLimit() && m_take->sayOnceLimit())
+        mxutPrintfById(kLimitText);
 }
 
 void CPhonomarkTagUIDlg::OnRecStop() {
-    if (!m_recorder)
+    if (!m_take)
         return;
     stopTimer(m_recordTimer);
-    const std::uint32_t ms = m_recorder->getTimeMs();
-    m_recorder->stop();
-    if (ms > kAccidentalMs && ms < kShortestMs)
+    m_take->stop();
+    if (m_take->isTooShort() && m_take->sayOnceTooShort())
         mxutPrintText(m_tooShortText.c_str());
-    MxDbPhonomark* note = presentOwner();
-    if (!note)
+    if (!m_take->finish(m_waveFormat) || !m_take->isKept())
         return;
-    if (ms > kShortestMs)
-        keepRecording(*note);
-    else
-        resetOwner(*note);
-}
-
-void CPhonomarkTagUIDlg::resetOwner(MxDbPhonomark& note) {
-    note.setDuration(kEmptyDuration);
-    note.setRecord(false);
-    redraw(note);
-    note.delAudioData();
-    markForSave(note);
-}
-
-void CPhonomarkTagUIDlg::keepRecording(MxDbPhonomark& note) {
-    const std::uint32_t size = m_buffer ? m_buffer->count() : 0;
-    auto* copy = static_cast<unsigned char*>(std::calloc(std::size_t(size) + 1, 1));
-    if (!copy)
-        return;
-    if (size > 0)
-        std::memcpy(copy, m_buffer->bytes(), size);
-    note.delAudioData();
-    note.setAudioData(copy);
-    note.setAudioDataSize(size);
-    note.setWaveFormat(&m_waveFormat);
-    note.setDuration(withInchSign(m_recorder->getTime()));
-    redraw(note);
-    note.setRecord(true);
-    markForSave(note);
     m_stopRequested = true;
+    const MxDbPhonomark* note = m_take->note().present();
+    CStdStr<wchar_t> speaker;
+    note->getSpokesman(speaker);
+    mxutUpdateStringTable(speaker.c_str());
+    if (note != m_owner.pointer())
+        return;
     SetRecordStatus(true);
     showOwnerImage(); // in the place of an animation, too
+}
+
+void CPhonomarkTagUIDlg::keepTakeSoFar(const MxDbDatabase* database) {
+    const MxDbPhonomark* note = isTaking() ? m_take->note().present() : nullptr;
+    if (note && note->database() == database)
+        m_take->keepSoFar();
 }
 
 void CPhonomarkTagUIDlg::OnPlayStart() {
@@ -144,8 +114,10 @@ void CPhonomarkTagUIDlg::OnPlayStart() {
         }
     }
     riseInCorner();
-    if (!m_player)
-        m_player.emplace();
+    if (m_player)
+        m_player->stop(); // a press on a window that plays begins anew
+    m_player.emplace();
+    m_saidDeviceLost = false;
     if (!m_buffer || !m_player->play(m_buffer->bytes(), m_buffer->count(), m_buffer))
         mxutPrintText(m_unavailableText.c_str());
     stopTimer(m_playTimer);
@@ -154,7 +126,7 @@ void CPhonomarkTagUIDlg::OnPlayStart() {
 
 bool CPhonomarkTagUIDlg::takeSound() {
     MxDbPhonomark* note = nullptr;
-    if (!liveOwner() || mxdbOpenObject(note, m_ownerId, Mx::kForRead) != Mx::eOk) {
+    if (!m_owner.live() || mxdbOpenObject(note, m_owner.id(), Mx::kForRead) != Mx::eOk) {
         m_buffer = CaptureBuffer::make(1); // nothing to hear
         return true;
     }
@@ -182,28 +154,33 @@ void CPhonomarkTagUIDlg::riseInCorner() {
     const QRect frame = mxuiMainWindowRect();
     const QPoint corner = mxuiScreenToMainWindow(QPoint(frame.x() + frame.width(), frame.y() + frame.height()));
     for (int step = 1; step <= 4; ++step) {
-        QThread::msleep(200);
+        m_sleep(kRiseMs);
         move(corner.x() - 48, corner.y() - 9 * step);
         repaint();
     }
 }
 
 void CPhonomarkTagUIDlg::playTick() {
+    if (m_player && m_player->hasFailed() && !std::exchange(m_saidDeviceLost, true))
+        mxutPrintfById(kDeviceLostText);
     ++m_playTicks;
     const std::int64_t index = m_playTicks % kAnimatedImages;
     m_currentImage = index < static_cast<std::int64_t>(m_playingImages.size())
                          ? m_playingImages[static_cast<std::size_t>(index)]
                          : QImage();
     const std::int64_t elapsed = m_playTicks * kPlayTickMs;
-    if (elapsed >= m_playDurationMs || elapsed > kLongestPlayMs) {
-        stopTimer(m_playTimer);
-        m_playing = false;
-        m_playTicks = 0;
-        ShowWindow(0);
-        if (m_player)
-            m_player->stop();
-    }
+    if (elapsed >= m_playDurationMs || elapsed > kLongestPlayMs)
+        stopPlaying();
     update();
+}
+
+void CPhonomarkTagUIDlg::stopPlaying() {
+    stopTimer(m_playTimer);
+    m_playing = false;
+    m_playTicks = 0;
+    ShowWindow(0);
+    if (m_player)
+        m_player->stop();
 }
 
 void CPhonomarkTagUIDlg::OnPlayPause() {

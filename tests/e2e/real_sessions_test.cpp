@@ -19,14 +19,11 @@ struct RealSessions : RealScreen {
         moveTo(x, y);
         hand({"click", QString::number(button)});
     }
+    /// Types a line that the command line answers.
     void type(const QString& line) {
-        hand({"type", line});
-        hand({"key", "Return"});
-    }
-    void placeNote(int x, int y) {
-        moveTo(x, y);
-        type("PHONOMARK");
-        hand({"click", "1"});
+        const QString before = witness.said();
+        enter(line);
+        EXPECT_TRUE(comesTrue([&] { return witness.said() != before; })) << qPrintable(line);
     }
     void place(const QString& which, const QRect& area) {
         hand({"windowsize", "--sync", which, QString::number(area.width()), QString::number(area.height())});
@@ -149,7 +146,7 @@ TEST_F(RealSessions, ADrawingIsPutBackByTheMenuOfItsTab) {
     turnTo(window);
     place(window, {60, 90, 1000, 700});
     click(kFirstTab.x(), kFirstTab.y(), 3);
-    QThread::msleep(300); // the menu opens
+    ASSERT_TRUE(comesTrue([&] { return witness.seesMenu(); }));
     picture("tab-menu", {60, 90, 640, 200});
     hand({"key", "Down", "Return"}); // what cannot be chosen is passed over
     ASSERT_TRUE(comesTrue([&] { return windowNamed("roof.dxf") == first; }));
@@ -167,12 +164,10 @@ TEST_F(RealSessions, ANoteIsRecordedInAWindowOfItsOwn) {
     turnTo(windowNamed("roof.dxf"));
     placeNote(700, 420);
     ASSERT_TRUE(savedNotes(roof, 1));
-    moveTo(725, 395);
-    moveTo(726, 394);
-    QThread::msleep(500); // the cursor rests on the note: its window comes up
+    ASSERT_TRUE(hoverNote(700, 420));
     hand({"mousedown", "1"});
-    ASSERT_TRUE(comesTrue([&] { return QFile::exists(log); })) << "the button was held but nothing was recorded";
-    QThread::msleep(1600); // speak
+    ASSERT_TRUE(comesTrue([&] { return isListening(); })) << "the button was held but nothing was recorded";
+    QThread::msleep(kSpokenMs);
     hand({"mouseup", "1"});
     EXPECT_TRUE(comesTrue([&] {
         hand({"key", "ctrl+s"});
@@ -194,7 +189,7 @@ TEST_F(RealSessions, TheThirdStepOfTheUndoListTakesThreeBack) {
     ASSERT_TRUE(savedNotes(plan, 3));
     const std::size_t before = linesIn(plan);
     click(kUndoArrow.x(), kUndoArrow.y());
-    QThread::msleep(300); // the menu opens
+    ASSERT_TRUE(comesTrue([&] { return witness.seesMenu(); }));
     picture("undo-list", {60, 90, 640, 200});
     hand({"key", "Down", "Down", "Down", "Return"});
     EXPECT_TRUE(savedNotes(plan, 1));
@@ -208,8 +203,8 @@ TEST_F(RealSessions, TheModuleGoesAndComesBackWithADrawingOnTheScreen) {
     const Record before = notesIn(plan).front();
     type("MODUNLOAD");
     type("MrxPhonomark");
-    placeNote(560, 585); // answered by "not loaded"
-    hand({"key", "Escape"});
+    type("PHONOMARK");
+    EXPECT_TRUE(comesTrue([&] { return witness.timesSaid("not loaded") == 1; })) << qPrintable(witness.said());
     picture("module", {frame.bottomLeft() - QPoint(0, 159), QSize(1280, 160)});
     type("LINE");
     type("0,0");

@@ -2,9 +2,11 @@
 // By hand: a real screen (Xvfb), a window manager, the keyboard and the mouse (xdotool), a real sound server.
 #pragma once
 
+#include "tests/e2e/witnessed.h"
 #include "tests/support/dxf_tags.h"
 #include "tests/support/process.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
@@ -14,6 +16,7 @@
 #include <QtEndian>
 
 #include <functional>
+#include <iostream>
 #include <memory>
 #include <vector>
 
@@ -40,11 +43,11 @@ private:
 };
 
 /// Looks again and again; false when it has not come true after a long time.
-inline bool comesTrue(const std::function<bool()>& condition) {
+inline bool comesTrue(const std::function<bool()>& condition, int boundMs = 30'000) {
     QElapsedTimer clock;
     clock.start();
     while (!condition()) {
-        if (clock.elapsed() > 30'000)
+        if (clock.elapsed() > boundMs)
             return false;
         QThread::msleep(50);
     }
@@ -53,8 +56,11 @@ inline bool comesTrue(const std::function<bool()>& condition) {
 
 /// A screen of its own with a window manager and sound.
 struct RealScreen : testing::Test {
+    static constexpr int kSpokenMs = 1800; ///< a take that is long enough to be kept, also on a busy machine
+
     QTemporaryDir folder{QStringLiteral("/tmp/hand.XXXXXX")};
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const Witnessed witness{folder.path()};
     std::unique_ptr<Running> screen, manager, merix;
     QString sound, log, window;
     QRect frame; ///< of the window on the screen when it was opened
@@ -90,6 +96,9 @@ struct RealScreen : testing::Test {
         environment.insert("PHONOMARK_AUDIO_LOG", log);
         for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
             environment.insert(name, folder.filePath("home"));
+        environment.insert("QT_PLUGIN_PATH", MERIX_BINARY_DIR "/tests/plugins");
+        environment.insert("QT_QPA_GENERIC_PLUGINS", "witness");
+        environment.insert("MERIX_WITNESS", folder.path());
 
         // libxkbcommon-x11 copies a part of a text without an end by strndup, as it may; the strict check of the
         // address sanitizer asks for an end all the same.
@@ -118,6 +127,8 @@ struct RealScreen : testing::Test {
         ASSERT_TRUE(frame.isValid());
     }
     void TearDown() override {
+        if (HasFailure())
+            keepPicture();
         merix.reset();
         if (!sound.isEmpty())
             run(MERIX_SOURCE_DIR "/scripts/sound-server.sh", {"stop", sound}, folder.path(), {}, environment);
@@ -131,6 +142,42 @@ struct RealScreen : testing::Test {
             numbers[line.left(line.indexOf('='))] = line.mid(line.indexOf('=') + 1).toInt();
         return numbers;
     }
+    /// Types lines and waits until they were taken and the next command is waited for.
+    bool command(const QStringList& lines) {
+        const QString called = "Command: " + lines.front();
+        const int before = witness.timesSaid(called);
+        type(lines);
+        return comesTrue([&] { return witness.timesSaid(called) > before && witness.prompt() == "Command:"; });
+    }
+    /// Types each line when the one before has been taken and the next is asked for.
+    void type(const QStringList& lines) {
+        for (int i = 0; i < lines.size(); ++i) {
+            const QString said = witness.said(), prompt = witness.prompt();
+            enter(lines[i]);
+            if (i + 1 < lines.size())
+                comesTrue([&] {
+                    const QString next = witness.prompt();
+                    return witness.said() != said && (next != prompt || next.contains("Select objects"));
+                });
+        }
+    }
+    void enter(const QString& line) {
+        if (line.isEmpty())
+            hand({"key", "Return"});
+        else
+            hand({"type", "--delay", "3", "--args", "1", line, "key", "Return"});
+    }
+    /// The program is there and answers.
+    bool answers(int boundMs = 30'000) {
+        const int before = witness.timesSaid("Command: MODULES");
+        type({"MODULES"});
+        return comesTrue([&] { return witness.timesSaid("Command: MODULES") > before; }, boundMs);
+    }
+    QByteArray atServer(const char* what) {
+        return run("pactl", {"list", "short", what}, folder.path(), {}, environment).out.trimmed();
+    }
+    bool isListening() { return !atServer("source-outputs").isEmpty(); }
+    bool isPlaying() { return !atServer("sink-inputs").isEmpty(); }
     void moveTo(int x, int y) { hand({"mousemove", "--window", window, QString::number(x), QString::number(y)}); }
     /// The whole screen: the server keeps its screen in a file of big-endian words that tell its measures, a table
     /// of colours and the pixels.
@@ -151,6 +198,29 @@ struct RealScreen : testing::Test {
     }
     /// What the window shows.
     QImage shown() const { return seen().copy(frame); }
+    /// Places a note there in the window.
+    void placeNote(int x, int y) {
+        moveTo(x, y);
+        enter("PHONOMARK");
+        ASSERT_TRUE(comesTrue([&] { return witness.prompt().contains("Specify the point"); }));
+        hand({"click", "1"});
+        ASSERT_TRUE(comesTrue([&] { return witness.prompt() == "Command:"; }));
+    }
+    /// The cursor rests on the marker of the note that was placed there, and its window is seen.
+    bool hoverNote(int x, int y) {
+        moveTo(x + 25, y - 25);
+        moveTo(x + 26, y - 26);
+        return comesTrue([&] { return !witness.tag().isNull(); });
+    }
+    /// The screen and the command history as they were when the test had failed, for people to look at.
+    void keepPicture() const {
+        const QString folderOfAll = MERIX_BINARY_DIR "/hand/failed";
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        const QString path = folderOfAll + '/' + test->test_suite_name() + '.' + test->name();
+        if (!QDir().mkpath(folderOfAll) || !seen().save(path + ".png"))
+            return;
+        std::cout << "The screen: " << qPrintable(path) << ".png\n" << qPrintable(witness.said()) << std::endl;
+    }
     /// The last one on the screen with `title` in its title; empty for none.
     QString windowNamed(const QString& title) {
         const QByteArray found = hand({"search", "--onlyvisible", "--name", title}).out.trimmed();

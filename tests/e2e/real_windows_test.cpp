@@ -41,12 +41,8 @@ struct RealSelection : RealWindows {
         if (HasFatalFailure())
             return;
         hand({"key", "F3"}); // the notes go where the hand is, not to an end of a line beside it
-        for (const QPoint& at : {m_left, m_right}) {
-            moveTo(at.x(), at.y());
-            hand({"type", "PHONOMARK"});
-            hand({"key", "Return"});
-            hand({"click", "1"});
-        }
+        for (const QPoint& at : {m_left, m_right})
+            ASSERT_NO_FATAL_FAILURE(placeNote(at.x(), at.y()));
         ASSERT_TRUE(saved([&] { return savedNotes().size() == 2; }));
         measure(point(savedNotes()[0], 10), point(savedNotes()[1], 10));
     }
@@ -224,11 +220,7 @@ struct RealAttachment : RealSelection {
 };
 
 TEST_F(RealWindows, ANoteIsPlacedRecordedAndSavedWithMouseAndKeyboard) {
-    moveTo(600, 300);
-    hand({"type", "PHONOMARK"});
-    hand({"key", "Return"});
-    moveTo(700, 420);
-    hand({"click", "1"});
+    ASSERT_NO_FATAL_FAILURE(placeNote(700, 420));
     ASSERT_TRUE(comesTrue([&] {
         hand({"key", "ctrl+s"});
         return !savedNote().empty();
@@ -236,12 +228,10 @@ TEST_F(RealWindows, ANoteIsPlacedRecordedAndSavedWithMouseAndKeyboard) {
     EXPECT_EQ(value(savedNote(), 3), "0.0\"");
 
     // The marker stands up and to the right of the point; a cursor that rests on it brings up the tag window.
-    moveTo(725, 395);
-    moveTo(726, 394);
-    QThread::msleep(500); // rest
+    ASSERT_TRUE(hoverNote(700, 420));
     hand({"mousedown", "1"});
-    ASSERT_TRUE(comesTrue([&] { return QFile::exists(log); })) << "the button was held but nothing was recorded";
-    QThread::msleep(1600); // speak
+    ASSERT_TRUE(comesTrue([&] { return isListening(); })) << "the button was held but nothing was recorded";
+    QThread::msleep(kSpokenMs);
     hand({"mouseup", "1"});
     ASSERT_TRUE(comesTrue([&] {
         hand({"key", "ctrl+s"});

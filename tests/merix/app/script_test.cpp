@@ -122,6 +122,15 @@ TEST_F(ScriptTest, KeysGoToTheCommandLine) {
     expectFine("@key N\n@key E\n@key W\n@key Return\n@expect Command: new\n@close\n");
 }
 
+TEST_F(ScriptTest, KeysWithCtrlAreControlCharactersAndTypeNothing) {
+    for (const char* modifier : {"Ctrl+", "Ctrl+Shift+", "Ctrl+Alt+", "Ctrl+Meta+"}) {
+        QByteArray script("NEW\n");
+        for (const char* key : {"F", "T", "L", "B", "G", "R", "1", "2", "8", "/", "+", "-", "Space", "Tab", "F1"})
+            script += QByteArray("@key ") + modifier + key + '\n';
+        expectFine(script + "@key U\n@key Return\n@expect Command: u\n");
+    }
+}
+
 TEST_F(ScriptTest, ShortcutsWorkAsUnderAHand) {
     expectFine("@key Ctrl+N\n@wait 10\n@save a.dxf\n");
     EXPECT_TRUE(QFile::exists(m_folder.filePath(QStringLiteral("a.dxf"))));

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QTemporaryDir>
 
 using namespace merix;
 
@@ -76,6 +77,22 @@ TEST_F(MainWindowTest, LayoutTabsFollowTheLayoutsOfTheDrawing) {
     ASSERT_EQ(layoutTabs()->count(), before + 1);
     EXPECT_EQ(layoutTabs()->tabText(before), QStringLiteral("Roof"));
     EXPECT_EQ(layoutTabs()->tabText(layoutTabs()->currentIndex()), document->currentLayout());
+}
+
+TEST_F(MainWindowTest, ANameIsShownAsItIsWhateverItHolds) {
+    QTemporaryDir folder;
+    const QString name = QStringLiteral("Nuts & bolts [*].dxf"), layout = QStringLiteral("A&B");
+    ASSERT_TRUE(ap::DocManager::instance().saveAs(*document, folder.filePath(name)).ok);
+    ed::CommandStack::instance().runLine(QStringLiteral("LAYOUT New A&B"));
+    settle();
+    EXPECT_EQ(drawingTabs()->tabText(0), QStringLiteral("Nuts && bolts [*].dxf*"));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Nuts & bolts [*][*].dxf[*] – Merix"));
+    const int index = layoutTabs()->count() - 1;
+    EXPECT_EQ(layoutTabs()->tabText(index), QStringLiteral("A&&B"));
+    layoutTabs()->setCurrentIndex(0);
+    EXPECT_EQ(document->currentLayout(), QStringLiteral("Model"));
+    layoutTabs()->setCurrentIndex(index);
+    EXPECT_EQ(document->currentLayout(), layout);
 }
 
 TEST_F(MainWindowTest, UnattendedAChangedDrawingClosesWithoutAQuestion) {

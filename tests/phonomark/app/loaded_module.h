@@ -111,14 +111,14 @@ protected:
             count += mxrxFindMxRxClass(name) ? 1 : 0;
         return count;
     }
+    static MxDbObjectId listOf(const MxDbDatabase& database) {
+        return dictionaryEntry(dictionaryEntry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST");
+    }
     /// The handles that the drawing's stored list of notes names, in order.
     static std::vector<std::wstring> stored(const MxDbDatabase& database) {
         std::vector<std::wstring> handles;
         MxDbXrecord* list = nullptr;
-        if (mxdbOpenObject(
-                list,
-                dictionaryEntry(dictionaryEntry(database.namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST"),
-                Mx::kForRead) != Mx::eOk)
+        if (mxdbOpenObject(list, listOf(database), Mx::kForRead) != Mx::eOk)
             return handles;
         resbuf* chain = nullptr;
         list->rbChain(&chain);

@@ -2,13 +2,17 @@
 // The module as it is shipped, loaded and unloaded by the host's loader.
 #include "tests/phonomark/app/loaded_module.h"
 
+#include "merix/ed/editor.h"
 #include "merix/rx/class_registry.h"
+#include "merix/rx/system_registry.h"
 #include "tests/support/dxf_tags.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <csignal>
 #include <cstdio>
+#include <functional>
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -32,12 +36,65 @@ public:
         static auto* const listener = new Departures;
         return listener->m_names;
     }
-    void classAboutToBeDeleted(const MxRxClass& aClass) override { m_names.emplace_back(aClass.name()); }
+    /// Called before a class goes.
+    static inline std::function<void()> before;
+    void classAboutToBeDeleted(const MxRxClass& aClass) override {
+        if (before)
+            before();
+        m_names.emplace_back(aClass.name());
+    }
     void hierarchyBuilt() override {}
 
 private:
     Departures() { merix::rx::addClassListener(this); }
     std::vector<std::wstring> m_names;
+};
+
+/// Defines functions of the module that comes, "Other" and their code.
+class Definitions : public merix::rx::ClassListener {
+public:
+    static std::vector<int>& codes() {
+        static auto* const listener = new Definitions;
+        return listener->m_codes;
+    }
+    void classAboutToBeDeleted(const MxRxClass&) override {}
+    void hierarchyBuilt() override {
+        for (const int code : m_codes)
+            merix::ed::HostFunctions::instance().define(QStringLiteral("Other%1").arg(code), code);
+    }
+
+private:
+    Definitions() { merix::rx::addClassListener(this); }
+    std::vector<int> m_codes;
+};
+
+/// Stands before the host's editor, hands everything on, and says when a reactor leaves.
+class EditorDoor final : public MxEditor {
+public:
+    explicit EditorDoor(std::function<void()> left)
+        : m_left(std::move(left)) {
+        merix::rx::setSystemRegistryEntry(L"MxEditor", this);
+    }
+    ~EditorDoor() override { merix::rx::setSystemRegistryEntry(L"MxEditor", &merix::ed::Editor::instance()); }
+    void addReactor(MxEditorReactor* reactor) override { merix::ed::Editor::instance().addReactor(reactor); }
+    void removeReactor(MxEditorReactor* reactor) override {
+        m_left();
+        merix::ed::Editor::instance().removeReactor(reactor);
+    }
+
+private:
+    std::function<void()> m_left;
+};
+
+/// Says when it is changed.
+class Watcher final : public MxDbObjectReactor {
+public:
+    explicit Watcher(std::function<void()> changed)
+        : m_changed(std::move(changed)) {}
+    void modified(const MxDbObject*) override { m_changed(); }
+
+private:
+    std::function<void()> m_changed;
 };
 
 /// Drawings with notes of all kinds, open while the module comes and goes.
@@ -154,6 +211,52 @@ TEST_F(ModuleLoadTest, TheClassesGoInTheReverseOrderOfTheirComing) {
     Departures::names().clear();
     unload(module);
     EXPECT_THAT(Departures::names(), ::testing::ElementsAreArray(kModuleClasses.rbegin(), kModuleClasses.rend()));
+}
+
+TEST_F(ModuleTurnsTest, AnUnloadTakesItsStepsInTheirOrder) {
+    Module& module = load();
+    run("PHONOMARK", {QStringLiteral("10,20")});
+    savedText(document());
+    run("PHONOMARK", {QStringLiteral("20,20")});
+    run("VOICESHOW"); // the switch differs from what the settings say
+    std::vector<std::string> steps;
+    const auto write = [&](const std::string& step) {
+        const QSettings settings(QStringLiteral("VORKAS/MERIX/2026"), QStringLiteral("MERIX"));
+        steps.push_back(step + (QFileInfo::exists(QStringLiteral(":/MrxPhonomarkRes")) ? ", texts" : ", no texts") +
+                        (settings.value(QStringLiteral("VoiceShow"), 1).toInt() ? "" : ", switch written") + ", " +
+                        std::to_string(watchedNotes(document()).size()) + " watched, " +
+                        std::to_string(classesRegistered()) + " classes");
+    };
+    const EditorDoor door([&] { write("editor left"); });
+    Departures::names().clear();
+    Departures::before = [&] { write("class goes"); };
+    Watcher watcher([&] { write("list saved"); });
+    MxDbXrecord* list = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, listOf(*document().database()), Mx::kForRead), Mx::eOk);
+    list->addReactor(&watcher);
+    list->close();
+    unload(module);
+    Departures::before = nullptr;
+    ASSERT_EQ(mxdbOpenObject(list, listOf(*document().database()), Mx::kForRead), Mx::eOk);
+    list->removeReactor(&watcher);
+    list->close();
+    ASSERT_EQ(steps.size(), 2 + kModuleClasses.size());
+    EXPECT_EQ(steps[0], "list saved, no texts, 3 watched, 7 classes") << "two notes, and the list by this test";
+    EXPECT_EQ(steps[1], "editor left, no texts, switch written, 1 watched, 7 classes");
+    EXPECT_EQ(steps[2], "class goes, no texts, switch written, 1 watched, 7 classes");
+    EXPECT_EQ(steps.back(), "class goes, no texts, switch written, 1 watched, 1 classes");
+}
+
+TEST_F(ModuleLoadTest, TheFunctionsCodeIsOneAndAnyOtherCodeHasNoResult) {
+    Definitions::codes() = {-1, 0, 2, 3};
+    load();
+    EXPECT_EQ(call("(PhonomarkShow)"), "1");
+    for (const int code : std::exchange(Definitions::codes(), {}))
+        EXPECT_EQ(call(QStringLiteral("(Other%1)").arg(code).toLatin1().constData()), "nil") << code;
+    auto& functions = merix::ed::HostFunctions::instance();
+    EXPECT_FALSE(functions.undefine(QStringLiteral("PhonomarkShow"), 2));
+    EXPECT_TRUE(functions.undefine(QStringLiteral("PhonomarkShow"), 1));
+    EXPECT_NE(call("(PhonomarkShow)"), "1");
 }
 
 TEST_F(ModuleLoadTest, TheClassesHaveTheirParents) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "phonomark/dbutil/note_type.h"
 
+#include "host/win/resources.h"
+#include "phonomark/app/module_state.h"
 #include "tests/phonomark/module_fixture.h"
 
 using NoteTypeTest = ModuleTest;
@@ -16,6 +18,22 @@ TEST_F(NoteTypeTest, AnUnknownTypeIsCalledPoint) {
     EXPECT_EQ(PhonomarkType(7), L"Point");
     EXPECT_EQ(PhonomarkType(-1), L"Point");
     EXPECT_EQ(PhonomarkType(4), L"Point");
+}
+
+TEST_F(NoteTypeTest, WordsAreThoseOfTheResourcesAndAnUnknownTypesIsNot) {
+    void* const own = _hdllInstance;
+    _hdllInstance = LoadResourceDll(L"OtherTexts.dll");
+    ASSERT_TRUE(_hdllInstance);
+    EXPECT_EQ(PhonomarkType(0), L"Punkt");
+    EXPECT_EQ(PhonomarkType(1), L"Bereich");
+    EXPECT_EQ(PhonomarkType(2), L"Objekt");
+    EXPECT_EQ(PhonomarkType(3), L"Antwort");
+    for (const int unknown : {-1, 4, 7, 256, 0x7fffffff})
+        EXPECT_EQ(PhonomarkType(unknown), L"Point") << unknown;
+    EXPECT_EQ(PhonomarkType(L"Bereich"), 0) << "keywords are of no language";
+    EXPECT_EQ(PhonomarkType(L"Region"), 1);
+    EXPECT_TRUE(FreeLibrary(_hdllInstance));
+    _hdllInstance = own;
 }
 
 TEST_F(NoteTypeTest, KeywordsAreComparedWithCase) {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <ctime>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -26,6 +27,22 @@ TEST(SystemInfoTest, TheTimeIsLocalAndWithoutLeadingZeros) {
     for (std::size_t i = 0; i < separators.size(); ++i)
         again += separators[i] + std::to_wstring(part[i + 1]);
     EXPECT_EQ(text, again) << "numbers are written plainly";
+}
+
+TEST(SystemInfoTest, TheTimeIsThatOfTheUsersZone) {
+    static constexpr int kAhead = (5 * 60 + 45) * 60;
+    qputenv("TZ", "XYZ-5:45");
+    tzset();
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(kAhead - 1);
+    const QString text = toQString(GetSysDataTime().str());
+    const QDateTime after = QDateTime::currentDateTimeUtc().addSecs(kAhead);
+    qunsetenv("TZ");
+    tzset();
+    QDateTime told = QDateTime::fromString(text, QStringLiteral("yyyy/M/d h:m:s"));
+    told.setTimeSpec(Qt::UTC);
+    EXPECT_TRUE(told.isValid()) << text.toStdString();
+    EXPECT_LE(before, told);
+    EXPECT_LE(told, after);
 }
 
 TEST(SystemInfoTest, TheUserIsTheLoginName) {

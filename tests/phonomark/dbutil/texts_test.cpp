@@ -2,6 +2,7 @@
 #include "phonomark/dbutil/texts.h"
 
 #include "host/win/resources.h"
+#include "merix/rx/resource_modules.h"
 #include "phonomark/app/module_state.h"
 #include "tests/phonomark/module_fixture.h"
 
@@ -24,6 +25,27 @@ TEST_F(TextsTest, AMissingTextIsAnErrorAndPrintsNothing) {
 TEST_F(TextsTest, ATextIsPrintedOnTheCommandLine) {
     EXPECT_EQ(mxutPrintfById(270), 5100);
     EXPECT_THAT(printed(), ::testing::HasSubstr("Voice notes are shown."));
+}
+
+TEST_F(TextsTest, ATextIsPrintedAsAFormat) {
+    void* const own = _hdllInstance;
+    _hdllInstance = LoadResourceDll(L"OtherTexts.dll");
+    ASSERT_TRUE(_hdllInstance);
+    EXPECT_EQ(mxutPrintfById(270), 5100);
+    EXPECT_EQ(printed(), "\n100% of the notes, %d of them and %s are shown.");
+    EXPECT_TRUE(FreeLibrary(_hdllInstance));
+    _hdllInstance = own;
+}
+
+TEST_F(TextsTest, WithoutAResourceModuleOfItsOwnTheHostsTextsAreTaken) {
+    void* const own = std::exchange(_hdllInstance, nullptr);
+    void* const other = LoadResourceDll(L"OtherTexts.dll");
+    merix::rx::pushResourceHandle(other);
+    EXPECT_EQ(LocalStr(256, nullptr), L"Punkt");
+    _hdllInstance = own;
+    EXPECT_EQ(LocalStr(256, nullptr), L"Point");
+    merix::rx::popResourceHandle();
+    EXPECT_TRUE(FreeLibrary(other));
 }
 
 TEST_F(TextsTest, WithoutAResourceModuleThereAreNoTexts) {

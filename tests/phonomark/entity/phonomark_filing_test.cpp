@@ -100,7 +100,34 @@ TEST_F(FilingTest, ARecordMarkWithoutABufferFilesAnEmptyRecording) {
     const auto dxfGroups = groups(marked);
     EXPECT_THAT(codes(dxfGroups),
                 ::testing::ElementsAre(100, 90, 70, 10, 20, 30, 290, 71, 72, 91, 92, 73, 74, 75, 93, 310, 1, 2, 3));
+    EXPECT_EQ(dxfGroups[14], "93 0") << "the size of the last recording is not announced";
     EXPECT_EQ(dxfGroups[15], "310 ");
+    MxDbPhonomark after;
+    EXPECT_EQ(readDxf(after, dxf(marked)).status, Mx::eOk);
+    EXPECT_TRUE(after.isRecord());
+    EXPECT_EQ(after.getAudioDataSize(), 0u);
+}
+
+TEST_F(FilingTest, AllEighteenBytesOfTheWaveFormatAreFiled) {
+    tWAVEFORMATEX format;
+    for (unsigned char i = 0; i < 18; ++i)
+        reinterpret_cast<unsigned char*>(&format)[i] = static_cast<unsigned char>(0xF1 - i);
+    MxDbPhonomark before;
+    fill(before);
+    before.setWaveFormat(&format);
+    const auto expectFormat = [&](const MxDbPhonomark& note) {
+        tWAVEFORMATEX read;
+        note.getWaveFormat(read);
+        EXPECT_EQ(std::memcmp(&read, &format, 18), 0);
+    };
+    MxDbPhonomark binary, text;
+    EXPECT_EQ(readDwg(binary, dwg(before)), Mx::eOk);
+    expectFormat(binary);
+    EXPECT_EQ(readDxf(text, dxf(before)).status, Mx::eOk);
+    expectFormat(text);
+    EXPECT_THAT(items(database(), before),
+                ::testing::IsSupersetOf({"UInt16 61681", "UInt16 61167", "UInt32 3941330157", "UInt32 3873958121",
+                                         "UInt16 58597", "UInt16 58083", "UInt16 57569"}));
 }
 
 TEST_F(FilingTest, ARecordingOfNoBytesIsOneEmptyChunk) {

@@ -177,6 +177,29 @@ TEST_F(RegistryTest, RemovalKeepsTheOrderOfTheOthers) {
     EXPECT_FALSE(isWatched(a));
 }
 
+TEST_F(RegistryTest, OfEqualIdsTheFirstIsTakenOffAndTheOthersKeepTheirOrder) {
+    const MxDbObjectId a = addNote(), b = addNote(), c = addNote();
+    registry().AppendPhonomark(a, &document());
+    registry().AppendPhonomark(c, &document());
+    ASSERT_THAT(listed(), ElementsAre(a, b, c, a, c));
+    registry().RemovePhonomark(c, &document());
+    EXPECT_THAT(listed(), ElementsAre(a, b, a, c));
+    registry().RemovePhonomark(a, &document());
+    EXPECT_THAT(listed(), ElementsAre(b, a, c));
+}
+
+TEST_F(RegistryTest, ANoteThatIsListedTwiceLosesAPlaceByItsErasureAndGetsOneBackAtTheEnd) {
+    const MxDbObjectId a = addNote(), b = addNote();
+    registry().AppendPhonomark(a, &document());
+    registry().AppendPhonomark(b, &document());
+    registry().ErasePhonomark(a, nullptr);
+    EXPECT_THAT(listed(), ElementsAre(b, a, b));
+    ASSERT_TRUE(DocManager::instance().undo(document()));
+    EXPECT_THAT(listed(), ElementsAre(b, a, b, a));
+    ASSERT_TRUE(DocManager::instance().redo(document()));
+    EXPECT_THAT(listed(), ElementsAre(b, b, a));
+}
+
 TEST_F(RegistryTest, AskingForNothingGivesNothingAndKeepsWhatTheCallerHas) {
     std::vector<MxDbObjectId> out{addLine()};
     registry().GetAllObjects(out, nullptr);

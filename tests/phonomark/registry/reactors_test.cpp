@@ -3,6 +3,7 @@
 #include "merix/ed/command_stack.h"
 #include "merix/ed/editor.h"
 #include "merix/rx/system_registry.h"
+#include "phonomark/app/entry_point.h"
 #include "phonomark/app/module_state.h"
 #include "phonomark/app/phonomark_app.h"
 #include "phonomark/registry/dc_reactor.h"
@@ -10,7 +11,10 @@
 #include "phonomark/registry/en_reactor.h"
 #include "phonomark/registry/ob_reactor.h"
 #include "phonomark/registry/phonomark_manager.h"
+#include "tests/phonomark/dictionary_entry.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
+
+#include <semaphore>
 
 using merix::ap::DocManager;
 using ::testing::HasSubstr;
@@ -33,6 +37,7 @@ protected:
         T::gpDesc = MxDbObject::desc();
         T::rxInit();
     }
+    std::counting_semaphore<> m_written{0}, m_goOn{0};
     std::vector<MxDbObjectId> ids(MxApDocument* of) {
         std::vector<MxDbObjectId> out;
         livePhManager()->GetAllObjects(out, of);
@@ -266,4 +271,73 @@ TEST_F(ReactorsTest, ADocumentThatGoesWhileItsNoteIsPlayedLeavesTheWindow) {
     EXPECT_EQ(g_taguidlg, &window);
     EXPECT_TRUE(window.IsPlaying());
     EXPECT_THAT(ids(&gone), IsEmpty());
+}
+
+TEST_F(ReactorsTest, TheRegistrysEndWhileANoteIsPlayedSavesTheListThenEndsTheSoundAndTheWindow) {
+    struct Watcher final : MxDbObjectReactor {
+        void modified(const MxDbObject*) override {
+            ++saves;
+            wasPlaying = g_taguidlg && g_taguidlg->IsPlaying();
+        }
+        int saves = 0;
+        bool wasPlaying = false;
+    } watcher;
+    const MxDbObjectId id = addRecorded(L"5.0\"");
+    ASSERT_TRUE(livePhManager()->SaveVoiceHandle(&database()));
+    const MxDbObjectId list =
+        dictionaryEntry(dictionaryEntry(database().namedObjectsDictionaryId(), L"PHONO_MARK"), L"VOICE_LIST");
+    MxDbObject* watched = nullptr;
+    ASSERT_EQ(mxdbOpenObject(watched, list, Mx::kForRead), Mx::eOk);
+    watched->addReactor(&watcher);
+    watched->close();
+    openWindow(id);
+    // The sound goes on until it is stopped.
+    alsa.write = [this](const std::int16_t*, unsigned long frames) {
+        m_written.release();
+        m_goOn.acquire();
+        return static_cast<long>(frames);
+    };
+    press(*g_taguidlg);
+    m_written.acquire();
+    EXPECT_TRUE(g_taguidlg->IsPlaying());
+    deleteMxPhManager();
+    EXPECT_EQ(watcher.saves, 1);
+    EXPECT_TRUE(watcher.wasPlaying) << "the list is saved first";
+    EXPECT_FALSE(g_taguidlg);
+    EXPECT_FALSE(note(id).isPlaying());
+    m_goOn.release(1000);
+    phonomark::workerCensus().wait();
+    EXPECT_EQ(alsa.openDevices(), 0);
+    EXPECT_EQ(alsa.count("snd_pcm_writei"), 1) << "the player was stopped";
+    ASSERT_EQ(mxdbOpenObject(watched, list, Mx::kForRead), Mx::eOk);
+    watched->removeReactor(&watcher);
+    watched->close();
+    createMxPhManager();
+    EXPECT_THAT(listed(), ::testing::ElementsAre(id));
+}
+
+TEST_F(ReactorsTest, TheCommandsAreRegisteredInTheirOrderWithTheirNamesAndFlags) {
+    /// Hands everything on to the host's stack and writes down what it made of it.
+    struct Witness final : MxEdCommandStack {
+        Mx::ErrorStatus addCommand(const wchar_t* group, const wchar_t* globalName, const wchar_t* localName, int flags,
+                                   MxEdCommandFunction function, MxEdUIContext* contextMenu, int functionCode,
+                                   void* resourceHandle, MxEdCommand** created) override {
+            EXPECT_EQ(contextMenu, nullptr);
+            EXPECT_EQ(functionCode, -1);
+            EXPECT_EQ(resourceHandle, nullptr);
+            EXPECT_EQ(created, nullptr);
+            MxEdCommand* made = nullptr;
+            const auto status = merix::ed::CommandStack::instance().addCommand(
+                group, globalName, localName, flags, function, contextMenu, functionCode, resourceHandle, &made);
+            seen += std::wstring(made->groupName()) + L'.' + made->globalName() + L'.' + made->localName() + L' ' +
+                    std::to_wstring(made->flags()) + L'\n';
+            return status;
+        }
+        std::wstring seen;
+    } witness;
+    merix::rx::setSystemRegistryEntry(L"MERIX_REGISTERED_COMMANDS", &witness);
+    ASSERT_EQ(mxrxEntryPoint(kInitAppMsg, this), 0);
+    EXPECT_EQ(witness.seen, L"PhonomarkCM_.PHONOMARK.PHONOMARK 1\n"
+                            L"PhonomarkCM_.VOICEMAN.VOICEMAN 1\n"
+                            L"PhonomarkCM_.VOICESHOW.VOICESHOW 1\n");
 }

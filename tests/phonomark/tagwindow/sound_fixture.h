@@ -15,6 +15,9 @@
 #include <atomic>
 #include <latch>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 /// The tag window over a note, on a machine whose sound device is the scripted libasound.
 class SoundTest : public ModuleTest {
@@ -41,8 +44,11 @@ protected:
     CPhonomarkTagUIDlg& openWindow(MxDbObjectId id) {
         ShowTagWindow(CPoint{100, 100}, &note(id));
         g_taguidlg->useClock(&testClock);
+        g_taguidlg->useSleep([](unsigned long ms) { slept().push_back(ms); });
         return *g_taguidlg;
     }
+    /// The waits of windows since the last call of this, milliseconds.
+    static std::vector<unsigned long> takeSlept() { return std::exchange(slept(), {}); }
     static void press(QWidget& window, QPointF at = {5, 20}) { mouse(window, QEvent::MouseButtonPress, at); }
     static void letGo(QWidget& window, QPointF at = {5, 20}) { mouse(window, QEvent::MouseButtonRelease, at); }
     static void tick(QObject& window, int timer) {
@@ -73,6 +79,8 @@ protected:
         press(window);
         m_gate->kept.wait();
     }
+    /// Lets the test's clock go on.
+    static void advance(std::int64_t ms) { now() += ms; }
     void release() {
         if (m_gate)
             m_gate->open.count_down();
@@ -98,7 +106,39 @@ protected:
 
     AlsaScript& alsa = AlsaScript::instance();
 
+    static void mouse(QWidget& window, QEvent::Type type, QPointF at, Qt::MouseButton button = Qt::LeftButton,
+                      Qt::MouseButtons held = Qt::LeftButton) {
+        QMouseEvent event(type, at, window.mapToGlobal(at.toPoint()), button, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+    }
+    /// What the window shows.
+    static QImage shown(QWidget& window) {
+        QImage image(36, 36, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        window.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+        return image;
+    }
+    static QImage resource(const char* name) {
+        return QImage(QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name))
+            .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    }
+    /// The bytes of the note's sound; empty without any.
+    std::string sound(MxDbObjectId id) {
+        const auto* bytes = reinterpret_cast<const char*>(note(id).getAudioData());
+        return bytes ? std::string(bytes, note(id).getAudioDataSize()) : std::string();
+    }
+    std::vector<std::string> undoSteps() {
+        std::vector<std::string> names;
+        for (const QString& name : document().undoNames())
+            names.push_back(name.toStdString());
+        return names;
+    }
+
 private:
+    static std::vector<unsigned long>& slept() {
+        static std::vector<unsigned long> all;
+        return all;
+    }
     struct Gate {
         std::latch kept{1}, open{1};
     };
@@ -107,10 +147,5 @@ private:
         return ms;
     }
     static std::int64_t testClock() { return now(); }
-    static void mouse(QWidget& window, QEvent::Type type, QPointF at) {
-        QMouseEvent event(type, at, window.mapToGlobal(at.toPoint()), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window, &event);
-    }
-
     std::shared_ptr<Gate> m_gate;
 };

@@ -4,14 +4,20 @@
 #include "host/rx/app.h"
 #include "merix/db/entities.h"
 #include "merix/db/tables.h"
+#include "merix/ui/main_window.h"
 #include "phonomark/app/entry_point.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QWheelEvent>
+
 #include <cstring>
 #include <functional>
 #include <latch>
+#include <thread>
 
 using merix::ap::DocManager;
 using ::testing::HasSubstr;
@@ -19,10 +25,6 @@ using ::testing::HasSubstr;
 namespace {
 
 using TagWindowTest = SoundTest;
-
-QImage resource(const char* name) {
-    return QImage(QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name));
-}
 
 /// A recording that has to be in the file afterwards, in either kind of drawing file.
 class FiledRecordingTest : public SoundTest, public ::testing::WithParamInterface<const char*> {
@@ -278,10 +280,7 @@ TEST_F(TagWindowTest, ARecordedNoteIsPlayedForASecondMoreThanItsWholeSeconds) {
     for (int ticks = 1; ticks <= 13; ++ticks) {
         tick(window, window.playTimer());
         ASSERT_TRUE(window.isVisible()) << ticks;
-        QImage shown(36, 36, QImage::Format_ARGB32_Premultiplied);
-        shown.fill(Qt::transparent);
-        window.render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
-        EXPECT_EQ(shown, resource(images[(ticks - 1) % 3]).convertToFormat(shown.format())) << ticks;
+        EXPECT_EQ(shown(window), resource(images[(ticks - 1) % 3])) << ticks;
     }
     tick(window, window.playTimer());
     EXPECT_FALSE(window.isVisible()) << "14 ticks of 300 ms are more than 4000 ms";
@@ -356,10 +355,7 @@ TEST_F(TagWindowTest, ALaterReleaseKeepsTheTakeAgainAndShowsThePlayImage) {
     EXPECT_TRUE(window.IsPlaying());
     EXPECT_EQ(duration(id), L"2.0\"") << "of the kept recorder";
     EXPECT_EQ(note(id).getAudioDataSize(), 64u);
-    QImage shown(36, 36, QImage::Format_ARGB32_Premultiplied);
-    shown.fill(Qt::transparent);
-    window.render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
-    EXPECT_EQ(shown, resource("IDB_PNG_TAG_PLAY").convertToFormat(shown.format()));
+    EXPECT_EQ(shown(window), resource("IDB_PNG_TAG_PLAY"));
 }
 
 TEST_F(TagWindowTest, TheWaveFormatOfAPlayedNoteIsFiledWithTheNextRecording) {
@@ -398,7 +394,7 @@ TEST_F(TagWindowTest, AfterAFailedRecordingASecondPressRecordsNothingAndItsRelea
     EXPECT_EQ(alsa.count("snd_pcm_open"), 1);
     EXPECT_EQ(duration(id), L"0.0\"");
     EXPECT_FALSE(note(id).isRecord());
-    EXPECT_EQ(printed(), "");
+    EXPECT_THAT(printed(), HasSubstr("Nothing is recorded"));
 }
 
 TEST_F(TagWindowTest, PlayingANoteWithoutSoundLeavesItOpenAndTheDrawingLockedUntilTheNextCommand) {
@@ -413,7 +409,9 @@ TEST_F(TagWindowTest, PlayingANoteWithoutSoundLeavesItOpenAndTheDrawingLockedUnt
     EXPECT_EQ(mxdbOpenObject(opened, id, Mx::kForWrite), Mx::eOpenForRead);
     EXPECT_FALSE(DocumentLock(&document(), L"Other", 298).isHeld());
     printed();
+    addLine();
     run("VOICESHOW");
+    EXPECT_EQ(undoSteps().front(), "Play note") << "the unit that was left open";
     EXPECT_THAT(printed(), HasSubstr("Voice notes are hidden."));
     EXPECT_TRUE(DocumentLock(&document(), L"Other", 298).isHeld());
 }
@@ -437,6 +435,210 @@ TEST_F(TagWindowTest, ADrawingHeldByAnotherCommandLeavesTheWindowPlayingWithoutA
     EXPECT_EQ(alsa.count("snd_pcm_open"), 0);
 }
 
+TEST_F(TagWindowTest, ItShowsWhatAPressWillDo) {
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    EXPECT_EQ(shown(window), resource("IDB_PNG_TAG_RECD"));
+    openWindow(addRecorded(L"0.9\""));
+    EXPECT_EQ(shown(window), resource("IDB_PNG_TAG_PLAY"));
+    removeTagWindow();
+    EXPECT_EQ(shown(openWindow(addRecorded(L"0.9\""))), resource("IDB_PNG_TAG_PLAY"));
+}
+
+TEST_F(TagWindowTest, TimersTickEveryTenthAndEveryThirdOfASecond) {
+    const auto timerOf = [](QObject& window, int id) {
+        for (const auto& timer : QAbstractEventDispatcher::instance()->registeredTimers(&window))
+            if (timer.timerId == id)
+                return timer;
+        return QAbstractEventDispatcher::TimerInfo(-1, -1, Qt::PreciseTimer);
+    };
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    hold(window, 500);
+    const auto recording = timerOf(window, window.recordTimer());
+    EXPECT_EQ(recording.interval, 100);
+    EXPECT_EQ(recording.timerType, Qt::CoarseTimer);
+    letGo(window);
+    release();
+    openWindow(addRecorded(L"0.9\""));
+    press(window);
+    const auto playing = timerOf(window, window.playTimer());
+    EXPECT_EQ(playing.interval, 300);
+    EXPECT_EQ(playing.timerType, Qt::CoarseTimer);
+}
+
+TEST_F(TagWindowTest, AWindowThatPlaysRisesInTheCornerInFourSteps) {
+    merix::ui::MainWindow frame;
+    frame.resize(900, 600);
+    frame.show();
+    CPhonomarkTagUIDlg& window = openWindow(addRecorded(L"0.9\""));
+    class Moves : public QObject {
+    public:
+        bool eventFilter(QObject* object, QEvent* event) override {
+            if (event->type() == QEvent::Move)
+                places.push_back(static_cast<QWidget*>(object)->pos());
+            return false;
+        }
+        std::vector<QPoint> places;
+    } moves;
+    window.installEventFilter(&moves);
+    takeSlept();
+    press(window);
+    EXPECT_EQ(takeSlept(), std::vector<unsigned long>(4, 200));
+    EXPECT_EQ(moves.places, (std::vector<QPoint>{{900 - 48, 591}, {900 - 48, 582}, {900 - 48, 573}, {900 - 48, 564}}));
+    removeTagWindow();
+}
+
+TEST_F(TagWindowTest, PlayingHidesTheRegionThatIsShown) {
+    const MxDbObjectId id = addRecorded(L"0.9\"");
+    note(id).setPhonomarkType(kRegionNote);
+    note(id).doHighlight();
+    ASSERT_TRUE(note(id).isRegionShown());
+    press(openWindow(id));
+    EXPECT_FALSE(note(id).isRegionShown());
+}
+
+TEST_F(TagWindowTest, ThePlayerIsStoppedAtTheEnd) {
+    const MxDbObjectId id = addRecorded(L"0.9\"", 64'000);
+    std::latch atEnd{1};
+    std::atomic<int> writes = 0;
+    alsa.write = [&](const std::int16_t*, unsigned long frames) {
+        if (++writes == 1)
+            atEnd.wait();
+        return static_cast<long>(frames);
+    };
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    press(window);
+    for (int ticks = 0; ticks < 4; ++ticks)
+        tick(window, window.playTimer());
+    ASSERT_FALSE(window.isVisible());
+    atEnd.count_down();
+    phonomark::workerCensus().wait();
+    EXPECT_EQ(writes, 1) << "of a thousand";
+}
+
+TEST_F(TagWindowTest, AReleaseStopsTheRecorder) {
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    hold(window, 2000);
+    letGo(window);
+    release();
+    QElapsedTimer patience;
+    patience.start();
+    while (alsa.count("snd_pcm_close") == 0 && patience.elapsed() < 60'000)
+        std::this_thread::yield();
+    EXPECT_EQ(alsa.count("snd_pcm_close"), 1);
+    VkAudioRecorder().stop();
+}
+
+TEST_F(TagWindowTest, OtherButtonsNeitherRecordNorEndARecording) {
+    const MxDbObjectId id = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+        mouse(window, QEvent::MouseButtonPress, {5, 20}, button, button);
+        mouse(window, QEvent::MouseButtonRelease, {5, 20}, button, Qt::NoButton);
+        EXPECT_FALSE(window.IsRecording()) << button;
+        mouse(window, QEvent::MouseButtonPress, {30, 4}, button, button);
+        EXPECT_FALSE(note(id).isErased()) << button;
+    }
+    hold(window, 2000);
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton}) {
+        mouse(window, QEvent::MouseButtonPress, {5, 20}, button, Qt::LeftButton | button);
+        mouse(window, QEvent::MouseButtonRelease, {5, 20}, button, Qt::LeftButton);
+        EXPECT_NE(window.recordTimer(), -1) << button;
+    }
+    EXPECT_FALSE(note(id).isRecord());
+    letGo(window);
+    EXPECT_TRUE(note(id).isRecord());
+}
+
+TEST_F(TagWindowTest, OtherButtonsAreLeftToTheDrawingButNotWhileARecordingGoesOn) {
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    const auto accepted = [&](QEvent::Type type, Qt::MouseButtons held) {
+        QMouseEvent event(type, QPointF(5, 20), Qt::MiddleButton, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(accepted(QEvent::MouseButtonPress, Qt::MiddleButton));
+    EXPECT_FALSE(accepted(QEvent::MouseButtonRelease, Qt::NoButton));
+    hold(window, 2000);
+    EXPECT_TRUE(accepted(QEvent::MouseButtonPress, Qt::LeftButton | Qt::MiddleButton));
+    EXPECT_TRUE(accepted(QEvent::MouseButtonRelease, Qt::LeftButton));
+    letGo(window);
+}
+
+TEST_F(TagWindowTest, WheelAndMovesAreIgnored) {
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    QWheelEvent wheel({5, 20}, {105, 120}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    wheel.accept();
+    QCoreApplication::sendEvent(&window, &wheel);
+    EXPECT_FALSE(wheel.isAccepted());
+    QMouseEvent move(QEvent::MouseMove, QPointF(5, 20), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    move.accept();
+    QCoreApplication::sendEvent(&window, &move);
+    EXPECT_FALSE(move.isAccepted());
+}
+
+TEST_F(TagWindowTest, APressIntoTheCornerBoxHidesTheWindowAlsoOverANoteThatStays) {
+    const MxDbObjectId id = addNote();
+    auto* layer = dynamic_cast<merix::db::LayerRecord*>(merix::db::DatabaseImp::peek(note(id).layerId()));
+    ASSERT_TRUE(layer);
+    layer->flags |= 4;
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    press(window, {30, 4});
+    EXPECT_FALSE(note(id).isErased());
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_THAT(printed(), HasSubstr("locked layer"));
+}
+
+TEST_F(TagWindowTest, TheNoteIsDrawnAnewWheneverItsTimeOrItsSoundChanges) {
+    class Drawn : public merix::db::DatabaseListener {
+    public:
+        void objectGraphicsModified(MxDbObject&) override { ++times; }
+        int times = 0;
+    } drawn;
+    const MxDbObjectId id = addNote();
+    database().imp().addListener(&drawn);
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    hold(window, 2000);
+    const int before = drawn.times;
+    note(id).ShowRegion(false);
+    const int ofRegion = drawn.times - before;
+    tick(window, window.recordTimer());
+    EXPECT_EQ(drawn.times, before + 2 * ofRegion + 1) << "the region, then the note itself";
+    letGo(window);
+    EXPECT_EQ(drawn.times, before + 3 * ofRegion + 2) << "as its sound was put in, the record flag hides the region";
+    database().imp().removeListener(&drawn);
+}
+
+TEST_F(TagWindowTest, AWindowThatGoesKeepsTheTake) {
+    const MxDbObjectId id = addNote();
+    hold(openWindow(id), 2000);
+    removeTagWindow();
+    EXPECT_TRUE(note(id).isRecord());
+    EXPECT_EQ(duration(id), L"2.0\"");
+    EXPECT_EQ(sound(id).size(), 64u);
+}
+
+TEST_F(TagWindowTest, ThirtySecondsAreSaidOnce) {
+    CPhonomarkTagUIDlg& window = openWindow(addNote());
+    hold(window, 30'000);
+    tick(window, window.recordTimer());
+    EXPECT_EQ(printed(), "") << "the longest time has not been passed";
+    letGo(window);
+    release();
+    removeTagWindow();
+    const MxDbObjectId id = addNote();
+    openWindow(id);
+    hold(*g_taguidlg, 29'000);
+    advance(1'001);
+    release(); // the next period is the last
+    phonomark::workerCensus().wait();
+    tick(*g_taguidlg, g_taguidlg->recordTimer());
+    EXPECT_THAT(printed(), HasSubstr("30 s"));
+    tick(*g_taguidlg, g_taguidlg->recordTimer());
+    EXPECT_EQ(printed(), "");
+    letGo(*g_taguidlg);
+    EXPECT_EQ(duration(id), L"30.0\"");
+}
+
 TEST_F(TagWindowTest, LeavingTheWindowHidesItUnlessItPlays) {
     CPhonomarkTagUIDlg& window = openWindow(addNote());
     QEvent leave(QEvent::Leave);
@@ -452,7 +654,8 @@ TEST_F(TagWindowTest, TheWindowIsAFramelessSquareOfThirtySixPixels) {
     const CPhonomarkTagUIDlg& window = openWindow(addNote());
     EXPECT_EQ(window.size(), QSize(36, 36));
     EXPECT_TRUE(window.windowFlags() & Qt::FramelessWindowHint);
-    EXPECT_EQ(window.toolTip(), QStringLiteral("Press and hold to record"));
+    EXPECT_TRUE(window.testAttribute(Qt::WA_TranslucentBackground)) << "its corners are round";
+    EXPECT_EQ(window.toolTip(), QStringLiteral("Press and hold to record, up to 30 s"));
     EXPECT_EQ(window.cursor().shape(), Qt::ArrowCursor);
 }
 
