@@ -131,10 +131,9 @@ struct VkAudioRecorder::Take : phonomark::Sound {
     int periodFrames = 0;
     std::vector<char> chunk = {};
     std::int64_t startMs = 0;
-    std::uint32_t stored = 0; ///< what *size says; the worker alone writes that
-    unsigned asked = 0;       ///< the question that is being answered, or was last
-    unsigned answered = 0;
-    std::int64_t outstanding = 0; ///< frames that the answer waits for
+    std::uint32_t stored = 0;     ///< what *size says; the worker alone writes that
+    unsigned asked = 0;           ///< the last question that was seen
+    std::int64_t outstanding = 0; ///< frames that its answer waits for
 
     void publishSize() const {
         // Release: whoever loads this count (acquire) sees the bytes it counts.
@@ -250,17 +249,12 @@ bool VkAudioRecorder::keepPeriod(Take& take) {
 /// Counts, once somebody asks for it, what the device had taken until then and has not handed over yet.
 void VkAudioRecorder::answer(Take& take) {
     const unsigned asked = take.link->asked();
-    if (asked == take.answered)
+    if (asked == take.asked && take.outstanding <= 0)
         return;
-    if (asked != take.asked)
-        take.outstanding = outstandingFrames(take);
-    else
-        take.outstanding -= take.periodFrames;
+    take.outstanding = asked == take.asked ? take.outstanding - take.periodFrames : outstandingFrames(take);
     take.asked = asked;
-    if (take.outstanding > 0)
-        return;
-    take.answered = asked;
-    take.link->answer(asked);
+    if (take.outstanding <= 0)
+        take.link->answer(asked);
 }
 
 /// The device is asked some time after the question was put: this read may have waited for a whole fragment of the

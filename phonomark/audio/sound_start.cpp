@@ -44,12 +44,15 @@ public:
             return false;
         }
         outcome = m_outcome;
+        m_isKnown = true;
+        m_changed.notify_all();
         return true;
     }
 
 private:
+    /// Comes back when who waits knows the outcome: a stop right after the start finds nothing recorded.
     bool tell(Opened outcome) {
-        const std::lock_guard lock(m_mutex);
+        std::unique_lock lock(m_mutex);
         if (m_isGivenUp)
             return false;
         m_report.print();
@@ -58,6 +61,7 @@ private:
         m_outcome = outcome;
         m_isOver = true;
         m_changed.notify_all();
+        m_changed.wait(lock, [this] { return m_isKnown; });
         return true;
     }
 
@@ -67,6 +71,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_isOver = false;
+    bool m_isKnown = false;
     bool m_isGivenUp = false;
     Opened m_outcome = Opened::No;
 };

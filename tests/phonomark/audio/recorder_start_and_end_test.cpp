@@ -278,15 +278,12 @@ TEST_F(RecorderEndTest, CatchingUpEndsWithTheRecording) {
 
 TEST_F(RecorderEndTest, WithoutARecordingThereIsNothingToCatchUpWith) {
     recorder.catchUp();
-    std::latch letGo(1);
-    alsa.read = [&](auto*, unsigned long frames) {
-        letGo.wait();
-        return static_cast<long>(frames);
-    };
+    alsa.hang("snd_pcm_readi");
     ASSERT_TRUE(record());
+    alsa.waitUntilItHangs();
     recorder.stop();
     EXPECT_TRUE(isQuick([this] { recorder.catchUp(); })) << "the worker would not answer";
-    letGo.count_down();
+    alsa.answer();
     workerCensus().wait();
     EXPECT_EQ(alsa.count("snd_pcm_delay"), 0);
 }
