@@ -8,7 +8,7 @@
 enum MxRxAppMessage : int {
     kNullMsg = 0,
     kInitAppMsg = 1,
-    kUnloadAppMsg = 2,
+    kUnloadAppMsg = 2, ///< an answer other than 0: not all could be taken back, the module has to stay mapped
     kLoadDwgMsg = 3,
     kUnloadDwgMsg = 4,
     kInvkSubrMsg = 5,

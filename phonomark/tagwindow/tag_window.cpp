@@ -2,6 +2,7 @@
 // What the window shows and how it is pressed.
 #include "phonomark/tagwindow/tag_window.h"
 
+#include "host/ui/windows.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
@@ -19,6 +20,7 @@
 namespace {
 
 constexpr int kSide = 36;
+constexpr unsigned kDeletedText = 303;
 /// The cross of the delete box while the cursor is on it.
 const QColor kDeleteGround(0xb3, 0x26, 0x1e);
 constexpr double kStrongCross = 2.2;
@@ -191,8 +193,12 @@ void CPhonomarkTagUIDlg::mousePressEvent(QMouseEvent* event) {
 void CPhonomarkTagUIDlg::deleteOwner() {
     ShowWindow(0);
     PhonomarkManager* manager = livePhManager();
-    if (manager && m_owner.present())
-        manager->ErasePhonomark(m_owner.id(), nullptr);
+    const MxDbPhonomark* note = m_owner.live();
+    if (!manager || !m_owner.present())
+        return;
+    manager->ErasePhonomark(m_owner.id(), nullptr);
+    if (note && note->isErased())
+        mxuiOfferUndo(resourceText(kDeletedText).c_str());
 }
 
 void CPhonomarkTagUIDlg::mouseReleaseEvent(QMouseEvent* event) {

@@ -174,6 +174,14 @@ TEST_F(ModuleLoaderTest, AModuleThatFailsAtItsEndStaysMapped) {
     EXPECT_TRUE(isMapped("module_good.mrx"));
 }
 
+TEST_F(ModuleLoaderTest, AModuleThatAnswersThatItsEndFailedStaysMapped) {
+    Module& module = *m_loader.load(fileOf("unended")).module;
+    EXPECT_THAT(m_loader.unload(module).error, EndsWith("failed at its end: it was unloaded but stays mapped"));
+    EXPECT_EQ(module.state, ModuleState::kUnloaded);
+    EXPECT_TRUE(isMapped("module_unended.mrx"));
+    EXPECT_TRUE(m_loader.load(fileOf("unended"))) << "it can come back";
+}
+
 TEST_F(ModuleLoaderTest, AModuleStartsAndEndsInsideWhatIsSetAroundIt) {
     m_loader.setAroundTurn([&](const std::function<void()>& turn) {
         m_log.text += "( ";

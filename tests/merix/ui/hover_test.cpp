@@ -83,8 +83,7 @@ protected:
         const MxGePoint3d world = view().toWorld(at);
         const auto labels = window.statusBar()->findChildren<QLabel*>();
         return std::any_of(labels.begin(), labels.end(), [&](const QLabel* label) {
-            return label->text() ==
-                   QStringLiteral("%1, %2").arg(world.x, 0, 'f', 4).arg(world.y, 0, 'f', 4);
+            return label->text() == QStringLiteral("%1, %2").arg(world.x, 0, 'f', 4).arg(world.y, 0, 'f', 4);
         });
     }
     /// A line under the place, drawn before the cursor is there.
