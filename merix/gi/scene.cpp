@@ -132,18 +132,34 @@ struct Scene::Private {
         return object && object->isKindOf(MxDbEntity::desc()) ? static_cast<MxDbEntity*>(object) : nullptr;
     }
 
-    /// Extents as the entity tells them, widened where it may draw beyond what it tells.
-    MxDbExtents toldBox(MxDbEntity& entity) const {
+    /// Extents as the entity tells them.
+    MxDbExtents told(const MxDbEntity& entity) const {
         MxDbExtents box;
         const db::ReadAccess readable(entity);
-        if (const auto status = entity.getGeomExtents(box); status != Mx::eOk || box.isEmpty() || !isPlace(box))
-            return {};
+        const bool isTold = entity.getGeomExtents(box) == Mx::eOk && !box.isEmpty() && isPlace(box);
+        return isTold ? box : MxDbExtents();
+    }
+
+    /// The same, widened where it may draw beyond what it tells.
+    MxDbExtents toldBox(const MxDbEntity& entity) const {
+        MxDbExtents box = told(entity);
+        if (box.isEmpty())
+            return box;
         if (isOfModule(entity)) {
             const double margin = std::max(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y);
             box.set(box.minPoint() - MxGeVector3d{margin, margin, 0}, box.maxPoint() + MxGeVector3d{margin, margin, 0});
         }
         box.set({box.minPoint().x, box.minPoint().y, 0}, {box.maxPoint().x, box.maxPoint().y, 0});
         return box;
+    }
+
+    /// A module's icon is one thing to the hand, also between its strokes. It is where the entity says that it is; what
+    /// is drawn beyond that (an outline around much else) is picked by its strokes.
+    bool isIconIn(const MxDbExtents& square, const MxDbEntity& entity) const {
+        if (!isOfModule(entity))
+            return false;
+        const MxDbExtents icon = told(entity);
+        return !icon.isEmpty() && overlap(icon, square);
     }
 
     /// The space brought up to date with the drawing.
@@ -323,8 +339,7 @@ std::vector<MxDbObjectId> Scene::pick(MxDbObjectId spaceId, const MxGePoint3d& a
         if (!entity)
             continue;
         const DisplayList& list = m->listOf(*space, *i, *entity);
-        // A module's icon is one thing to the hand, also between its strokes.
-        if (overlap(list.box, square) && (isOfModule(*entity) || touches(list, at, aperture)))
+        if (overlap(list.box, square) && (touches(list, at, aperture) || m->isIconIn(square, *entity)))
             picked.push_back(space->slots[*i].id);
     }
     return picked;

@@ -37,8 +37,9 @@ public:
     void paintOnly(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId space,
                    const std::vector<MxDbObjectId>& ids, const PaintOptions& options);
 
-    /// Entities of `space` whose graphics come within `aperture` (world units, half the side of the pick box) of `at`,
-    /// topmost first. Entities on layers that are off or frozen are left out.
+    /// Entities of `space` that come within `aperture` (world units, half the side of the pick box) of `at`, topmost
+    /// first: their graphics do, or for those of modules the extents that they tell. Entities on layers that are off or
+    /// frozen are left out.
     std::vector<MxDbObjectId> pick(MxDbObjectId space, const MxGePoint3d& at, double aperture);
 
     /// Visible entities of `space` whose graphics lie inside `box` or, `crossing`, come into it, in drawing order.
