@@ -56,6 +56,7 @@ struct Slot {
     std::unique_ptr<DisplayList> list;
     std::uint32_t version = 0; ///< of the graphics in `list`
     bool dirty = false;
+    bool resized = false; ///< the entity has been drawn for other pixels than those of `list`
     bool drawn = true;
 };
 
@@ -246,12 +247,14 @@ struct Scene::Private {
     /// The slot's list, made anew when it is stale.
     const DisplayList& listOf(Space& space, std::uint32_t i, MxDbEntity& entity) {
         const std::uint32_t version = entity.data().graphicsVersion;
-        if (!space.slots[i].list || space.slots[i].version != version) {
+        const bool isChanged = !space.slots[i].list || space.slots[i].version != version;
+        if (isChanged || space.slots[i].resized) {
             auto list = std::make_unique<DisplayList>(builder.build(entity));
             Slot& slot = space.slots[i];
             slot.list = std::move(list);
             slot.version = version;
-            slot.drawn = true;
+            slot.resized = false;
+            slot.drawn = slot.drawn || isChanged;
             if (!slot.list->box.isEmpty() && isFinite(slot.list->box))
                 space.setBox(i, slot.list->box);
         }
@@ -375,6 +378,26 @@ MxDbExtents Scene::extents(MxDbObjectId spaceId, bool plot) {
     for (std::uint32_t i = 0; i < space->slots.size(); ++i)
         if (MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]))
             all.addExt(plot ? m->plotter.build(*entity).box : m->listOf(*space, i, *entity).box);
+    return all;
+}
+
+MxDbExtents Scene::extentsAnew(MxDbObjectId spaceId) {
+    MxDbExtents all;
+    Space* space = m->spaceOf(spaceId);
+    if (!space)
+        return all;
+    for (std::uint32_t i = 0; i < space->slots.size(); ++i) {
+        MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]);
+        if (!entity)
+            continue;
+        if (!isOfModule(*entity)) {
+            all.addExt(m->listOf(*space, i, *entity).box);
+            continue;
+        }
+        all.addExt(m->builder.build(*entity).box);
+        space->slots[i].resized = true;
+        space->markDirty(i);
+    }
     return all;
 }
 

@@ -48,6 +48,10 @@ public:
     /// The box of all that is visible in `space`, or in a plot of it; empty when there is nothing.
     MxDbExtents extents(MxDbObjectId space, bool plot = false);
 
+    /// The same where the pixels that modules size their marks by are others than those of the pictures: what modules
+    /// draw is made for this once. What is kept of it is made anew when it is next looked at.
+    MxDbExtents extentsAnew(MxDbObjectId space);
+
     /// Draws or leaves out one entity until it is next made anew.
     void setDrawn(MxDbObjectId id, bool drawn);
 

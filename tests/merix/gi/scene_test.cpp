@@ -323,6 +323,25 @@ TEST_F(SceneTest, AModulesEntityThatDrawsNothingIsNotPicked) {
     EXPECT_TRUE(scene.pick(model(), {40, 40, 0}, 2).empty());
 }
 
+TEST_F(SceneTest, ExtentsMadeAnewAreThoseThatModulesWouldDrawNow) {
+    addLine({0, 0, 0}, {30, 10, 0});
+    auto* marker = new Marker;
+    const MxDbObjectId id = add(marker, model(), 256);
+    EXPECT_EQ(at(60, 40), kGreen);
+    marker->size = 50;
+    EXPECT_EQ(scene.extents(model()).maxPoint(), MxGePoint3d(60.5, 60.5, 0));
+    EXPECT_EQ(scene.extentsAnew(model()).maxPoint(), MxGePoint3d(70.5, 70.5, 0));
+    EXPECT_EQ(scene.extentsAnew(model()).minPoint(), MxGePoint3d(0, 0, 0));
+    marker->size = 45;
+    EXPECT_EQ(at(65, 40), kGreen) << "the picture is made of what is drawn when it is painted";
+    const int drawings = marker->drawings;
+    paint();
+    EXPECT_EQ(marker->drawings, drawings);
+    scene.setDrawn(id, false);
+    scene.extentsAnew(model());
+    EXPECT_EQ(at(65, 40), kBackground) << "measuring does not bring back what is left out";
+}
+
 TEST_F(SceneTest, AModulesEntityIsDrawnOnlyWhenStaleAndInView) {
     auto* marker = new Marker;
     add(marker, model(), 256);
