@@ -4,6 +4,7 @@
 
 #include "host/db/object_id.h"
 #include "host/ge/geometry.h"
+#include "host/rx/rx_class.h"
 #include "host/rx/status.h"
 
 #include <cstddef>
@@ -28,9 +29,10 @@ int mxedGetPoint(const MxGePoint3d* base, const wchar_t* prompt, MxGePoint3d& po
 int mxedGetCorner(const MxGePoint3d& base, const wchar_t* prompt, MxGePoint3d& corner);
 
 /// Asks for an entity, which is picked by a point (clicked or typed, user coordinates): the topmost one of the current
-/// space whose graphics come within the pick box there. Nothing there, or no view to pick in: kInputError. `entity` is
-/// null whenever the result is not kInputNormal.
-int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point);
+/// space whose graphics come within the pick box there. Entities of the class `passedOver`, which may be null, are
+/// picked only where nothing else is. Nothing there, or no view to pick in: kInputError. `entity` is null whenever the
+/// result is not kInputNormal.
+int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point, const MxRxClass* passedOver = nullptr);
 
 /// Asks for one of the keywords; the global form is put into `keyword` of `capacity` wide characters, cut to fit.
 int mxedGetKword(const wchar_t* prompt, wchar_t* keyword, std::size_t capacity);
@@ -49,8 +51,9 @@ int mxutPrintf(const wchar_t* format, ...);
 /// Prints `text` as it stands.
 int mxutPrintText(const wchar_t* text);
 
-/// Pixels of viewport 0 (the active drawing view; origin at its upper-left corner, y down) to world coordinates and
-/// back. False while there is no view.
+/// Pixels of viewport 0 to world coordinates and back. It is the active drawing view or, while an entity draws itself,
+/// the view that it is drawn for. Its origin is the upper-left corner, y down; its pixels are the windows', each of
+/// which may be several of the screen's. False while there is no view.
 bool mxedCoordFromPixelToWorld(int viewport, int pixelX, int pixelY, MxGePoint3d& world);
 bool mxedCoordFromWorldToPixel(int viewport, const MxGePoint3d& world, int& pixelX, int& pixelY);
 

@@ -13,7 +13,7 @@
 struct MxEdInputPoint {
     bool pointComputed = false;               ///< the points below are valid
     MxGePoint3d rawPoint;                     ///< under the cursor, world coordinates
-    std::vector<MxDbObjectId> pickedEntities; ///< entities in the pick aperture, topmost first
+    std::vector<MxDbObjectId> pickedEntities; ///< entities in the pick aperture in drawing order: the last is on top
 };
 
 class MxEdInputPointMonitor : public MxRxObject {

@@ -11,13 +11,14 @@ class QWidget;
 QWidget* mxuiMainWindow();
 /// The main window's area, screen coordinates.
 QRect mxuiMainWindowRect();
-/// A pixel of the active drawing view (as mxedCoordFromWorldToPixel gives it) in screen coordinates. Views count
-/// physical pixels: the result lies as many of them from the main window's corner. What mxuiScreenToMainWindow makes of
-/// it is therefore to be divided by the device pixel ratio to give a place for a widget.
+/// A pixel of the active drawing view (as mxedCoordFromWorldToPixel gives it) in screen coordinates.
 QPoint mxuiViewToScreen(const QPoint& pixel);
 /// A screen point in the main window's coordinates.
 QPoint mxuiScreenToMainWindow(const QPoint& point);
-/// The size of the active drawing view in pixels; empty without one.
+/// A screen point in physical pixels from the main window's corner: divided by the device pixel ratio and rounded, the
+/// place for a widget there.
+QPoint mxuiScreenToMainWindowPixels(const QPoint& point);
+/// The size of the active drawing view in the windows' pixels; empty without one.
 QRect mxuiViewRect();
 /// Physical pixels in one pixel of the windows' coordinates.
 double mxuiDevicePixelRatio();

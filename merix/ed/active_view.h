@@ -7,6 +7,7 @@
 #include "host/db/object_id.h"
 #include "host/ge/extents.h"
 
+#include <optional>
 #include <vector>
 
 namespace merix::ed {
@@ -17,10 +18,12 @@ public:
     virtual const ge::ViewTransform& transform() const = 0;
     /// Shows something else; tells the editor (Editor::notifyViewChanged) and paints soon.
     virtual void setTransform(const ge::ViewTransform& transform) = 0;
-    /// The box of all that is visible in the current layout; empty when there is nothing.
-    virtual MxDbExtents extents() = 0;
-    /// The topmost entity of the current layout in the pick box at `world`; null when there is none.
-    virtual MxDbObjectId pick(const MxGePoint3d& world) = 0;
+    /// What shows all that is visible in the current layout; nothing when there is nothing.
+    virtual std::optional<ge::ViewTransform> showingAll() = 0;
+    /// The entities of the current layout in the pick box at `world`, topmost first.
+    virtual std::vector<MxDbObjectId> under(const MxGePoint3d& world) = 0;
+    /// The topmost of them; null when there is none.
+    MxDbObjectId pick(const MxGePoint3d& world);
     /// The entities of the current layout whose graphics lie inside `box` or, `crossing`, come into it, in drawing
     /// order.
     virtual std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) = 0;
@@ -35,5 +38,21 @@ public:
 ActiveView* activeView();
 /// Null when the view goes. The editor does not own it.
 void setActiveView(ActiveView* view);
+
+/// Graphics are made for the view that is to show them, whichever is active: while this lives, viewport 0 is
+/// `transform`.
+class GraphicsFor {
+public:
+    explicit GraphicsFor(const ge::ViewTransform& transform);
+    ~GraphicsFor();
+    GraphicsFor(const GraphicsFor&) = delete;
+    GraphicsFor& operator=(const GraphicsFor&) = delete;
+
+private:
+    const ge::ViewTransform* m_before;
+};
+
+/// What viewport 0 shows: the view that graphics are being made for, else the active one; null without either.
+const ge::ViewTransform* viewport();
 
 } // namespace merix::ed

@@ -36,10 +36,19 @@ void copyCut(const QString& text, wchar_t* buffer, std::size_t capacity) {
 }
 
 const merix::ge::ViewTransform* viewport(int number) {
-    const auto* view = merix::ed::activeView();
-    if (number != 0 || !view || view->transform().width <= 0 || view->transform().height <= 0)
-        return nullptr;
-    return &view->transform();
+    const auto* view = number == 0 ? merix::ed::viewport() : nullptr;
+    return view && view->width > 0 && view->height > 0 ? view : nullptr;
+}
+
+/// The first of the entities that is not of the class; where all are, the first.
+MxDbObjectId preferred(const std::vector<MxDbObjectId>& entities, const MxRxClass* passedOver) {
+    const auto found = std::find_if(entities.begin(), entities.end(), [passedOver](MxDbObjectId id) {
+        const MxDbObject* object = merix::db::DatabaseImp::peek(id);
+        return !passedOver || !object || !object->isKindOf(passedOver);
+    });
+    if (found != entities.end())
+        return *found;
+    return entities.empty() ? MxDbObjectId() : entities.front();
 }
 
 /// A pixel number that an int holds, however far away the point is.
@@ -63,13 +72,13 @@ int mxedGetCorner(const MxGePoint3d& base, const wchar_t* prompt, MxGePoint3d& c
     return Prompter::instance().getCorner(base, fromWide(prompt), corner);
 }
 
-int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point) {
+int mxedEntSel(const wchar_t* prompt, MxDbObjectId& entity, MxGePoint3d& point, const MxRxClass* passedOver) {
     entity = MxDbObjectId();
     const int result = Prompter::instance().getPick(fromWide(prompt), point);
     if (result != kInputNormal)
         return result;
     if (auto* view = merix::ed::activeView())
-        entity = view->pick(point);
+        entity = preferred(view->under(point), passedOver);
     return entity.isNull() ? kInputError : kInputNormal;
 }
 
@@ -116,7 +125,7 @@ bool mxedCoordFromPixelToWorld(int viewportNumber, int pixelX, int pixelY, MxGeP
     const auto* transform = viewport(viewportNumber);
     if (!transform)
         return false;
-    world = transform->toWorld(pixelX, pixelY);
+    world = transform->toWorld(pixelX * transform->pixelRatio, pixelY * transform->pixelRatio);
     return true;
 }
 
@@ -125,8 +134,8 @@ bool mxedCoordFromWorldToPixel(int viewportNumber, const MxGePoint3d& world, int
     if (!transform || !std::isfinite(world.x) || !std::isfinite(world.y))
         return false;
     const MxGePoint2d pixel = transform->toPixel(world);
-    pixelX = toPixelNumber(pixel.x);
-    pixelY = toPixelNumber(pixel.y);
+    pixelX = toPixelNumber(pixel.x / transform->pixelRatio);
+    pixelY = toPixelNumber(pixel.y / transform->pixelRatio);
     return true;
 }
 

@@ -52,6 +52,7 @@ void showPrevious(ActiveView& view) {
         ge::ViewTransform transform = past->transform;
         transform.width = view.transform().width; // the window may have another size by now
         transform.height = view.transform().height;
+        transform.pixelRatio = view.transform().pixelRatio;
         g_past.erase(std::next(past).base());
         view.setTransform(transform);
         return;
@@ -92,14 +93,10 @@ void zoomBy(ActiveView& view, double factor) {
 }
 
 void zoomExtents(ActiveView& view) {
-    const MxDbExtents box = view.extents();
-    if (box.isEmpty()) {
+    if (const auto whole = view.showingAll())
+        show(view, *whole);
+    else
         tell("The drawing shows nothing.");
-        return;
-    }
-    ge::ViewTransform transform = view.transform();
-    transform.fit(box);
-    show(view, transform);
 }
 
 /// `2`, `0.5x`: how many times as large everything is to be.

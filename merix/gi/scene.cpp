@@ -56,6 +56,7 @@ struct Slot {
     std::unique_ptr<DisplayList> list;
     std::uint32_t version = 0; ///< of the graphics in `list`
     bool dirty = false;
+    bool resized = false; ///< the entity has been drawn for other pixels than those of `list`
     bool drawn = true;
 };
 
@@ -132,18 +133,34 @@ struct Scene::Private {
         return object && object->isKindOf(MxDbEntity::desc()) ? static_cast<MxDbEntity*>(object) : nullptr;
     }
 
-    /// Extents as the entity tells them, widened where it may draw beyond what it tells.
-    MxDbExtents toldBox(MxDbEntity& entity) const {
+    /// Extents as the entity tells them.
+    MxDbExtents told(const MxDbEntity& entity) const {
         MxDbExtents box;
         const db::ReadAccess readable(entity);
-        if (const auto status = entity.getGeomExtents(box); status != Mx::eOk || box.isEmpty() || !isPlace(box))
-            return {};
+        const bool isTold = entity.getGeomExtents(box) == Mx::eOk && !box.isEmpty() && isPlace(box);
+        return isTold ? box : MxDbExtents();
+    }
+
+    /// The same, widened where it may draw beyond what it tells.
+    MxDbExtents toldBox(const MxDbEntity& entity) const {
+        MxDbExtents box = told(entity);
+        if (box.isEmpty())
+            return box;
         if (isOfModule(entity)) {
             const double margin = std::max(box.maxPoint().x - box.minPoint().x, box.maxPoint().y - box.minPoint().y);
             box.set(box.minPoint() - MxGeVector3d{margin, margin, 0}, box.maxPoint() + MxGeVector3d{margin, margin, 0});
         }
         box.set({box.minPoint().x, box.minPoint().y, 0}, {box.maxPoint().x, box.maxPoint().y, 0});
         return box;
+    }
+
+    /// A module's icon is one thing to the hand, also between its strokes. It is where the entity says that it is; what
+    /// is drawn beyond that (an outline around much else) is picked by its strokes.
+    bool isIconIn(const MxDbExtents& square, const MxDbEntity& entity) const {
+        if (!isOfModule(entity))
+            return false;
+        const MxDbExtents icon = told(entity);
+        return !icon.isEmpty() && overlap(icon, square);
     }
 
     /// The space brought up to date with the drawing.
@@ -230,12 +247,14 @@ struct Scene::Private {
     /// The slot's list, made anew when it is stale.
     const DisplayList& listOf(Space& space, std::uint32_t i, MxDbEntity& entity) {
         const std::uint32_t version = entity.data().graphicsVersion;
-        if (!space.slots[i].list || space.slots[i].version != version) {
+        const bool isChanged = !space.slots[i].list || space.slots[i].version != version;
+        if (isChanged || space.slots[i].resized) {
             auto list = std::make_unique<DisplayList>(builder.build(entity));
             Slot& slot = space.slots[i];
             slot.list = std::move(list);
             slot.version = version;
-            slot.drawn = true;
+            slot.resized = false;
+            slot.drawn = slot.drawn || isChanged;
             if (!slot.list->box.isEmpty() && isFinite(slot.list->box))
                 space.setBox(i, slot.list->box);
         }
@@ -323,8 +342,7 @@ std::vector<MxDbObjectId> Scene::pick(MxDbObjectId spaceId, const MxGePoint3d& a
         if (!entity)
             continue;
         const DisplayList& list = m->listOf(*space, *i, *entity);
-        // A module's icon is one thing to the hand, also between its strokes.
-        if (overlap(list.box, square) && (isOfModule(*entity) || touches(list, at, aperture)))
+        if (overlap(list.box, square) && (touches(list, at, aperture) || m->isIconIn(square, *entity)))
             picked.push_back(space->slots[*i].id);
     }
     return picked;
@@ -360,6 +378,26 @@ MxDbExtents Scene::extents(MxDbObjectId spaceId, bool plot) {
     for (std::uint32_t i = 0; i < space->slots.size(); ++i)
         if (MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]))
             all.addExt(plot ? m->plotter.build(*entity).box : m->listOf(*space, i, *entity).box);
+    return all;
+}
+
+MxDbExtents Scene::extentsAnew(MxDbObjectId spaceId) {
+    MxDbExtents all;
+    Space* space = m->spaceOf(spaceId);
+    if (!space)
+        return all;
+    for (std::uint32_t i = 0; i < space->slots.size(); ++i) {
+        MxDbEntity* entity = space->slots[i].box.isEmpty() ? nullptr : m->entityOf(space->slots[i]);
+        if (!entity)
+            continue;
+        if (!isOfModule(*entity)) {
+            all.addExt(m->listOf(*space, i, *entity).box);
+            continue;
+        }
+        all.addExt(m->builder.build(*entity).box);
+        space->slots[i].resized = true;
+        space->markDirty(i);
+    }
     return all;
 }
 

@@ -37,8 +37,9 @@ public:
     void paintOnly(QPainter& painter, const ge::ViewTransform& view, MxDbObjectId space,
                    const std::vector<MxDbObjectId>& ids, const PaintOptions& options);
 
-    /// Entities of `space` whose graphics come within `aperture` (world units, half the side of the pick box) of `at`,
-    /// topmost first. Entities on layers that are off or frozen are left out.
+    /// Entities of `space` that come within `aperture` (world units, half the side of the pick box) of `at`, topmost
+    /// first: their graphics do, or for those of modules the extents that they tell. Entities on layers that are off or
+    /// frozen are left out.
     std::vector<MxDbObjectId> pick(MxDbObjectId space, const MxGePoint3d& at, double aperture);
 
     /// Visible entities of `space` whose graphics lie inside `box` or, `crossing`, come into it, in drawing order.
@@ -46,6 +47,10 @@ public:
 
     /// The box of all that is visible in `space`, or in a plot of it; empty when there is nothing.
     MxDbExtents extents(MxDbObjectId space, bool plot = false);
+
+    /// The same where the pixels that modules size their marks by are others than those of the pictures: what modules
+    /// draw is made for this once. What is kept of it is made anew when it is next looked at.
+    MxDbExtents extentsAnew(MxDbObjectId space);
 
     /// Draws or leaves out one entity until it is next made anew.
     void setDrawn(MxDbObjectId id, bool drawn);

@@ -6,41 +6,25 @@
 #include "merix/ed/input_points.h"
 #include "merix/ed/prompter.h"
 #include "merix/ed/selection.h"
+#include "merix/ui/fit_scene.h"
 #include "merix/ui/look.h"
 
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
 
+#include <algorithm>
+
 namespace merix::ui {
 
 namespace {
 
-constexpr double kPickBox = 5.0;                         ///< half the side of the pick box, pixels of the widget
-constexpr double kSnapReach = 10.0;                      ///< of a snap point, pixels of the widget
-constexpr double kHaloWidth = 2.5;                       ///< to each side of a selected stroke, pixels of the widget
-constexpr double kCrossArm = 32.0;                       ///< from the middle to the cross hair's ends
-constexpr double kWheelStep = 1.2;                       ///< zoom of one notch of the wheel
-constexpr double kNotch = 120.0;                         ///< angle units of one notch, by Qt
-const MxDbExtents kEmptySheet{{0, 0, 0}, {420, 297, 0}}; ///< shown of a drawing that holds nothing
-
-/// Graphics are made for the view that shows them, whichever is active: modules size their marks by its pixels and look
-/// for line types in its drawing.
-class MadeFor {
-public:
-    explicit MadeFor(DrawingView& view)
-        : m_database(view.document()->database())
-        , m_before(ed::activeView()) {
-        ed::setActiveView(&view);
-    }
-    ~MadeFor() { ed::setActiveView(m_before); }
-    MadeFor(const MadeFor&) = delete;
-    MadeFor& operator=(const MadeFor&) = delete;
-
-private:
-    db::WorkingDatabaseScope m_database;
-    ed::ActiveView* m_before;
-};
+constexpr double kPickBox = 5.0;    ///< half the side of the pick box, pixels of the widget
+constexpr double kSnapReach = 10.0; ///< of a snap point, pixels of the widget
+constexpr double kHaloWidth = 2.5;  ///< to each side of a selected stroke, pixels of the widget
+constexpr double kCrossArm = 32.0;  ///< from the middle to the cross hair's ends
+constexpr double kWheelStep = 1.2;  ///< zoom of one notch of the wheel
+constexpr double kNotch = 120.0;    ///< angle units of one notch, by Qt
 
 } // namespace
 
@@ -141,12 +125,15 @@ void DrawingView::takeOver(DrawingView& other, ap::Document* document) {
 
 void DrawingView::setUpTransform(ge::ViewTransform& view) {
     const bool isNew = view.width <= 0;
-    view.width = width() * devicePixelRatioF();
-    view.height = height() * devicePixelRatioF();
-    if (!isNew)
-        return;
-    const MxDbExtents box = extents();
-    view.fit(box.isEmpty() ? kEmptySheet : box);
+    sizeTransform(view);
+    if (isNew)
+        view = firstView(*m_document->database(), scene(), space(), view);
+}
+
+void DrawingView::sizeTransform(ge::ViewTransform& view) const {
+    view.pixelRatio = devicePixelRatioF();
+    view.width = width() * view.pixelRatio;
+    view.height = height() * view.pixelRatio;
 }
 
 void DrawingView::layoutChanged() {
@@ -193,20 +180,18 @@ void DrawingView::setTransform(const ge::ViewTransform& transform) {
     }
 }
 
-MxDbExtents DrawingView::extents() {
+std::optional<ge::ViewTransform> DrawingView::showingAll() {
     if (!m_document)
         return {};
-    const MadeFor graphics(*this);
-    return scene().extents(space());
+    return ui::showingAll(*m_document->database(), scene(), space(), transform());
 }
 
 double DrawingView::aperture() const {
     return kPickBox * devicePixelRatioF() * transform().unitsPerPixel;
 }
 
-MxDbObjectId DrawingView::pick(const MxGePoint3d& world) {
-    const auto found = m_document ? scene().pick(space(), world, aperture()) : std::vector<MxDbObjectId>();
-    return found.empty() ? MxDbObjectId() : found.front();
+std::vector<MxDbObjectId> DrawingView::under(const MxGePoint3d& world) {
+    return m_document ? scene().pick(space(), world, aperture()) : std::vector<MxDbObjectId>();
 }
 
 std::vector<MxDbObjectId> DrawingView::inBox(const MxDbExtents& box, bool crossing) {
@@ -216,14 +201,16 @@ std::vector<MxDbObjectId> DrawingView::inBox(const MxDbExtents& box, bool crossi
 void DrawingView::zoomExtents() {
     if (!m_document)
         return;
-    ge::ViewTransform view = transform();
-    const MxDbExtents box = extents();
-    view.fit(box.isEmpty() ? kEmptySheet : box);
-    setTransform(view);
+    ge::ViewTransform sheet = transform();
+    sheet.fit(kEmptySheet);
+    setTransform(showingAll().value_or(sheet));
 }
 
 void DrawingView::selectAll() {
-    const MxDbExtents all = extents();
+    if (!m_document)
+        return;
+    const MadeFor graphics(*m_document->database(), transform());
+    const MxDbExtents all = scene().extents(space());
     if (!all.isEmpty())
         ed::Selection::instance().set(inBox(all, false));
 }
@@ -304,7 +291,7 @@ void DrawingView::paintPicture() {
     m_picture.fill(kCanvas);
     m_stale = false; // before painting: what changes meanwhile is painted next time
     if (m_document) {
-        const MadeFor graphics(*this);
+        const MadeFor graphics(*m_document->database(), transform());
         QPainter painter(&m_picture);
         scene().paint(painter, m_document->view(), space(), paintOptions());
     }
@@ -332,7 +319,7 @@ void DrawingView::paintMarks() {
         m_marks = QPixmap();
         return;
     }
-    const MadeFor graphics(*this);
+    const MadeFor graphics(*m_document->database(), transform());
     gi::PaintOptions options = paintOptions();
     QPixmap halo(m_picture.size());
     halo.fill(Qt::transparent);
@@ -465,8 +452,7 @@ void DrawingView::resizeEvent(QResizeEvent*) {
     if (!m_document)
         return;
     ge::ViewTransform view = m_document->view();
-    view.width = width() * devicePixelRatioF();
-    view.height = height() * devicePixelRatioF();
+    sizeTransform(view);
     setTransform(view);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The widget that shows a drawing and takes the cursor's input. Everything is painted into a picture that is kept until
 // it is stale; what is selected or highlighted is painted into a second one that lies over it, and the cursor over
-// both, so that neither costs painting the drawing. The view's pixels (ed::ActiveView, the contract's pixel operations)
-// are physical ones. Every window has a view; the one of the active drawing is the active view.
+// both, so that neither costs painting the drawing. A view's transform counts physical pixels. Every window has a view;
+// the one of the active drawing is the active view.
 #pragma once
 
 #include "merix/ap/document_imp.h"
@@ -65,8 +65,8 @@ public:
     // ed::ActiveView
     const ge::ViewTransform& transform() const override;
     void setTransform(const ge::ViewTransform& transform) override;
-    MxDbExtents extents() override;
-    MxDbObjectId pick(const MxGePoint3d& world) override;
+    std::optional<ge::ViewTransform> showingAll() override;
+    std::vector<MxDbObjectId> under(const MxGePoint3d& world) override;
     std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) override;
     void regenerate() override;
     void update() override;
@@ -102,6 +102,8 @@ private:
     MxDbObjectId space() const;
     void keep(ap::Document* document, std::unique_ptr<Highlights> highlights);
     void setUpTransform(ge::ViewTransform& view);
+    /// As large as the widget now is.
+    void sizeTransform(ge::ViewTransform& view) const;
     void layoutChanged();
     void paintPicture();
     void paintMarks();

@@ -6,6 +6,9 @@
 
 #include <QApplication>
 
+#include <algorithm>
+#include <utility>
+
 namespace merix::ui {
 
 Hover::Hover(DrawingView& view)
@@ -24,7 +27,9 @@ void Hover::look() {
     const bool isSeen = m_view.isVisible() && !m_view.window()->isMinimized() && !QApplication::activePopupWidget();
     if (isSeen && m_view.m_cursor) {
         const MxGePoint3d point = m_view.toWorld(*m_view.m_cursor);
-        tell(point, m_view.scene().pick(m_view.space(), point, m_view.aperture()));
+        std::vector<MxDbObjectId> picked = m_view.under(point);
+        std::reverse(picked.begin(), picked.end()); // monitors are told of the topmost last
+        tell(point, std::move(picked));
     } else if (!isSeen || !isOn) {
         tell({}, {});
     }

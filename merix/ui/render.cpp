@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "merix/ui/render.h"
 
+#include "merix/ui/fit_scene.h"
+
 #include <QPainter>
 
 namespace merix::ui {
@@ -16,7 +18,9 @@ QImage renderToImage(MxDbDatabase& database, MxDbObjectId space, const QSize& si
     ge::ViewTransform view;
     view.width = size.width();
     view.height = size.height();
-    view.fit(scene.extents(space));
+    view.pixelRatio = options.pixelRatio;
+    view = firstView(database, scene, space, view);
+    const MadeFor graphics(database, view);
     QPainter painter(&image);
     scene.paint(painter, view, space, options);
     return image;

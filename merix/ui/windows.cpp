@@ -16,10 +16,7 @@ QRect mxuiMainWindowRect() {
 
 QPoint mxuiViewToScreen(const QPoint& pixel) {
     const MainWindow* window = MainWindow::instance();
-    if (!window)
-        return pixel;
-    const QPointF corner = QPointF(window->view()->mapTo(window, QPoint(0, 0))) * mxuiDevicePixelRatio();
-    return window->mapToGlobal(QPoint(0, 0)) + corner.toPoint() + pixel;
+    return window ? window->view()->mapToGlobal(pixel) : pixel;
 }
 
 QPoint mxuiScreenToMainWindow(const QPoint& point) {
@@ -27,11 +24,16 @@ QPoint mxuiScreenToMainWindow(const QPoint& point) {
     return window ? window->mapFromGlobal(point) : point;
 }
 
+QPoint mxuiScreenToMainWindowPixels(const QPoint& point) {
+    return (QPointF(mxuiScreenToMainWindow(point)) * mxuiDevicePixelRatio()).toPoint();
+}
+
 QRect mxuiViewRect() {
     const merix::ed::ActiveView* view = merix::ed::activeView();
     if (!view)
         return {};
-    return {0, 0, static_cast<int>(view->transform().width), static_cast<int>(view->transform().height)};
+    const merix::ge::ViewTransform& shown = view->transform();
+    return {0, 0, qRound(shown.width / shown.pixelRatio), qRound(shown.height / shown.pixelRatio)};
 }
 
 double mxuiDevicePixelRatio() {

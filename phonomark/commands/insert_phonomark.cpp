@@ -123,7 +123,8 @@ Insertion::Next Insertion::placeObject() {
     for (;;) {
         mxedInitGet(kEmptyNotAllowed, resourceText(kPlacingKeywords).c_str());
         MxGePoint3d picked;
-        switch (mxedEntSel(resourceText(kObjectPrompt).c_str(), m_object, picked)) {
+        // A marker may cover the object that is meant.
+        switch (mxedEntSel(resourceText(kObjectPrompt).c_str(), m_object, picked, MxDbPhonomark::desc())) {
         case kInputNormal:
             return Next::kCreate;
         case kInputCancel:

@@ -14,8 +14,8 @@ constexpr unsigned kTagTemplate = 205;
 
 void place(CPoint point) {
     const double scale = 1.0 / mxuiDevicePixelRatio();
-    const QPoint local = mxuiScreenToMainWindow(QPoint(point.x, point.y));
-    g_taguidlg->move(static_cast<int>(local.x() * scale), static_cast<int>(local.y() * scale));
+    const QPoint pixels = mxuiScreenToMainWindowPixels(QPoint(point.x, point.y));
+    g_taguidlg->move(qRound(pixels.x() * scale), qRound(pixels.y() * scale));
 }
 
 } // namespace

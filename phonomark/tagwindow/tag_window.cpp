@@ -25,8 +25,16 @@ constexpr unsigned kDeletedText = 303;
 const QColor kDeleteGround(0xb3, 0x26, 0x1e);
 constexpr double kStrongCross = 2.2;
 
-QImage resourceImage(const char* name) {
-    return QImage(QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name));
+/// An image in just the pixels that the window's side takes on a screen with `ratio` of them in one of the window's.
+QImage resourceImage(const char* name, double ratio) {
+    const QString path = QString::fromLatin1(":/MrxPhonomarkRes/MrxPhonomarkRes/") + QString::fromLatin1(name);
+    const QImage twice = ratio > 1.0 ? QImage(path + QString::fromLatin1("@2x")) : QImage();
+    if (twice.isNull())
+        return QImage(path);
+    const int side = qRound(kSide * ratio);
+    QImage image = twice.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    image.setDevicePixelRatio(double(side) / kSide);
+    return image;
 }
 
 } // namespace
@@ -73,12 +81,13 @@ bool CPhonomarkTagUIDlg::OnInitDialog() {
 }
 
 void CPhonomarkTagUIDlg::LoadResImages() {
-    m_playImage = resourceImage("IDB_PNG_TAG_PLAY");
-    m_recordImage = resourceImage("IDB_PNG_TAG_RECD");
+    const double ratio = devicePixelRatioF();
+    m_playImage = resourceImage("IDB_PNG_TAG_PLAY", ratio);
+    m_recordImage = resourceImage("IDB_PNG_TAG_RECD", ratio);
     m_playingImages.clear();
     for (const char* name :
          {"IDB_PNG_TAG_PLAYING_I", "IDB_PNG_TAG_PLAYING_II", "IDB_PNG_TAG_PLAYING_III", "IDB_PNG_TAG_PLAYING_IV"})
-        m_playingImages.push_back(resourceImage(name));
+        m_playingImages.push_back(resourceImage(name, ratio));
     showOwnerImage();
 }
 

@@ -127,10 +127,9 @@ TransformView::~TransformView() {
     merix::ed::setActiveView(nullptr);
 }
 
-MxDbObjectId TransformView::pick(const MxGePoint3d& world) {
+std::vector<MxDbObjectId> TransformView::under(const MxGePoint3d& world) {
     MxDbDatabase& database = *mxdbHostApplicationServices()->workingDatabase();
-    const auto found = merix::gi::Scene(database).pick(database.currentSpaceId(), world, 5 * m_transform.unitsPerPixel);
-    return found.empty() ? MxDbObjectId() : found.front();
+    return merix::gi::Scene(database).pick(database.currentSpaceId(), world, 5 * m_transform.unitsPerPixel);
 }
 
 std::vector<MxDbObjectId> TransformView::inBox(const MxDbExtents& box, bool crossing) {

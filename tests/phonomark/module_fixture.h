@@ -57,8 +57,8 @@ public:
     ~TransformView() override;
     const merix::ge::ViewTransform& transform() const override { return m_transform; }
     void setTransform(const merix::ge::ViewTransform& transform) override { m_transform = transform; }
-    MxDbExtents extents() override { return {}; }
-    MxDbObjectId pick(const MxGePoint3d& world) override;
+    std::optional<merix::ge::ViewTransform> showingAll() override { return {}; }
+    std::vector<MxDbObjectId> under(const MxGePoint3d& world) override;
     std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) override;
     void regenerate() override {}
     void update() override {}

@@ -48,6 +48,19 @@ protected:
     }
 };
 
+/// Of two pictures of one size: the mean of how far their channels are apart.
+double difference(const QImage& a, const QImage& b) {
+    double sum = 0.0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q)) +
+                   std::abs(qAlpha(p) - qAlpha(q));
+        }
+    }
+    return sum / (4.0 * a.width() * a.height());
+}
+
 /// The format directives of a text, in order, a doubled percent left out.
 QString directives(const QString& text) {
     QString found;
@@ -102,6 +115,10 @@ TEST_F(ResourceModule, TagImagesAreSixImagesOfTheWindowsSize) {
                              "IDB_PNG_TAG_PLAYING_III", "IDB_PNG_TAG_PLAYING_IV"}) {
         const QImage picture = image(name);
         EXPECT_EQ(picture.size(), QSize(36, 36)) << name;
+        const QImage twice = image((std::string(name) + "@2x").c_str());
+        EXPECT_EQ(twice.size(), QSize(72, 72)) << name;
+        EXPECT_LT(difference(twice.scaled(36, 36, Qt::IgnoreAspectRatio, Qt::SmoothTransformation), picture), 6)
+            << name << " drawn in more pixels";
         EXPECT_THAT(seen, testing::Not(testing::Contains(picture))) << name;
         seen.push_back(picture);
     }

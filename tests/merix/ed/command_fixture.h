@@ -35,10 +35,11 @@ public:
         m_transform = transform;
         ed::Editor::instance().notifyViewChanged();
     }
-    MxDbExtents extents() override { return m_scene.extents(space()); }
-    MxDbObjectId pick(const MxGePoint3d& world) override {
-        const auto found = m_scene.pick(space(), world, 5.0 * m_transform.unitsPerPixel);
-        return found.empty() ? MxDbObjectId() : found.front();
+    std::optional<ge::ViewTransform> showingAll() override {
+        return ge::fitMeasured(m_transform, [this](const auto&) { return m_scene.extents(space()); });
+    }
+    std::vector<MxDbObjectId> under(const MxGePoint3d& world) override {
+        return m_scene.pick(space(), world, 5.0 * m_transform.unitsPerPixel);
     }
     std::vector<MxDbObjectId> inBox(const MxDbExtents& box, bool crossing) override {
         return m_scene.inBox(space(), box, crossing);

@@ -2,7 +2,8 @@
 #include "host/ed/input.h"
 
 #include "answers.h"
-#include "host/db/database.h"
+#include "merix/db/database_imp.h"
+#include "merix/db/entities.h"
 #include "merix/ed/active_view.h"
 #include "merix/ed/console.h"
 
@@ -22,14 +23,14 @@ QString printed() {
 
 struct View : ActiveView {
     merix::ge::ViewTransform shown{{100, 50}, 0.5, 200, 100};
-    MxDbObjectId there; ///< what can be picked at (3, 4)
+    std::vector<MxDbObjectId> there; ///< what can be picked at (3, 4)
     View() { setActiveView(this); }
     ~View() override { setActiveView(nullptr); }
     const merix::ge::ViewTransform& transform() const override { return shown; }
     void setTransform(const merix::ge::ViewTransform& transform) override { shown = transform; }
-    MxDbExtents extents() override { return {}; }
-    MxDbObjectId pick(const MxGePoint3d& world) override {
-        return world == MxGePoint3d(3, 4, 0) ? there : MxDbObjectId();
+    std::optional<merix::ge::ViewTransform> showingAll() override { return {}; }
+    std::vector<MxDbObjectId> under(const MxGePoint3d& world) override {
+        return world == MxGePoint3d(3, 4, 0) ? there : std::vector<MxDbObjectId>();
     }
     std::vector<MxDbObjectId> inBox(const MxDbExtents&, bool) override { return {}; }
     void regenerate() override {}
@@ -89,15 +90,80 @@ TEST_F(InputTest, PixelsOfTheActiveViewAreViewportZero) {
     EXPECT_FALSE(mxedCoordFromPixelToWorld(1, 0, 0, world));
 }
 
+TEST_F(InputTest, PixelsAreThoseOfTheWindows) {
+    View view;
+    view.shown.pixelRatio = 2.0;
+    MxGePoint3d world;
+    ASSERT_TRUE(mxedCoordFromPixelToWorld(0, 10, 5, world));
+    EXPECT_EQ(world, MxGePoint3d(60, 70, 0)) << "the twentieth and the tenth of the screen's";
+    int x = 0, y = 0;
+    ASSERT_TRUE(mxedCoordFromWorldToPixel(0, {60, 70, 0}, x, y));
+    EXPECT_EQ(x, 10);
+    EXPECT_EQ(y, 5);
+}
+
+TEST_F(InputTest, WhileGraphicsAreMadeForAViewItIsViewportZero) {
+    const View view;
+    const merix::ge::ViewTransform other{{0, 0}, 1.0, 20, 20};
+    MxGePoint3d world;
+    {
+        const GraphicsFor graphics(other);
+        ASSERT_TRUE(mxedCoordFromPixelToWorld(0, 0, 0, world));
+        EXPECT_EQ(world, MxGePoint3d(-10, 10, 0));
+        {
+            const GraphicsFor inner(view.shown);
+            ASSERT_TRUE(mxedCoordFromPixelToWorld(0, 0, 0, world));
+            EXPECT_EQ(world, MxGePoint3d(50, 75, 0));
+        }
+        ASSERT_TRUE(mxedCoordFromPixelToWorld(0, 0, 0, world));
+        EXPECT_EQ(world, MxGePoint3d(-10, 10, 0));
+    }
+    ASSERT_TRUE(mxedCoordFromPixelToWorld(0, 0, 0, world));
+    EXPECT_EQ(world, MxGePoint3d(50, 75, 0));
+}
+
+TEST_F(InputTest, EntitiesOfTheClassPassedOverArePickedWhereNothingElseIs) {
+    MxDbDatabase database;
+    database.imp().createDefaults();
+    const auto add = [&](MxDbEntity* entity) {
+        MxDbBlockTableRecord* space = nullptr;
+        EXPECT_EQ(mxdbOpenObject(space, database.currentSpaceId(), Mx::kForWrite), Mx::eOk);
+        MxDbObjectId id;
+        EXPECT_EQ(space->appendMxDbEntity(id, entity), Mx::eOk);
+        entity->close();
+        space->close();
+        return id;
+    };
+    const MxDbObjectId line = add(new merix::db::Line), circle = add(new merix::db::Circle),
+                       above = add(new merix::db::Line);
+    View view;
+    const auto picked = [&](std::vector<MxDbObjectId> there, const MxRxClass* passedOver) {
+        view.there = std::move(there);
+        const merix::test::Answers answers({QStringLiteral("3,4")});
+        MxDbObjectId entity;
+        MxGePoint3d point;
+        EXPECT_EQ(mxedEntSel(L"", entity, point, passedOver), 5100);
+        return entity;
+    };
+    EXPECT_EQ(picked({above, line, circle}, nullptr), above);
+    EXPECT_EQ(picked({above, line, circle}, merix::db::Line::desc()), circle);
+    EXPECT_EQ(picked({above, line, circle}, merix::db::Circle::desc()), above);
+    EXPECT_EQ(picked({above, line}, merix::db::Line::desc()), above) << "nothing else is there";
+    EXPECT_EQ(picked({above, line, circle}, MxDbEntity::desc()), above) << "what is derived is of the class";
+}
+
 TEST_F(InputTest, AnEntityIsWhatTheViewHasAtThePoint) {
     MxDbDatabase database;
     View view;
-    ASSERT_EQ(database.getMxDbObjectId(view.there, true, MxDbHandle(0xAB)), Mx::eOk);
+    MxDbObjectId top, below;
+    ASSERT_EQ(database.getMxDbObjectId(top, true, MxDbHandle(0xAB)), Mx::eOk);
+    ASSERT_EQ(database.getMxDbObjectId(below, true, MxDbHandle(0xAC)), Mx::eOk);
+    view.there = {top, below};
     const merix::test::Answers answers({QStringLiteral("3,4"), QStringLiteral("9,9")});
     MxDbObjectId entity;
     MxGePoint3d point;
     EXPECT_EQ(mxedEntSel(L"", entity, point), 5100);
-    EXPECT_EQ(entity, view.there);
+    EXPECT_EQ(entity, top);
     EXPECT_EQ(point, MxGePoint3d(3, 4, 0));
     EXPECT_EQ(mxedEntSel(L"", entity, point), -5001) << "nothing is there";
     EXPECT_TRUE(entity.isNull());

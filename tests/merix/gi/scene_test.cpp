@@ -34,7 +34,7 @@ public:
         ++drawings;
         if (whileDrawn)
             whileDrawn();
-        if (draw->context() && draw->context()->isPlotGeneration())
+        if (isHidden || (draw->context() && draw->context()->isPlotGeneration()))
             return true;
         draw->subEntityTraits().setColor(color);
         const MxGePoint3d ring[] = {corner, corner + MxGeVector3d{size, 0, 0}, corner + MxGeVector3d{size, size, 0},
@@ -51,7 +51,7 @@ public:
         extents.addPoint(extents.minPoint() + MxGeVector3d{size, size, 0});
         return Mx::eOk;
     }
-    bool isPlaced = true;
+    bool isPlaced = true, isHidden = false;
     MxGePoint3d corner{20.5, 20.5, 0};
     double size = 40;
     std::uint16_t color = 3;
@@ -303,6 +303,43 @@ TEST_F(SceneTest, AModulesEntityIsPickedBetweenItsStrokes) {
     const MxDbObjectId id = add(new Marker, model(), 256);
     EXPECT_EQ(scene.pick(model(), {40, 40, 0}, 2), std::vector{id});
     EXPECT_TRUE(scene.pick(model(), {70, 40, 0}, 2).empty());
+}
+
+TEST_F(SceneTest, WhatAModulesEntityDrawsBesideItsIconIsPickedByItsStrokes) {
+    auto* marker = new Marker;
+    marker->corner = {70, 70, 0};
+    marker->size = 20;
+    marker->tail = {10, 10, 0};
+    const MxDbObjectId id = add(marker, model(), 256);
+    EXPECT_EQ(scene.pick(model(), {80, 80, 0}, 2), std::vector{id}) << "between the strokes of the icon";
+    EXPECT_EQ(scene.pick(model(), {30, 31, 0}, 2), std::vector{id}) << "on the line";
+    EXPECT_TRUE(scene.pick(model(), {60, 30, 0}, 2).empty()) << "in the box of both";
+}
+
+TEST_F(SceneTest, AModulesEntityThatDrawsNothingIsNotPicked) {
+    auto* marker = new Marker;
+    marker->isHidden = true;
+    add(marker, model(), 256);
+    EXPECT_TRUE(scene.pick(model(), {40, 40, 0}, 2).empty());
+}
+
+TEST_F(SceneTest, ExtentsMadeAnewAreThoseThatModulesWouldDrawNow) {
+    addLine({0, 0, 0}, {30, 10, 0});
+    auto* marker = new Marker;
+    const MxDbObjectId id = add(marker, model(), 256);
+    EXPECT_EQ(at(60, 40), kGreen);
+    marker->size = 50;
+    EXPECT_EQ(scene.extents(model()).maxPoint(), MxGePoint3d(60.5, 60.5, 0));
+    EXPECT_EQ(scene.extentsAnew(model()).maxPoint(), MxGePoint3d(70.5, 70.5, 0));
+    EXPECT_EQ(scene.extentsAnew(model()).minPoint(), MxGePoint3d(0, 0, 0));
+    marker->size = 45;
+    EXPECT_EQ(at(65, 40), kGreen) << "the picture is made of what is drawn when it is painted";
+    const int drawings = marker->drawings;
+    paint();
+    EXPECT_EQ(marker->drawings, drawings);
+    scene.setDrawn(id, false);
+    scene.extentsAnew(model());
+    EXPECT_EQ(at(65, 40), kBackground) << "measuring does not bring back what is left out";
 }
 
 TEST_F(SceneTest, AModulesEntityIsDrawnOnlyWhenStaleAndInView) {

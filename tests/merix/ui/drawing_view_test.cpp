@@ -115,6 +115,22 @@ TEST_F(DrawingViewTest, ARestingCursorIsReportedOnceWithWhatLiesUnderIt) {
     EXPECT_TRUE(watch.inputs[1].pickedEntities.empty());
 }
 
+TEST_F(DrawingViewTest, OfWhatLiesUnderTheCursorTheTopmostIsReportedLast) {
+    const MxDbObjectId below = addLine({100, 0, 0}, {100, 200, 0}), above = addLine({0, 50, 0}, {200, 50, 0});
+    PointWatch watch(*document);
+    mouse(QEvent::MouseMove, view().toWidget({100, 50, 0}));
+    settle();
+    ASSERT_EQ(watch.inputs.size(), 1U);
+    EXPECT_EQ(watch.inputs[0].pickedEntities, (std::vector{below, above}));
+    ed::Selection::instance().set({above});
+    ed::CommandStack::instance().runGiven(QStringLiteral("DRAWORDER"), {std::wstring(L"Back")});
+    mouse(QEvent::MouseMove, view().toWidget({100, 50, 0}));
+    settle();
+    ASSERT_EQ(watch.inputs.size(), 2U);
+    EXPECT_EQ(watch.inputs[1].pickedEntities, (std::vector{above, below}));
+    EXPECT_EQ(view().pick({100, 50, 0}), below);
+}
+
 TEST_F(DrawingViewTest, AZoomUnderARestingCursorIsReported) {
     PointWatch watch(*document);
     wheel({200, 200}, 240);

@@ -101,7 +101,8 @@ TEST_F(RecoveryBarTest, RecoverOpensTheCopyAsTheDrawingWithChangesToSave) {
     ASSERT_TRUE(current);
     EXPECT_EQ(current->path(), drawing);
     EXPECT_TRUE(current->isChanged());
-    EXPECT_EQ(view().extents().maxPoint().x, 5.0);
+    EXPECT_EQ(view().document(), current);
+    EXPECT_EQ(gi::Scene(*current->database()).extents(current->database()->currentSpaceId()).maxPoint().x, 5.0);
     EXPECT_TRUE(bar()->isHidden());
     look();
     EXPECT_TRUE(bar()->isHidden()) << "a copy that is open is offered again";

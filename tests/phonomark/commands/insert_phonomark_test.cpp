@@ -248,6 +248,19 @@ TEST_F(InsertTest, APickedObjectGetsTheNote) {
     EXPECT_THAT(text, HasSubstr("[Settings]: 50,50\nSelect the object")) << "nothing is there: asked again";
 }
 
+TEST_F(InsertTest, TheObjectUnderAMarkerGetsTheNoteRatherThanTheMarkersNote) {
+    const TransformView view(0.1);
+    const MxDbObjectId line = addLine();
+    const MxDbObjectId covering = addNote(kPointNote, {2, 1, 0}); // its marker lies from (3.4, 2.4) to (6.6, 5.6)
+    WriteProfileInt(L"", L"VoiceType", 2);
+    run("PHONOMARK", {"5,2.6"});
+    ASSERT_EQ(listed().size(), 2u);
+    EXPECT_EQ(note(listed()[1]).attachObj(), line);
+    run("PHONOMARK", {"4,5"});
+    ASSERT_EQ(listed().size(), 3u);
+    EXPECT_EQ(note(listed()[2]).attachObj(), covering) << "nothing else is there";
+}
+
 TEST_F(InsertTest, AnObjectNoteIsOneUndoableUnit) {
     const TransformView view(0.1);
     const MxDbObjectId line = addLine();

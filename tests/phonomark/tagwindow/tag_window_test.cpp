@@ -9,6 +9,7 @@
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
+#include "tests/support/at_scale.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
@@ -692,4 +693,23 @@ TEST_F(TagWindowTest, AnUnloadWhileANoteIsRecordedKeepsTheTake) {
     EXPECT_EQ(note(id).getAudioDataSize(), 64u);
     EXPECT_EQ(duration(id), L"2.0\"");
     EXPECT_EQ(listed(), std::vector<MxDbObjectId>{id});
+}
+
+TEST_F(TagWindowTest, ItsImageHasAPixelForEachOfTheScreens) {
+    const double scale = merix::test::scaleOfScreen();
+    const int side = qRound(36 * scale);
+    QImage shown(side, side, QImage::Format_ARGB32_Premultiplied);
+    shown.setDevicePixelRatio(scale);
+    shown.fill(Qt::transparent);
+    openWindow(addNote()).render(&shown, QPoint(), QRegion(), QWidget::RenderFlags());
+    const QImage drawn =
+        scale == 1.0
+            ? resource("IDB_PNG_TAG_RECD")
+            : resource("IDB_PNG_TAG_RECD@2x").scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    EXPECT_EQ(shown, drawn.convertToFormat(shown.format()));
+}
+
+TEST(TagWindowAtScale, ItsImageHasAPixelForEachOfTheScreens) {
+    for (const double scale : {1.25, 1.5, 2.0})
+        merix::test::expectPassesAtScale("TagWindowTest.ItsImageHasAPixelForEachOfTheScreens", scale);
 }
