@@ -260,7 +260,7 @@ struct Deleted : UnderCursor {
 };
 
 TEST_F(Deleted, ANoteIsBroughtBackByTheButtonOfTheBar) {
-    EXPECT_TRUE(witness.sees("QLabel", "Voice note deleted"));
+    EXPECT_TRUE(witness.sees("Label", "Voice note deleted"));
     EXPECT_TRUE(witness.sees("undoBarButton", "Undo"));
     clickAt(witness.visible("undoBarButton").place.center());
     EXPECT_TRUE(isBarGone());
