@@ -495,6 +495,25 @@ TEST_F(RegistryTest, NoReactorStaysBehindOnAnErasedNote) {
     createMxPhManager();
 }
 
+TEST_F(RegistryTest, AnErasedNoteThatTheSavedListNamesKeepsItsPlaceThereUntilItIsTakenOff) {
+    const MxDbObjectId id = addNote();
+    ASSERT_TRUE(registry().SaveVoiceHandle(&database()));
+    registry().ErasePhonomark(id, nullptr);
+    for (const bool takenOff : {false, true}) {
+        deleteMxPhManager();
+        createMxPhManager();
+        ASSERT_THAT(listed(), ElementsAre(id)) << "an empty list does not replace the saved one";
+        if (takenOff) {
+            registry().RemovePhonomark(id, &document());
+            ASSERT_THAT(listed(), IsEmpty());
+        }
+        ASSERT_TRUE(DocManager::instance().undo(document()));
+        EXPECT_THAT(listed(), ElementsAre(id)) << takenOff;
+        ASSERT_TRUE(DocManager::instance().redo(document()));
+        EXPECT_THAT(listed(), IsEmpty());
+    }
+}
+
 TEST_F(RegistryTest, DrawingAnewStopsAtARefusedLock) {
     const MxDbObjectId a = addNote(), b = addNote();
     lockLayerOf(a);
