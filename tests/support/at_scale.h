@@ -22,9 +22,8 @@ inline void expectPassesAtScale(const std::string& test, double scale) {
     environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.remove(QStringLiteral("GTEST_OUTPUT"));
-    const Outcome outcome =
-        run(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")),
-            {QString::fromStdString("--gtest_filter=" + test)}, folder.path(), {}, environment);
+    const Outcome outcome = run(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")),
+                                {QString::fromStdString("--gtest_filter=" + test)}, folder.path(), {}, environment);
     EXPECT_EQ(outcome.status, 0) << outcome.out.constData() << outcome.err.constData();
     EXPECT_TRUE(outcome.out.contains("[  PASSED  ] 1 test.")) << outcome.out.constData();
 }
