@@ -39,7 +39,7 @@ QString controlText(char character) {
 
 /// The text that a key brings from an X server.
 QString textOf(int key, Qt::KeyboardModifiers modifiers) {
-    static const std::map<int, char> named{{Qt::Key_Return, '\r'}, {Qt::Key_Enter, '\r'},       {Qt::Key_Escape, '\x1b'},
+    static const std::map<int, char> named{{Qt::Key_Return, '\r'}, {Qt::Key_Enter, '\r'},     {Qt::Key_Escape, '\x1b'},
                                            {Qt::Key_Tab, '\t'},    {Qt::Key_Backspace, '\b'}, {Qt::Key_Delete, '\x7f'}};
     if (const auto known = named.find(key); known != named.end())
         return QString(QChar::fromLatin1(known->second));
@@ -159,7 +159,8 @@ TEST_F(KeysTest, AControlKeyThatNoActionHasIsNotTyped) {
 
 // ---------------------------------------------------------------- shortcuts
 
-/// A saved drawing that was changed, with a step to take back and one to do again, and the keyboard on the command line.
+/// A saved drawing that was changed, with a step to take back and one to do again, and the keyboard on the command
+/// line.
 class ShortcutTest : public WindowTest {
 protected:
     ShortcutTest() {
@@ -253,12 +254,13 @@ private:
 
 class EveryShortcutTest : public ShortcutTest, public testing::WithParamInterface<const char*> {};
 
-constexpr const char* kShortcuts[] = {"Ctrl+N", "Ctrl+O", "Ctrl+S", "Ctrl+Shift+S", "Ctrl+E", "Ctrl+P", "Ctrl+W",
-                                      "Ctrl+Q", "Ctrl+Z", "Ctrl+Y", "Ctrl+X",       "Ctrl+C", "Ctrl+V", "Del",
+constexpr const char* kShortcuts[] = {"Ctrl+N", "Ctrl+O", "Ctrl+S", "Ctrl+Shift+S", "Ctrl+E",      "Ctrl+P", "Ctrl+W",
+                                      "Ctrl+Q", "Ctrl+Z", "Ctrl+Y", "Ctrl+X",       "Ctrl+C",      "Ctrl+V", "Del",
                                       "Ctrl+A", "Ctrl+0", "F3",     "F8",           "Ctrl+Shift+N"};
 /// Those that edit what is typed.
-const QStringList kEditing{QStringLiteral("Ctrl+Z"), QStringLiteral("Ctrl+Y"), QStringLiteral("Ctrl+X"), QStringLiteral("Ctrl+C"),
-                           QStringLiteral("Ctrl+V"), QStringLiteral("Del"),    QStringLiteral("Ctrl+A")};
+const QStringList kEditing{QStringLiteral("Ctrl+Z"), QStringLiteral("Ctrl+Y"), QStringLiteral("Ctrl+X"),
+                           QStringLiteral("Ctrl+C"), QStringLiteral("Ctrl+V"), QStringLiteral("Del"),
+                           QStringLiteral("Ctrl+A")};
 
 TEST_P(EveryShortcutTest, WorksFromTheEmptyCommandLine) {
     const QString keys = QString::fromLatin1(GetParam());
