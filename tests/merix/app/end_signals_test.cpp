@@ -80,7 +80,7 @@ TEST_P(EndSignalsTest, WithNothingUnsavedNoCopyStays) {
 }
 
 TEST_P(EndSignalsTest, AModalDialogIsLeft) {
-    start("NEW\nSAVEAS plan.dxf\nLINE 0,0 0,9\n\nVOICEMAN\n@windows\n", "CPhonomarkManDlg");
+    start("NEW\nSAVEAS plan.dxf\nLINE 0,0 0,9\n\nVOICEMAN\n@windows\n", "\"Voice notes\"");
     endBy(GetParam());
     expectOffer();
 }
