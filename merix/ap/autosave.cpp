@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+#include <ctime>
+
 #include <unistd.h>
 
 namespace merix::ap {
@@ -19,8 +21,13 @@ namespace merix::ap {
 namespace {
 
 constexpr double kMillisecondsPerMinute = 60'000.0;
+/// A change is copied when it is so old, and the drawings are looked at so often, milliseconds: what is lost by a crash
+/// is less than ten seconds of work.
+constexpr int kAge = 4000, kLongestBetweenLooks = 1000;
 /// How often the drawings are looked at: a part of the interval, so that a copy is late by no more than that.
 constexpr double kLooksPerInterval = 10.0;
+/// After a copy none is made for so many times the processor time that it took.
+constexpr qint64 kRest = 100;
 
 qint64 now() {
     static const QElapsedTimer clock = [] {
@@ -31,6 +38,13 @@ qint64 now() {
     return clock.elapsed();
 }
 
+/// Processor time of the whole program, milliseconds, rounded up.
+qint64 processorTime() {
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return qint64(time.tv_sec) * 1000 + (time.tv_nsec + 999'999) / 1'000'000;
+}
+
 } // namespace
 
 Autosave& Autosave::instance() {
@@ -38,7 +52,8 @@ Autosave& Autosave::instance() {
     return *autosave;
 }
 
-Autosave::Autosave() {
+Autosave::Autosave()
+    : m_age(kAge) {
     DocManager& manager = DocManager::instance();
     connect(&manager, &DocManager::documentOpened, this, &Autosave::watch);
     connect(&manager, &DocManager::documentClosing, this, &Autosave::forget);
@@ -53,7 +68,13 @@ void Autosave::setInterval(double minutes) {
     m_minutes = minutes;
     m_timer.stop();
     if (minutes > 0.0)
-        m_timer.start(std::max(1, int(minutes * kMillisecondsPerMinute / kLooksPerInterval)));
+        m_timer.start(std::clamp(int(minutes * kMillisecondsPerMinute / kLooksPerInterval), 1,
+                                 std::min(kLongestBetweenLooks, std::max(1, m_age))));
+}
+
+void Autosave::setAge(int age) {
+    m_age = age;
+    setInterval(m_minutes);
 }
 
 void Autosave::watch(Document* document) {
@@ -73,7 +94,8 @@ void Autosave::forget(Document* document) {
     if (place == m_states.end())
         return;
     const QString path = place->second.path;
-    const bool stays = place->second.recovered && m_keepsRecovered;
+    const bool stays =
+        (place->second.recovered && m_keepsRecovered) || (m_keepsUnsaved && document->isChanged() && !path.isEmpty());
     m_states.erase(place);
     if (stays)
         return;
@@ -83,6 +105,8 @@ void Autosave::forget(Document* document) {
 }
 
 void Autosave::look() {
+    // The one that has waited longest comes first: a share of the processor may do for one only.
+    std::vector<std::pair<qint64, Document*>> changed;
     for (Document* document : DocManager::instance().all()) {
         const auto place = m_states.find(document);
         if (place == m_states.end() || place->second.copied == document->changes())
@@ -90,11 +114,20 @@ void Autosave::look() {
         State& state = place->second;
         if (state.changedAt < 0)
             state.changedAt = now();
-        // Between two steps of a command the drawing is whole; within one it may not be.
-        const bool atRest = !document->isBusy() || ed::Prompter::instance().isWaiting();
-        if (atRest && double(now() - state.changedAt) >= m_minutes * kMillisecondsPerMinute)
-            copy(*document);
+        changed.emplace_back(state.changedAt, document);
     }
+    std::sort(changed.begin(), changed.end());
+    for (const auto& [changedAt, document] : changed)
+        if (m_states.count(document) && isDue(*document, changedAt)) // a reactor may have closed it
+            copy(*document);
+}
+
+bool Autosave::isDue(const Document& document, qint64 changedAt) const {
+    // Between two steps of a command the drawing is whole; within one it may not be.
+    if (document.isBusy() && !ed::Prompter::instance().isWaiting())
+        return false;
+    const qint64 time = now(), age = time - changedAt;
+    return double(age) >= m_minutes * kMillisecondsPerMinute || (age >= m_age && time >= m_restsUntil);
 }
 
 QStringList Autosave::saveNow() {
@@ -104,6 +137,11 @@ QStringList Autosave::saveNow() {
             place != m_states.end() && place->second.copied != document->changes() && copy(*document))
             written << m_states[document].path;
     return written;
+}
+
+void Autosave::keepUnsaved() {
+    m_keepsUnsaved = true;
+    saveNow();
 }
 
 /// One that another run left, or makes, is kept as long as it would be offered.
@@ -147,6 +185,13 @@ Result Autosave::writeTo(Document& document, const QString& path, bool& isListed
 }
 
 bool Autosave::copy(Document& document) {
+    const qint64 before = processorTime();
+    const bool done = makeCopy(document);
+    m_restsUntil = now() + kRest * (processorTime() - before);
+    return done;
+}
+
+bool Autosave::makeCopy(Document& document) {
     State& state = m_states[&document];
     QString path = state.path.isEmpty() ? copyPath(document) : state.path;
     state.changedAt = -1;

@@ -17,10 +17,13 @@ class Autosave : public QObject {
 public:
     static Autosave& instance();
 
-    /// A copy is made when a drawing has had unsaved changes for this many minutes, and again after as many minutes of
-    /// further change. 0: never. The variable SAVETIME unless set.
+    /// A copy is made when a drawing has had unsaved changes for some seconds and copies have not lately taken more
+    /// than a hundredth of a processor, at the latest when it has had them for this many minutes; and again for further
+    /// changes. 0: never. The variable SAVETIME unless set.
     double interval() const { return m_minutes; }
     void setInterval(double minutes);
+    /// How old a change gets before it is copied, milliseconds.
+    void setAge(int age);
 
     /// Makes a copy of every drawing with changes that no file holds; beginSave is told of each. Returns the paths.
     QStringList saveNow();
@@ -43,6 +46,9 @@ public:
     /// From now on, as nobody sits here who could have willed it, the close of a recovered drawing that was never saved
     /// leaves its copy for the next run.
     void keepRecovered() { m_keepsRecovered = true; }
+    /// Copies what no copy holds; from now on, as the program ends without having asked, the close of a drawing with
+    /// unsaved changes leaves its copy for the next run.
+    void keepUnsaved();
 
 Q_SIGNALS:
     /// A copy could not be made; one line that says why. Told once for each drawing.
@@ -55,7 +61,9 @@ private:
     void watch(Document* document);
     void forget(Document* document);
     void look();
+    bool isDue(const Document& document, qint64 changedAt) const;
     bool copy(Document& document);
+    bool makeCopy(Document& document);
 
     struct State {
         quint64 copied = 0;    ///< Document::changes() when the copy was made or the drawing was saved
@@ -74,8 +82,11 @@ private:
     std::map<Document*, State> m_states;
     QTimer m_timer;
     double m_minutes = 0.0;
+    int m_age;
+    qint64 m_restsUntil = 0;     ///< of the clock: copies have had their share of the processor until then
     std::set<QString> m_offered; ///< copies
     bool m_keepsRecovered = false;
+    bool m_keepsUnsaved = false;
 };
 
 } // namespace merix::ap

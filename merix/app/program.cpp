@@ -3,6 +3,7 @@
 
 #include "merix/ap/autosave.h"
 #include "merix/ap/document_imp.h"
+#include "merix/app/end_signals.h"
 #include "merix/app/modules.h"
 #include "merix/app/options.h"
 #include "merix/app/picture_file.h"
@@ -90,6 +91,7 @@ int runWindow(const Options& options) {
     if (unattended)
         showConsole(context);
     startAutosave(context);
+    const EndSignals signals;
     ui::MainWindow window;
     window.setUnattended(unattended);
     QObject::connect(&ap::DocManager::instance(), &ap::DocManager::quitRequested, qApp, &QApplication::quit,
@@ -113,12 +115,14 @@ int runWindow(const Options& options) {
         QCoreApplication::quit();
     });
     QApplication::exec();
-    if (unattended)
+    if (EndSignals::received())
+        ap::Autosave::instance().keepUnsaved(); // what the commands that were cancelled left
+    else if (unattended)
         ap::Autosave::instance().keepRecovered();
     closeAll();
     while (ui::MainWindow::all().size() > 1)
         delete ui::MainWindow::all().back(); // those that drawings were moved to
-    return failure.isEmpty() ? 0 : complain(failure);
+    return failure.isEmpty() || EndSignals::received() ? 0 : complain(failure);
 }
 
 int runFiles(const Options& options) {
@@ -176,7 +180,9 @@ int runProgram(int argc, char** argv) {
         return std::fputs(qPrintable(text), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
     }
     char name[] = "merix";
-    return runQt(options, argc > 0 ? argv[0] : name);
+    const int status = runQt(options, argc > 0 ? argv[0] : name);
+    EndSignals::leave();
+    return status;
 }
 
 } // namespace merix::app

@@ -13,6 +13,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
@@ -22,6 +23,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <ctime>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -451,4 +453,80 @@ TEST_F(AutosaveTest, TheCopyOfAnotherProgramAtWorkIsLeftThoughTheDrawingHasOvert
     EXPECT_EQ(::waitpid(child, nullptr, 0), child);
     for (const int end : {ready[0], ready[1], done[0], done[1]})
         ::close(end);
+}
+
+namespace {
+
+/// What a copy takes of the processor, at least.
+struct Costly : MxEditorReactor {
+    explicit Costly(int milliseconds)
+        : cost(milliseconds) {
+        ed::Editor::instance().addReactor(this);
+    }
+    ~Costly() override { ed::Editor::instance().removeReactor(this); }
+    void beginSave(MxDbDatabase*, const wchar_t*) override {
+        ++copies;
+        last.start();
+        const auto spent = [] { return qint64(std::clock()) * 1000 / CLOCKS_PER_SEC; };
+        for (const qint64 until = spent() + cost + 1; spent() < until;) {
+        }
+    }
+    bool waitFor(int count) const {
+        for (const QDeadlineTimer bound(60'000); copies < count && !bound.hasExpired();)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return copies == count;
+    }
+    int cost, copies = 0;
+    QElapsedTimer last;
+};
+
+} // namespace
+
+TEST_F(AutosaveTest, AChangeIsCopiedWhenItIsOldEnoughHoweverLongTheInterval) {
+    Autosave::instance().setInterval(600);
+    Autosave::instance().setAge(20);
+    addLine(*document, 5);
+    waitFor(path + QStringLiteral(".ms$"));
+    Autosave::instance().setAge(4000);
+}
+
+TEST_F(AutosaveTest, CopiesTakeNoMoreThanAHundredthOfTheProcessor) {
+    Autosave::instance().setInterval(600);
+    Autosave::instance().setAge(1);
+    Costly costly(10);
+    addLine(*document, 5);
+    ASSERT_TRUE(costly.waitFor(1));
+    const QElapsedTimer first = costly.last;
+    addLine(*document, 6);
+    ASSERT_TRUE(costly.waitFor(2));
+    EXPECT_GE(first.msecsTo(costly.last), 100 * costly.cost);
+    Autosave::instance().setAge(4000);
+}
+
+TEST_F(AutosaveTest, CostlyCopiesAreMadeWhenTheIntervalIsOver) {
+    Autosave::instance().setInterval(0.0005); // 30 ms
+    Costly costly(500);
+    addLine(*document, 5);
+    ASSERT_TRUE(costly.waitFor(1));
+    const QElapsedTimer first = costly.last;
+    addLine(*document, 6);
+    ASSERT_TRUE(costly.waitFor(2));
+    EXPECT_LT(first.msecsTo(costly.last), 100 * costly.cost);
+}
+
+TEST_F(AutosaveTest, AnEndWithoutAQuestionLeavesCopiesOfWhatIsUnsavedOnly) {
+    addLine(*document, 5);
+    Document* saved = DocManager::instance().create();
+    const QString other = folder.filePath(QStringLiteral("other.dxf"));
+    addLine(*saved, 5);
+    ASSERT_EQ(Autosave::instance().saveNow().size(), 2);
+    ASSERT_TRUE(DocManager::instance().saveAs(*saved, other).ok);
+    addLine(*document, 6);
+    Autosave::instance().keepUnsaved();
+    DocManager::instance().closeAll();
+    EXPECT_TRUE(QFile::exists(path + QStringLiteral(".ms$")));
+    EXPECT_FALSE(QFile::exists(other + QStringLiteral(".ms$")));
+    const auto left = QDir(ap::recoveryFolder()).entryList({QStringLiteral("*.ms$")});
+    EXPECT_EQ(left, QStringList()) << "the copy from before the drawing had a name";
+    EXPECT_EQ(linesIn(*DocManager::instance().create()), 0);
 }
