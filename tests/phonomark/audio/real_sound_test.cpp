@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
@@ -156,6 +157,31 @@ TEST_P(RealEndOfSpeechTest, TheNoteHoldsAllThatWasTakenBeforeTheRelease) {
         whole += CountingMicrophone::missing(end, last) <= 0 ? 1 : 0;
     }
     EXPECT_GE(whole, kTakes - 2) << "but where the machine held up the worker for long";
+}
+
+TEST_P(RealEndOfSpeechTest, ShortTakesAndPlaybacksLeaveNoThreadAndNoOpenFile) {
+    const auto entries = [](const char* folder) {
+        return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+    };
+    std::ptrdiff_t threads = 0;
+    std::ptrdiff_t files = 0;
+    for (int i = 0; i < 22; ++i) {
+        if (i == 2) { // what is made once has been made
+            threads = entries("/proc/self/task");
+            files = entries("/proc/self/fd");
+        }
+        VkAudioRecorder recorder;
+        size = 0;
+        ASSERT_TRUE(pressAgainUntil([&] { return recorder.record(buffer.data(), &size); }));
+        while (std::atomic_ref<std::uint32_t>(size).load() < 2'000)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        recorder.stop();
+        VkAudioPlayer player;
+        ASSERT_TRUE(pressAgainUntil([&] { return player.play(buffer.data(), 2'000); }));
+        phonomark::workerCensus().wait();
+    }
+    EXPECT_EQ(entries("/proc/self/task"), threads);
+    EXPECT_EQ(entries("/proc/self/fd"), files);
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, RealEndOfSpeechTest, testing::Values("pulseaudio", "pipewire"),
