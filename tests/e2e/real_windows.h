@@ -120,10 +120,14 @@ struct RealScreen : testing::Test {
             << merix->process().readAllStandardError().constData()
             << "; windows: " << hand({"search", "--name", "."}).out.constData();
         hand({"windowactivate", "--sync", window});
-        moveTo(0, 0);
-        const auto corner = told({"getmouselocation", "--shell"}),
-                   size = told({"getwindowgeometry", "--shell", window});
-        frame = {corner["X"], corner["Y"], size["WIDTH"], size["HEIGHT"]};
+        // The program has heard where the window manager has put the window.
+        ASSERT_TRUE(comesTrue([&] {
+            moveTo(0, 0);
+            const auto corner = told({"getmouselocation", "--shell"}),
+                       size = told({"getwindowgeometry", "--shell", window});
+            frame = {corner["X"], corner["Y"], size["WIDTH"], size["HEIGHT"]};
+            return frame == witness.visible("MainWindow", title).place;
+        }));
         ASSERT_TRUE(frame.isValid());
     }
     void TearDown() override {

@@ -252,7 +252,7 @@ TEST_F(InMidPlay, ErasingTheNoteStopsIt) {
 struct StoppedServer : RealNotes {
     void SetUp() override {
         RealNotes::SetUp();
-        ASSERT_NO_FATAL_FAILURE(open({kEmpty, kRecorded}));
+        ASSERT_NO_FATAL_FAILURE(open({kEmpty, m_short}));
     }
     void TearDown() override {
         ::kill(serverProcess(), SIGCONT);
@@ -275,6 +275,7 @@ struct StoppedServer : RealNotes {
         EXPECT_TRUE(isSpoken(this->note("A1")));
         EXPECT_TRUE(isRunning());
     }
+    const Note m_short{"B1", 600, 300, 2};
     /// What a device is waited for, two seconds, and as much again for a busy machine, twice.
     static constexpr int kPatienceMs = 8'000;
 };
@@ -284,7 +285,7 @@ TEST_F(StoppedServer, DoesNotHoldUpAPressOnAnEmptyNote) {
 }
 
 TEST_F(StoppedServer, DoesNotHoldUpAPressOnARecordedNote) {
-    doesNotHoldUp(kRecorded);
+    doesNotHoldUp(m_short);
 }
 
 } // namespace

@@ -186,7 +186,8 @@ TEST_F(Takes, TheLongestTakeIsToldAndKept) {
     release();
     ASSERT_TRUE(save());
     EXPECT_TRUE(isSpoken(note("A1")));
-    EXPECT_GT(number(note("A1"), 93), 28.0 * kBytesPerSecond);
+    EXPECT_GE(value(note("A1"), 3).chopped(1).toDouble(), 30.0);
+    EXPECT_GT(number(note("A1"), 93), 20.0 * kBytesPerSecond); // on a busy machine the microphone loses some
     EXPECT_EQ(witness.timesSaid("30 s"), 1);
 }
 
