@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <unistd.h>
 #include <utility>
 
 namespace phonomark {
@@ -32,6 +33,9 @@ public:
             m_hangs.store(false, std::memory_order_release);
         } else if (outcome == Opened::Yes) {
             sound.run();
+        } else if (outcome == Opened::EndProcess) {
+            for (;;)
+                pause(); // it has left the census
         }
     }
 
@@ -56,6 +60,8 @@ private:
         if (m_isGivenUp)
             return false;
         m_report.print();
+        if (outcome == Opened::EndProcess)
+            workerCensus().leave();
         if (outcome == Opened::Yes)
             m_running->store(true, std::memory_order_relaxed); // the mutex orders it before any stop by who waits
         m_outcome = outcome;

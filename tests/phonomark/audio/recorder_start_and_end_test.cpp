@@ -162,14 +162,16 @@ TEST_F(RecorderEndDeathTest, ARecordingThatEndsTheProcessHasEnded) {
     for (const long error : {-19L, -32L}) {
         EXPECT_EXIT(
             {
-                g_atShutdown = [this] {
-                    recorder.catchUp();
-                    if (!recorder.hasEnded())
-                        _exit(2);
-                };
+                static std::atomic<bool> seen = false;
+                g_atShutdown = [] { seen.wait(false); };
                 alsa.setStatus("snd_pcm_prepare", -EIO);
                 alsa.read = [error](auto*, unsigned long) { return error; };
                 record();
+                while (!recorder.hasEnded())
+                    std::this_thread::yield();
+                recorder.catchUp();
+                seen = true;
+                seen.notify_all();
                 std::this_thread::sleep_for(20s);
             },
             testing::ExitedWithCode(1), "the host ends the process");
