@@ -16,12 +16,15 @@ class MxDbDirectChange {
 public:
     /// Takes the before-image. `name` is the step's, for the user. No effect for an id without a resident object.
     MxDbDirectChange(MxDbObjectId id, const wchar_t* name);
-    /// Does what mxdbMarkModified does, whether or not anything changed; records the step if something did.
+    /// If something changed: does what mxdbMarkModified does and records the step. Where nothing is recorded it is
+    /// taken to have changed.
     ~MxDbDirectChange();
     MxDbDirectChange(const MxDbDirectChange&) = delete;
     MxDbDirectChange& operator=(const MxDbDirectChange&) = delete;
 
 private:
+    void end();
+
     MxDbObjectId m_id;
     std::wstring m_name;
     std::string m_before;

@@ -25,6 +25,7 @@ public:
     void ShowWindow(int show);
     /// Runs OnDestroy, once, and hides the window. `delete` does not run it: what overrides it is gone by then.
     void DestroyWindow();
+    bool IsDestroyed() const { return m_destroyed; }
     /// Hands a message to the window at the next turn of the event loop. False, without effect, when there is no such
     /// window any more. Any thread.
     static bool PostMessage(CWnd* window, unsigned message, std::uintptr_t wParam = 0, std::intptr_t lParam = 0);

@@ -2,6 +2,7 @@
 #include "merix/app/end_signals.h"
 
 #include "merix/ap/autosave.h"
+#include "merix/ui/window_watch.h"
 
 #include <QSocketNotifier>
 
@@ -70,7 +71,8 @@ EndSignals::~EndSignals() {
 /// In whatever event loop is at work: a prompt's, a dialog's, a script's. Leaving them all cancels what waits there.
 void EndSignals::end() {
     m_notifier->setEnabled(false);
-    std::signal(SIGPIPE, SIG_IGN); // who read what the program says may have gone with its terminal
+    std::signal(SIGPIPE, SIG_IGN);          // who read what the program says may have gone with its terminal
+    ui::WindowWatch::instance().endPress(); // what is being said belongs to it
     ap::Autosave::instance().keepUnsaved();
     ap::DocManager::instance().requestQuit();
 }

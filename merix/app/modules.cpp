@@ -7,6 +7,7 @@
 #include "merix/ed/host_functions.h"
 #include "merix/rx/module_loader.h"
 #include "merix/rx/resource_modules.h"
+#include "merix/ui/window_watch.h"
 
 #include <QApplication>
 #include <QFile>
@@ -57,6 +58,7 @@ QString loadModule(const Options& options) {
         ed::HostFunctions::instance().dropModule(&module);
         dropWindows(module);
     });
+    loader.setBeforeUnload([] { ui::WindowWatch::instance().endPress(); });
     registerModuleCommands(ed::CommandStack::instance());
     if (options.noModule)
         return {};

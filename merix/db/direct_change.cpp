@@ -4,6 +4,8 @@
 #include "merix/db/access.h"
 #include "merix/db/database_imp.h"
 
+#include <cstdio>
+#include <exception>
 #include <utility>
 
 using namespace merix::db;
@@ -28,9 +30,20 @@ MxDbDirectChange::MxDbDirectChange(MxDbObjectId id, const wchar_t* name)
 }
 
 MxDbDirectChange::~MxDbDirectChange() {
+    try {
+        end();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "merix: a step of undo was not recorded: %s\n", error.what());
+    }
+}
+
+void MxDbDirectChange::end() {
     const MxDbObject* object = DatabaseImp::peek(m_id);
-    if (m_isRecorded && object && undoImage(*object) != m_before)
+    if (m_isRecorded && object) {
+        if (undoImage(*object) == m_before)
+            return;
         m_id.stub()->database->undo.recordApart(
             std::move(m_name), {UndoStep::Kind::kModify, m_id, std::move(m_before), object->isA()->name()});
+    }
     mxdbMarkModified(m_id);
 }

@@ -166,6 +166,8 @@ ModuleResult ModuleLoader::unload(Module& module) {
         return {&module, "module " + module.path + " cannot be unloaded while the host runs"};
     if (m_current == &module)
         return {&module, "module " + module.path + " is at work"};
+    if (m_beforeUnload)
+        m_beforeUnload();
     bool closed = false;
     inTurn([&] {
         forEachDrawing([&] { sendMessage(module, kUnloadDwgMsg); });

@@ -75,6 +75,9 @@ public:
     /// goes.
     using BeforeUnmap = std::function<void(const Module&)>;
     void setBeforeUnmap(BeforeUnmap beforeUnmap) { m_beforeUnmap = std::move(beforeUnmap); }
+    /// Called before a module that can be unloaded is sent its last messages: what the user is at ends as ever, and
+    /// what it changes can still be undone.
+    void setBeforeUnload(std::function<void()> beforeUnload) { m_beforeUnload = std::move(beforeUnload); }
 
     MxRxDynamicLinker& dynamicLinker();
 
@@ -98,6 +101,7 @@ private:
     ForEachDrawing m_forEachDrawing;
     AroundTurn m_aroundTurn;
     BeforeUnmap m_beforeUnmap;
+    std::function<void()> m_beforeUnload;
     std::unique_ptr<MxRxDynamicLinker> m_linker;
     Module* m_current = nullptr;
 };

@@ -140,6 +140,7 @@ void DrawingView::layoutChanged() {
     if (!m_document || m_space == space())
         return;
     m_hand.abandon();
+    m_hover.leaveNow();
     if (isActive())
         ed::Selection::instance().clear();
     m_layoutViews[{m_document, m_space}] = m_document->view();

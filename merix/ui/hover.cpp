@@ -61,6 +61,8 @@ bool Hover::isOnModulesWindow() const {
 void Hover::cover(QWidget& window) {
     if (m_cover != &window)
         m_timer.stop(); // the cursor did not go away
+    if (m_cover && m_cover != &window)
+        disconnect(m_cover, &QObject::destroyed, this, &Hover::uncover);
     m_cover = &window;
     connect(&window, &QObject::destroyed, this, &Hover::uncover, Qt::UniqueConnection);
 }

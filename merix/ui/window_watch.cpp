@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QWindow>
 
+#include <cstdio>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -31,6 +32,8 @@ void WindowWatch::add(CWnd& window) {
 }
 
 void WindowWatch::remove(CWnd& window) {
+    if (m_pressed == &window)
+        m_pressed = nullptr; // what would be told is gone
     const std::lock_guard lock(g_mutex);
     g_windows.erase(&window);
     if (g_windows.empty() && qApp)
@@ -64,6 +67,13 @@ bool WindowWatch::isPressLost(const QObject* object, const QEvent& event) const 
         return object == top || (top->windowHandle() && object == top->windowHandle());
     case QEvent::ApplicationStateChange:
         return QGuiApplication::applicationState() != Qt::ApplicationActive;
+    case QEvent::Show: { // a menu takes the mouse
+        const auto* popup = qobject_cast<const QWidget*>(object);
+        return popup && popup->windowType() == Qt::Popup;
+    }
+    case QEvent::MouseButtonRelease:
+        return object->isWidgetType() && object != m_pressed &&
+               static_cast<const QMouseEvent&>(event).button() == Qt::LeftButton;
     case QEvent::MouseMove: // the button went up where nobody told
         return !(static_cast<const QMouseEvent&>(event).buttons() & Qt::LeftButton);
     default:
@@ -81,18 +91,31 @@ bool WindowWatch::offerEscape() {
         if (!window || window->isWindow() || !window->isVisible())
             continue;
         tagMSG message{window.data(), kWindowKeyDown, kKeyEscape, 0};
-        if (window->PreTranslateMessage(&message))
-            return true;
+        try {
+            if (window->PreTranslateMessage(&message))
+                return true;
+        } catch (...) {
+            std::fputs("merix: a window of a module failed at a key\n", stderr);
+        }
     }
     return false;
 }
 
-bool WindowWatch::eventFilter(QObject* object, QEvent* event) {
-    if (m_pressed && isPressLost(object, *event)) {
-        CWnd* const window = m_pressed;
-        m_pressed = nullptr;
+void WindowWatch::endPress() {
+    CWnd* const window = m_pressed;
+    m_pressed = nullptr;
+    if (!window)
+        return;
+    try {
         window->OnCaptureChanged();
+    } catch (...) {
+        std::fputs("merix: a window of a module failed at the end of a press\n", stderr);
     }
+}
+
+bool WindowWatch::eventFilter(QObject* object, QEvent* event) {
+    if (m_pressed && isPressLost(object, *event))
+        endPress();
     return event->type() == QEvent::KeyPress && object->isWidgetType() &&
            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && !QApplication::activeModalWidget() &&
            offerEscape();

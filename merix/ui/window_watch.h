@@ -23,6 +23,8 @@ public:
     /// The left button went down in the window; it is up again.
     void pressed(CWnd& window);
     void released();
+    /// The press under way, if there is one, ends here for its window: its drawing is about to be put away.
+    void endPress();
 
     bool eventFilter(QObject* object, QEvent* event) override;
 

@@ -29,7 +29,7 @@ constexpr int kCommandFlags = 1;
 /// What an unload answers that could not take everything back.
 constexpr int kUnloadFailed = 1;
 /// How long an unload waits for the sound device. Stopping takes a period of sound, some milliseconds.
-constexpr std::chrono::seconds kDevicePatience{5};
+constexpr std::chrono::milliseconds kDevicePatience{1900};
 
 MxEdCommandStack& commandStack() {
     MxRxObject* object = mxrxSysRegistry()->at(L"MERIX_REGISTERED_COMMANDS");

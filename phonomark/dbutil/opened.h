@@ -33,6 +33,9 @@ public:
     /// How the opening went.
     Mx::ErrorStatus status() const { return m_status; }
 
+    /// Leaves it open: whoever takes it closes it.
+    T* release() { return std::exchange(m_object, nullptr); }
+
     /// Closes it before its time. eNotOpen when empty.
     Mx::ErrorStatus close() {
         T* const object = std::exchange(m_object, nullptr);

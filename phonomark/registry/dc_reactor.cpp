@@ -85,8 +85,7 @@ void PhonomarkDcReactor::documentToBeDestroyed(MxApDocument* document) try {
         g_taguidlg->OnRecStop();
         removeTagWindow();
     }
-    if (g_taguidlg)
-        g_taguidlg->forgetDocument(document);
+    forgetDocumentInTagWindow(document);
     if (PhonomarkManager* manager = livePhManager())
         manager->RemovePhonomark(document);
 } catch (...) {

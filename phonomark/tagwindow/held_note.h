@@ -3,27 +3,33 @@
 
 #include "host/db/object_id.h"
 
+#include <memory>
+
 class MxApDocument;
 class MxDbPhonomark;
 
-/// A note that is held by pointer from one event to the next. Its drawing may be closed meanwhile. Main thread only.
+/// A note that is held by pointer from one event to the next. Its drawing may be closed meanwhile: the module is told
+/// of that and has every such note forgotten. Copies are of the same note. Main thread only, but for the destructor.
 class HeldNote {
 public:
     HeldNote() = default;
     /// Null: no note.
     explicit HeldNote(MxDbPhonomark* note);
 
-    /// As it was given, to be compared only.
-    MxDbPhonomark* pointer() const { return m_note; }
-    MxDbObjectId id() const { return m_id; }
+    /// The drawing is about to go: none of its notes is held any more.
+    static void forgetDocument(const MxApDocument* document);
+
+    MxDbObjectId id() const { return m_held ? m_held->id : MxDbObjectId(); }
     /// The note, erased or not; null when its drawing has gone.
-    MxDbPhonomark* present() const;
+    MxDbPhonomark* present() const { return m_held ? m_held->note : nullptr; }
     /// The note while it can be worked on: not erased, its drawing open.
     MxDbPhonomark* live() const;
-    bool isOf(const MxApDocument* document) const { return m_document && m_document == document; }
 
 private:
-    MxDbPhonomark* m_note = nullptr;
-    MxDbObjectId m_id;
-    MxApDocument* m_document = nullptr; ///< null for a note outside of any drawing
+    struct Held {
+        MxDbPhonomark* note = nullptr;
+        MxDbObjectId id = {};
+        const MxApDocument* document = nullptr; ///< null for a note outside of any drawing
+    };
+    std::shared_ptr<Held> m_held;
 };

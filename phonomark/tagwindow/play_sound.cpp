@@ -4,6 +4,7 @@
 #include "host/db/filer.h"
 #include "host/ui/dialog.h"
 #include "phonomark/audio/wave_out.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/opened.h"
 #include "phonomark/entity/phonomark.h"
@@ -13,6 +14,7 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -88,12 +90,14 @@ void* PlaySndFunc(void* note) {
     if (!note)
         return nullptr;
     Playing playing;
-    onMainThread([&] { begin(playing, static_cast<MxDbPhonomark*>(note)); });
+    onMainThread(
+        [&] { guarded("beginning to play a note", [&] { begin(playing, static_cast<MxDbPhonomark*>(note)); }); });
     if (!playing.begun)
         return nullptr;
     playSnd(playing.copy.bytes(), playing.copy.size);
     QThread::msleep(static_cast<unsigned long>(std::max(playing.durationMs, 0)));
-    onMainThread([&] { end(playing); });
+    mxutDelBuffer(playing.copy.buffer);
+    onMainThread([&] { guarded("ending to play a note", [&] { end(playing); }); });
     return nullptr;
 }
 

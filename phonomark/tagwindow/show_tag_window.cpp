@@ -23,6 +23,8 @@ void place(CPoint point) {
 void ShowTagWindow(CPoint point, MxDbPhonomark* note) {
     if (MxDbPhonomark::IsDraging())
         return;
+    if (g_taguidlg && g_taguidlg->IsDestroyed())
+        removeTagWindow();
     if (g_taguidlg) {
         g_taguidlg->move(point.x, point.y);
         g_taguidlg->SetMxDbOwner(note);
@@ -71,6 +73,12 @@ void stopRecordingInTagWindow() {
 void keepTakeOfTagWindow(const MxDbDatabase* database) {
     if (g_taguidlg)
         g_taguidlg->keepTakeSoFar(database);
+}
+
+void forgetDocumentInTagWindow(const MxApDocument* document) {
+    HeldNote::forgetDocument(document);
+    if (g_taguidlg && !g_taguidlg->GetMxDbOwner())
+        g_taguidlg->SetMxDbOwner(nullptr); // what it shows was that note's
 }
 
 void noteChangedUnderTagWindow(MxDbObjectId id) {

@@ -6,6 +6,7 @@
 #include "host/ui/dialog.h"
 
 class CPhonomarkTagUIDlg;
+class MxApDocument;
 class MxDbDatabase;
 class MxDbPhonomark;
 
@@ -34,6 +35,9 @@ void stopRecordingInTagWindow();
 /// The drawing is about to be written: a recording under way for one of its notes is put into the note as far as it
 /// has come, and goes on.
 void keepTakeOfTagWindow(const MxDbDatabase* database);
+
+/// The document is about to go: none of its notes is the window's any more, nor anybody's who holds one.
+void forgetDocumentInTagWindow(const MxApDocument* document);
 
 /// A note was changed by undo, redo or somebody else; it was erased. The window follows if it is its own.
 void noteChangedUnderTagWindow(MxDbObjectId id);

@@ -3,6 +3,7 @@
 #include "phonomark/tagwindow/tag_window.h"
 
 #include "host/ui/windows.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
@@ -47,8 +48,10 @@ CPhonomarkTagUIDlg::CPhonomarkTagUIDlg(QWidget* parent)
 CPhonomarkTagUIDlg::~CPhonomarkTagUIDlg() {
     if (g_taguidlg == this)
         g_taguidlg = nullptr;
-    if (isTaking())
-        OnRecStop();
+    guarded("keeping the take", [this] {
+        if (isTaking())
+            OnRecStop();
+    });
     if (m_player && m_playing)
         m_player->stop();
 }
@@ -102,7 +105,7 @@ void CPhonomarkTagUIDlg::LoadResString() {
 }
 
 void CPhonomarkTagUIDlg::SetMxDbOwner(MxDbPhonomark* note) {
-    if (isTaking() && note != m_take->note().pointer())
+    if (isTaking() && note != m_take->note().present())
         OnRecStop();
     m_owner = HeldNote(note);
     SetRecordStatus(note && note->isRecord());
@@ -121,8 +124,8 @@ void CPhonomarkTagUIDlg::showOwnerImage() {
 }
 
 void CPhonomarkTagUIDlg::updateToolTip() {
-    std::wstring text = m_emptyTip;
-    if (const MxDbPhonomark* note = m_hasRecord ? m_owner.present() : nullptr) {
+    std::wstring text = m_overDeleteBox ? m_deleteTip : m_emptyTip;
+    if (const MxDbPhonomark* note = m_hasRecord && !m_overDeleteBox ? m_owner.present() : nullptr) {
         CStdStr<wchar_t> speaker, date;
         note->getSpokesman(speaker);
         note->getDatatime(date);
@@ -131,15 +134,13 @@ void CPhonomarkTagUIDlg::updateToolTip() {
     setToolTip(toQString(text));
 }
 
-void CPhonomarkTagUIDlg::forgetDocument(const MxApDocument* document) {
-    if (m_owner.isOf(document))
-        SetMxDbOwner(nullptr);
-}
-
 void CPhonomarkTagUIDlg::noteChanged(MxDbObjectId id) {
-    const MxDbPhonomark* note = m_owner.id() == id && !isTaking() && !m_playing ? m_owner.live() : nullptr;
-    if (note)
-        SetRecordStatus(note->isRecord());
+    const MxDbPhonomark* note = m_owner.id() == id && !isTaking() ? m_owner.live() : nullptr;
+    if (!note)
+        return;
+    if (m_playing && !note->isRecord())
+        stopPlaying(); // what is heard was taken back
+    SetRecordStatus(note->isRecord());
 }
 
 void CPhonomarkTagUIDlg::noteErased(MxDbObjectId id) {
@@ -225,8 +226,10 @@ void CPhonomarkTagUIDlg::OnLButtonUp() {
 }
 
 void CPhonomarkTagUIDlg::OnCaptureChanged() {
-    if (isTaking())
-        OnLButtonUp();
+    guarded("the end of a press", [this] {
+        if (m_recordTimer != -1)
+            OnLButtonUp();
+    });
 }
 
 void CPhonomarkTagUIDlg::OnMouseLeave() {

@@ -28,7 +28,7 @@ public:
     /// The note that the window serves from now on; its record flag decides what a press does. A recording under way
     /// for another one ends.
     void SetMxDbOwner(MxDbPhonomark* note);
-    MxDbPhonomark* GetMxDbOwner() const { return m_owner.pointer(); }
+    MxDbPhonomark* GetMxDbOwner() const { return m_owner.present(); }
     void SetRecordStatus(bool hasRecord);
     bool GetRecordStatus() const { return m_hasRecord; }
     bool IsPlaying() const { return m_playing; }
@@ -71,8 +71,6 @@ public:
     void markDeactivated() { m_deactivated = true; }
     /// The window is being torn down.
     void markAbandoned() { m_abandoned = true; }
-    /// The document is about to go, and the window's note with it if it belongs there.
-    void forgetDocument(const MxApDocument* document);
     /// A drawing is about to be written: what has been said so far for one of its notes is put into the note.
     void keepTakeSoFar(const MxDbDatabase* database);
     /// Undo, redo or somebody else changed the note `id`, which may be the window's.

@@ -6,7 +6,6 @@
 #include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/documents.h"
 #include "phonomark/dbutil/opened.h"
-#include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/entity/phonomark.h"
 #include "phonomark/registry/phonomark_manager.h"
 #include "phonomark/tagwindow/delete_box.h"
@@ -34,7 +33,7 @@ bool CPhonomarkTagUIDlg::event(QEvent* event) try { return CDialog::event(event)
     return failed("an event of the tag window", true);
 }
 
-bool CPhonomarkTagUIDlg::PreTranslateMessage(tagMSG* message) {
+bool CPhonomarkTagUIDlg::PreTranslateMessage(tagMSG* message) try {
     if (message->message == kWindowKeyDown && message->wParam == kKeyEscape && m_playing) {
         stopPlaying();
         return true;
@@ -56,6 +55,8 @@ bool CPhonomarkTagUIDlg::PreTranslateMessage(tagMSG* message) {
     default:
         return CDialog::PreTranslateMessage(message);
     }
+} catch (...) {
+    return failed("a message of the tag window", true);
 }
 
 void CPhonomarkTagUIDlg::pointAt(const tagMSG& message) {
@@ -65,10 +66,7 @@ void CPhonomarkTagUIDlg::pointAt(const tagMSG& message) {
     const bool over = isInDeleteBox(at.x(), at.y());
     if (std::exchange(m_overDeleteBox, over) != over)
         update();
-    if (over)
-        setToolTip(toQString(m_deleteTip));
-    else
-        updateToolTip();
+    updateToolTip();
 }
 
 void CPhonomarkTagUIDlg::OnTimer(unsigned id) {
@@ -88,8 +86,11 @@ void CPhonomarkTagUIDlg::OnTimer(unsigned id) {
 
 void CPhonomarkTagUIDlg::OnDestroy() {
     CDialog::OnDestroy();
-    if (isTaking())
-        OnRecStop();
+    CDialog::OnClose();
+    guarded("keeping the take", [this] {
+        if (isTaking())
+            OnRecStop();
+    });
     const auto waitForEnd = [this] {
         m_stopRequested = true;
         m_endRequested = true;

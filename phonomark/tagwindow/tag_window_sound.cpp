@@ -6,6 +6,7 @@
 #include "host/rx/string_table.h"
 #include "host/ui/windows.h"
 #include "phonomark/dbutil/documents.h"
+#include "phonomark/dbutil/opened.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
 
@@ -50,9 +51,9 @@ void CPhonomarkTagUIDlg::OnRecStart() {
     MxDbPhonomark* note = m_owner.live();
     if (!note)
         return;
-    if (m_take) {
+    if (m_take && !isTaking()) {
         mxutPrintfById(kNoSecondTakeText);
-    } else {
+    } else if (!m_take) {
         m_take.emplace(*note, captureBuffer(), m_clock);
         if (!m_take->start()) {
             mxutPrintText(m_unavailableText.c_str());
@@ -68,7 +69,7 @@ void CPhonomarkTagUIDlg::OnRecStart() {
 
 void CPhonomarkTagUIDlg::recordTick() {
     if (!m_take || m_take->note().id() != m_owner.id())
-        return; // a press that captures nothing has no time to show
+        return; // of another note there is no time to show
     m_take->showTime();
     mxuiRepairView();
     if (m_take->hasReachedLimit() && m_take->sayOnceLimit())
@@ -89,7 +90,7 @@ void CPhonomarkTagUIDlg::OnRecStop() {
     CStdStr<wchar_t> speaker;
     note->getSpokesman(speaker);
     mxutUpdateStringTable(speaker.c_str());
-    if (note != m_owner.pointer())
+    if (note != m_owner.present())
         return;
     SetRecordStatus(true);
     showOwnerImage(); // in the place of an animation, too
@@ -98,7 +99,7 @@ void CPhonomarkTagUIDlg::OnRecStop() {
 void CPhonomarkTagUIDlg::keepTakeSoFar(const MxDbDatabase* database) {
     const MxDbPhonomark* note = isTaking() ? m_take->note().present() : nullptr;
     if (note && note->database() == database)
-        m_take->keepSoFar();
+        m_take->keepSoFar(m_waveFormat);
 }
 
 void CPhonomarkTagUIDlg::OnPlayStart() {
@@ -125,14 +126,16 @@ void CPhonomarkTagUIDlg::OnPlayStart() {
 }
 
 bool CPhonomarkTagUIDlg::takeSound() {
-    MxDbPhonomark* note = nullptr;
-    if (!m_owner.live() || mxdbOpenObject(note, m_owner.id(), Mx::kForRead) != Mx::eOk) {
+    Opened<MxDbPhonomark> note(m_owner.live() ? m_owner.id() : MxDbObjectId(), Mx::kForRead);
+    if (!note) {
         m_buffer = CaptureBuffer::make(1); // nothing to hear
         return true;
     }
     m_buffer.reset();
-    if (!note->getAudioData())
+    if (!note->getAudioData()) {
+        note.release();
         return false;
+    }
     const unsigned size = note->getAudioDataSize();
     m_buffer = CaptureBuffer::make(std::size_t(size) + 1);
     if (m_buffer) {
@@ -144,7 +147,6 @@ bool CPhonomarkTagUIDlg::takeSound() {
     note->getDuration(duration);
     m_playDurationMs = playDurationMs(duration);
     note->doUnhighlight();
-    note->close();
     return true;
 }
 

@@ -3,30 +3,17 @@
 
 #include "host/db/direct_change.h"
 #include "host/ed/input.h"
+#include "phonomark/dbutil/border.h"
 #include "phonomark/dbutil/text_conversion.h"
 #include "phonomark/dbutil/texts.h"
 #include "phonomark/entity/phonomark.h"
 
-#include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr unsigned kRecordNoteText = 295;
-
-/// Puts the first bytes of the buffer, as many as it counts, into the note; false when there is no memory.
-bool putSound(MxDbPhonomark& note, CaptureBuffer& buffer) {
-    const std::uint32_t size = buffer.count();
-    auto* copy = static_cast<unsigned char*>(std::calloc(std::size_t(size) + 1, 1));
-    if (!copy)
-        return false;
-    if (size > 0)
-        std::memcpy(copy, buffer.bytes(), size);
-    note.delAudioData();
-    note.setAudioData(copy);
-    note.setAudioDataSize(size);
-    return true;
-}
 
 } // namespace
 
@@ -34,9 +21,9 @@ VoiceTake::VoiceTake(MxDbPhonomark& note, std::shared_ptr<CaptureBuffer> buffer,
     : m_note(&note)
     , m_buffer(std::move(buffer))
     , m_recorder(clock ? VkAudioRecorder(clock) : VkAudioRecorder()) {
-    CStdStr<wchar_t> duration;
-    note.getDuration(duration);
-    m_durationBefore = duration;
+    m_filedIn = note.timesFiledIn() - 1;
+    follow(note);
+    m_isOverAnother = false; // who begins a recording means it
 }
 
 bool VoiceTake::start() {
@@ -45,27 +32,42 @@ bool VoiceTake::start() {
 }
 
 void VoiceTake::stop() {
-    if (std::exchange(m_running, false))
+    if (m_running) {
         m_recorder.catchUp(); // the last word is still on its way
+        m_elapsedMs = m_recorder.getTimeMs();
+        m_duration = duration();
+        m_running = false;
+    }
     m_recorder.stop();
 }
 
 std::wstring VoiceTake::duration() const {
-    return toWide(m_recorder.getTime()) + L'"';
+    return m_running || m_duration.empty() ? toWide(m_recorder.getTime()) + L'"' : m_duration;
 }
 
 bool VoiceTake::hasReachedLimit() const {
     return m_running && m_recorder.hasEnded();
 }
 
-bool VoiceTake::isLatest() const {
-    const MxDbPhonomark* note = m_note.present();
-    return note && (!m_finished || note->timesFiledIn() == m_filedIn);
+/// Undo or redo may have come over the note.
+void VoiceTake::follow(const MxDbPhonomark& note) {
+    if (note.timesFiledIn() == m_filedIn)
+        return;
+    m_filedIn = note.timesFiledIn();
+    CStdStr<wchar_t> duration;
+    note.getDuration(duration);
+    m_durationBefore = duration;
+    note.getWaveFormat(m_formatBefore);
+    m_isOverAnother = note.isRecord();
+    m_keptSoFar = false;
 }
 
 void VoiceTake::showTime() {
     MxDbPhonomark* note = m_note.present();
-    if (!note || !isLatest())
+    if (!note || (m_finished && note->timesFiledIn() != m_filedIn))
+        return;
+    follow(*note);
+    if (m_isOverAnother)
         return;
     note->setDuration(duration());
     note->ShowRegion(false);
@@ -73,10 +75,33 @@ void VoiceTake::showTime() {
     mxdbMarkModified(note->objectId());
 }
 
-void VoiceTake::keepSoFar() {
+/// The first bytes of the buffer, as many as it counts; null when there is no memory for them.
+VoiceTake::Bytes VoiceTake::copySound(std::uint32_t& size) const {
+    size = m_buffer ? m_buffer->count() : 0;
+    Bytes copy(static_cast<unsigned char*>(std::calloc(std::size_t(size) + 1, 1)));
+    if (copy && size > 0)
+        std::memcpy(copy.get(), m_buffer->bytes(), size);
+    return copy;
+}
+
+void VoiceTake::putSound(MxDbPhonomark& note, Bytes sound, std::uint32_t size) {
+    note.delAudioData();
+    note.setAudioData(sound.get());
+    [[maybe_unused]] const unsigned char* const given = sound.release();
+    note.setAudioDataSize(size);
+}
+
+void VoiceTake::keepSoFar(const tWAVEFORMATEX& format) {
     MxDbPhonomark* note = m_note.present();
-    if (!m_running || !note || !isKept() || !putSound(*note, *m_buffer))
+    if (!m_running || !note || !isKept())
         return;
+    follow(*note);
+    std::uint32_t size = 0;
+    Bytes sound = m_isOverAnother ? nullptr : copySound(size);
+    if (!sound)
+        return;
+    putSound(*note, std::move(sound), size);
+    note->setWaveFormat(&format);
     note->setDuration(duration());
     m_keptSoFar = true;
     mxdbMarkModified(note->objectId());
@@ -84,8 +109,11 @@ void VoiceTake::keepSoFar() {
 
 /// The step of undo goes back to the note as it was before the take.
 void VoiceTake::putBack(MxDbPhonomark& note) const {
-    if (m_keptSoFar)
+    if (m_keptSoFar) {
         empty(note);
+        note.setAudioDataSize(0);
+        note.setWaveFormat(&m_formatBefore);
+    }
     note.setDuration(m_durationBefore);
 }
 
@@ -96,31 +124,47 @@ void VoiceTake::empty(MxDbPhonomark& note) {
     note.delAudioData();
 }
 
+/// A repeated save would change nothing.
+bool VoiceTake::isFinishedAs(const MxDbPhonomark& note) const {
+    CStdStr<wchar_t> duration;
+    note.getDuration(duration);
+    if (!isKept())
+        return !note.isRecord() && !note.getAudioData() && duration == kEmptyDuration;
+    tWAVEFORMATEX format;
+    note.getWaveFormat(format);
+    return note.isRecord() && note.getAudioData() && note.getAudioDataSize() == m_buffer->count() &&
+           std::memcmp(note.getAudioData(), m_buffer->bytes(), m_buffer->count()) == 0 && duration == m_duration &&
+           std::memcmp(&format, &m_format, sizeof format) == 0;
+}
+
 bool VoiceTake::finish(const tWAVEFORMATEX& format) {
     MxDbPhonomark* note = m_note.present();
-    if (!note || !isLatest())
+    if (!note || (m_finished && note->timesFiledIn() != m_filedIn))
         return false;
+    follow(*note);
+    if (m_finished ? isFinishedAs(*note) : m_isOverAnother && !isKept())
+        return m_finished;
+    std::uint32_t size = 0;
+    Bytes sound = isKept() ? copySound(size) : nullptr;
+    if (isKept() && !sound)
+        return failed("keeping a recording, for want of memory", false); // a later release tries again
     if (!m_finished) {
         m_format = format;
         putBack(*note);
     }
     {
         const MxDbDirectChange step(note->objectId(), LocalStr(kRecordNoteText, L"Record note").c_str());
-        if (isKept())
-            keep(*note, m_format);
-        else
+        if (isKept()) {
+            putSound(*note, std::move(sound), size);
+            note->setWaveFormat(&m_format);
+            note->setDuration(duration());
+            mxdbEntUpd(note->objectId());
+            note->setRecord(true);
+        } else {
             empty(*note);
+        }
     }
     m_finished = true;
     m_filedIn = note->timesFiledIn();
     return true;
-}
-
-void VoiceTake::keep(MxDbPhonomark& note, const tWAVEFORMATEX& format) {
-    if (!m_buffer || !putSound(note, *m_buffer))
-        return;
-    note.setWaveFormat(&format);
-    note.setDuration(duration());
-    mxdbEntUpd(note.objectId());
-    note.setRecord(true);
 }

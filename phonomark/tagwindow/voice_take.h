@@ -6,6 +6,7 @@
 #include "phonomark/tagwindow/capture_buffer.h"
 #include "phonomark/tagwindow/held_note.h"
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -29,7 +30,8 @@ public:
     void stop();
 
     const HeldNote& note() const { return m_note; }
-    std::uint32_t elapsedMs() const { return m_recorder.getTimeMs(); }
+    /// Of what is recorded; from stop() on it stays what it was then.
+    std::uint32_t elapsedMs() const { return m_running ? m_recorder.getTimeMs() : m_elapsedMs; }
     /// Seconds and the inch sign: "2.4".
     std::wstring duration() const;
     bool isKept() const { return elapsedMs() > kShortestMs; }
@@ -37,16 +39,14 @@ public:
     bool isTooShort() const { return elapsedMs() > kAccidentalMs && elapsedMs() < kShortestMs; }
     /// No more is captured: the longest time, or the most bytes, have been reached.
     bool hasReachedLimit() const;
-    /// The note is in the state that this take left it in, but for what the window did: no undo, no redo has come over
-    /// it. A save would take that back.
-    bool isLatest() const;
-
     /// Shows the growing duration in the note.
     void showTime();
     /// Puts what has been said so far into the note, for a file that is about to be written; the take goes on.
-    void keepSoFar();
+    void keepSoFar(const tWAVEFORMATEX& format);
     /// The end of the take: puts it into its note, or empties the note of a take that was too short, as one step of
-    /// undo. Called again it does the same again, unless the note is another by undo. False: nothing was done.
+    /// undo. Called again it does the same again, unless undo or redo has come over the note. A recording that they
+    /// brought back in mid-take is left alone by a take that is too short, and stays to be had by undo from a longer
+    /// one. False: nothing was done.
     bool finish(const tWAVEFORMATEX& format);
 
     /// True once: for lines that are said once a take.
@@ -54,19 +54,31 @@ public:
     bool sayOnceLimit() { return !std::exchange(m_saidLimit, true); }
 
 private:
-    void keep(MxDbPhonomark& note, const tWAVEFORMATEX& format);
+    bool isFinishedAs(const MxDbPhonomark& note) const;
+    void follow(const MxDbPhonomark& note);
+    struct Free {
+        void operator()(unsigned char* block) const { std::free(block); }
+    };
+    using Bytes = std::unique_ptr<unsigned char, Free>;
+    Bytes copySound(std::uint32_t& size) const;
+    static void putSound(MxDbPhonomark& note, Bytes sound, std::uint32_t size);
     void putBack(MxDbPhonomark& note) const;
     static void empty(MxDbPhonomark& note);
 
     HeldNote m_note;
     std::shared_ptr<CaptureBuffer> m_buffer;
     VkAudioRecorder m_recorder;
-    std::wstring m_durationBefore;
+    std::uint32_t m_elapsedMs = 0;
+    std::wstring m_duration;
     tWAVEFORMATEX m_format;
     bool m_running = false;
-    bool m_finished = false;  ///< finish() has been called
-    bool m_keptSoFar = false; ///< the note holds what keepSoFar() put there
-    unsigned m_filedIn = 0;   ///< MxDbPhonomark::timesFiledIn() at the last finish()
+    bool m_finished = false; ///< finish() has been called
+    // The note without this take, as it was at its start, or as undo or redo left it since.
+    std::wstring m_durationBefore;
+    tWAVEFORMATEX m_formatBefore;
+    bool m_isOverAnother = false; ///< they brought a recording back
+    bool m_keptSoFar = false;     ///< the note holds what keepSoFar() put there
+    unsigned m_filedIn = 0;       ///< MxDbPhonomark::timesFiledIn() by then, or at the last finish()
     bool m_saidTooShort = false;
     bool m_saidLimit = false;
 };

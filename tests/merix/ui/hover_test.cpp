@@ -10,8 +10,7 @@
 #include <QStatusBar>
 #include <QWindow>
 
-// The doors that Qt's own test library feeds the mouse through; exported, without a header of their own.
-Q_WIDGETS_EXPORT bool qt_sendSpontaneousEvent(QObject* receiver, QEvent* event);
+// The door that Qt's own test library feeds the mouse through; exported, without a header of its own.
 Q_GUI_EXPORT void qt_handleMouseEvent(QWindow* window, const QPointF& local, const QPointF& global,
                                       Qt::MouseButtons state, Qt::MouseButton button, QEvent::Type type,
                                       Qt::KeyboardModifiers modifiers, int timestamp);
@@ -77,7 +76,7 @@ protected:
     }
     void wheelOn(QWidget& widget, const QPoint& at, Qt::MouseButtons held = Qt::NoButton, const QPoint& pixels = {}) {
         QWheelEvent event(at, widget.mapToGlobal(at), pixels, {0, 120}, held, Qt::NoModifier, Qt::NoScrollPhase, false);
-        qt_sendSpontaneousEvent(&widget, &event);
+        QCoreApplication::sendEvent(&widget, &event);
     }
     bool isCoordinateShown(const QPoint& at) {
         const MxGePoint3d world = view().toWorld(at);

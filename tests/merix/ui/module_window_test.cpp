@@ -5,6 +5,7 @@
 
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMouseEvent>
 
@@ -170,6 +171,19 @@ TEST_F(ModuleWindowTest, APressWhoseReleaseWillNotComeIsTold) {
         QCoreApplication::processEvents();
         EXPECT_EQ(lost(), 1) << "a question is open";
     }
+
+    press();
+    {
+        QMenu menu;
+        menu.addAction(QStringLiteral("one"));
+        menu.popup(QPoint(0, 0));
+        EXPECT_EQ(lost(), 1) << "a menu takes the mouse";
+        menu.close();
+    }
+
+    press();
+    send(QEvent::MouseButtonRelease, {5, 6}, Qt::LeftButton, Qt::NoButton, {}, &view());
+    EXPECT_EQ(lost(), 1) << "another one got the release";
 
     press();
     send(QEvent::MouseMove, {9, 9}, Qt::NoButton, Qt::LeftButton);

@@ -198,6 +198,7 @@ TEST_F(TagMessagesTest, DestroyingTheWindowWaitsForItsWorkersAndKeepsTheTake) {
     removeTagWindow();
     openWindow(id).DestroyWindow();
     EXPECT_TRUE(takeSlept().empty()) << "nothing was under way";
+    EXPECT_FALSE(openWindow(id).IsDestroyed()) << "the next one is new";
 }
 
 TEST_F(TagMessagesTest, AWindowThatHasRecordedAndPlaysWaitsForBoth) {

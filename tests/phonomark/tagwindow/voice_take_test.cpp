@@ -9,6 +9,8 @@
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
+#include <cstring>
+
 using merix::ap::DocManager;
 using ::testing::HasSubstr;
 
@@ -201,6 +203,114 @@ TEST_F(VoiceTakeTest, AnUndoInMidTakeLeavesTheTakeAStepThatGoesBackToWhatWasTher
     undo();
     expectEmpty(a);
     EXPECT_EQ(note(a).position().x, 0);
+}
+
+TEST_F(VoiceTakeTest, ARecordingThatRedoBringsBackInMidTakeIsNotLost) {
+    const MxDbObjectId a = addNote();
+    pressFor(openWindow(a), 2000);
+    removeTagWindow();
+    undo();
+    const std::string first = [&] {
+        redo();
+        std::string image = filed(a);
+        undo();
+        return image;
+    }();
+    CPhonomarkTagUIDlg& slip = openWindow(a);
+    hold(slip, 600);
+    tick(slip, slip.recordTimer());
+    redo();
+    tick(slip, slip.recordTimer());
+    letGo(slip);
+    release();
+    EXPECT_EQ(filed(a), first) << "a take that is too short empties nothing";
+    phonomark::workerCensus().wait();
+    removeTagWindow();
+    undo();
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    hold(window, 3000);
+    redo();
+    tick(window, window.recordTimer());
+    letGo(window);
+    release();
+    expectTake(a, L"3.0\"");
+    undo();
+    EXPECT_EQ(filed(a), first) << "to be had by undo";
+}
+
+TEST_F(VoiceTakeTest, AWindowWhoseDeviceFailedDoesNotEmptyTheNoteLater) {
+    const MxDbObjectId a = addNote(), b = addRecorded(L"5.5\"");
+    pressFor(openWindow(a), 2000);
+    removeTagWindow();
+    undo();
+    alsa.setStatus("snd_pcm_open", -19);
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    press(window);
+    letGo(window);
+    redo();
+    openWindow(b);
+    window.OnRecStop();
+    expectTake(a, L"2.0\"");
+}
+
+TEST_F(VoiceTakeTest, LeavingTheWindowLeavesASavedDrawingUnchanged) {
+    const MxDbObjectId a = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    pressFor(window, 2000);
+    ASSERT_TRUE(DocManager::instance().saveAs(document(), folder.filePath(QStringLiteral("note.dxf"))).ok);
+    const quint64 changes = document().changes();
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&window, &leave);
+    EXPECT_FALSE(document().isChanged());
+    EXPECT_EQ(document().changes(), changes);
+    removeTagWindow();
+    CPhonomarkTagUIDlg& second = openWindow(addNote());
+    pressFor(second, 600);
+    ASSERT_TRUE(DocManager::instance().save(document()).ok);
+    QCoreApplication::sendEvent(&second, &leave);
+    EXPECT_FALSE(document().isChanged());
+}
+
+TEST_F(VoiceTakeTest, ASaveInMidTakeHoldsTheFormatAndTheStepGoesBackToTheOneBefore) {
+    const MxDbObjectId a = addNote();
+    tWAVEFORMATEX format, before;
+    note(a).getWaveFormat(before);
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    hold(window, 2000);
+    ASSERT_TRUE(DocManager::instance().saveAs(document(), folder.filePath(QStringLiteral("note.dxf"))).ok);
+    note(a).getWaveFormat(format);
+    EXPECT_EQ(format.wFormatTag, 1);
+    EXPECT_EQ(format.nSamplesPerSec, 40000u);
+    EXPECT_EQ(format.wBitsPerSample, 8);
+    letGo(window);
+    release();
+    undo();
+    note(a).getWaveFormat(format);
+    EXPECT_EQ(std::memcmp(&format, &before, sizeof format), 0);
+}
+
+TEST_F(VoiceTakeTest, UndoingTheRecordingThatPlaysStopsIt) {
+    const MxDbObjectId a = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    pressFor(window, 2000);
+    press(window);
+    ASSERT_TRUE(window.IsPlaying());
+    undo();
+    EXPECT_FALSE(window.IsPlaying());
+    EXPECT_FALSE(window.GetRecordStatus());
+}
+
+TEST_F(VoiceTakeTest, ANoteOfADrawingThatHasGoneIsNotHeldByATakeEither) {
+    const MxDbObjectId a = addNote();
+    alsa.setStatus("snd_pcm_open", -19);
+    CPhonomarkTagUIDlg& window = openWindow(a);
+    press(window);
+    const HeldNote held(&note(a));
+    DocManager::instance().create();
+    DocManager::instance().close(document());
+    EXPECT_EQ(held.present(), nullptr);
+    EXPECT_EQ(held.id(), MxDbObjectId());
+    window.OnRecStop();
 }
 
 TEST_F(VoiceTakeTest, ErasingTheNoteEndsTheTakeAndUndoBringsBothBack) {
