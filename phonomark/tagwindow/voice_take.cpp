@@ -57,7 +57,6 @@ void VoiceTake::follow(const MxDbPhonomark& note) {
     CStdStr<wchar_t> duration;
     note.getDuration(duration);
     m_durationBefore = duration;
-    note.getWaveFormat(m_formatBefore);
     m_isOverAnother = note.isRecord();
     m_keptSoFar = false;
 }
@@ -112,7 +111,6 @@ void VoiceTake::putBack(MxDbPhonomark& note) const {
     if (m_keptSoFar) {
         empty(note);
         note.setAudioDataSize(0);
-        note.setWaveFormat(&m_formatBefore);
     }
     note.setDuration(m_durationBefore);
 }

@@ -75,7 +75,6 @@ private:
     bool m_finished = false; ///< finish() has been called
     // The note without this take, as it was at its start, or as undo or redo left it since.
     std::wstring m_durationBefore;
-    tWAVEFORMATEX m_formatBefore;
     bool m_isOverAnother = false; ///< they brought a recording back
     bool m_keptSoFar = false;     ///< the note holds what keepSoFar() put there
     unsigned m_filedIn = 0;       ///< MxDbPhonomark::timesFiledIn() by then, or at the last finish()

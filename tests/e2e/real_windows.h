@@ -158,9 +158,9 @@ struct RealScreen : testing::Test {
         for (int i = 0; i < lines.size(); ++i) {
             const QString said = witness.said();
             enter(lines[i]);
-            if (i + 1 < lines.size())
-                EXPECT_TRUE(comesTrue([&] { return witness.said() != said && witness.prompt() != "Command:"; }))
-                    << qPrintable(lines[i]);
+            EXPECT_TRUE(i + 1 == lines.size() ||
+                        comesTrue([&] { return witness.said() != said && witness.prompt() != "Command:"; }))
+                << qPrintable(lines[i]);
         }
     }
     void enter(const QString& line) {

@@ -9,8 +9,6 @@
 #include "phonomark/registry/phonomark_manager.h"
 #include "tests/phonomark/tagwindow/sound_fixture.h"
 
-#include <cstring>
-
 using merix::ap::DocManager;
 using ::testing::HasSubstr;
 
@@ -271,10 +269,9 @@ TEST_F(VoiceTakeTest, LeavingTheWindowLeavesASavedDrawingUnchanged) {
     EXPECT_FALSE(document().isChanged());
 }
 
-TEST_F(VoiceTakeTest, ASaveInMidTakeHoldsTheFormatAndTheStepGoesBackToTheOneBefore) {
+TEST_F(VoiceTakeTest, ASaveInMidTakeHoldsTheFormat) {
     const MxDbObjectId a = addNote();
-    tWAVEFORMATEX format, before;
-    note(a).getWaveFormat(before);
+    tWAVEFORMATEX format;
     CPhonomarkTagUIDlg& window = openWindow(a);
     hold(window, 2000);
     ASSERT_TRUE(DocManager::instance().saveAs(document(), folder.filePath(QStringLiteral("note.dxf"))).ok);
@@ -283,10 +280,6 @@ TEST_F(VoiceTakeTest, ASaveInMidTakeHoldsTheFormatAndTheStepGoesBackToTheOneBefo
     EXPECT_EQ(format.nSamplesPerSec, 40000u);
     EXPECT_EQ(format.wBitsPerSample, 8);
     letGo(window);
-    release();
-    undo();
-    note(a).getWaveFormat(format);
-    EXPECT_EQ(std::memcmp(&format, &before, sizeof format), 0);
 }
 
 TEST_F(VoiceTakeTest, UndoingTheRecordingThatPlaysStopsIt) {
