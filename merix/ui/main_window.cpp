@@ -48,7 +48,8 @@ MainWindow::MainWindow() {
     keepTextsPlain();
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
-    setMouseTracking(true); // for what windows over the view leave to it
+    setMouseTracking(true);   // for what windows over the view leave to it
+    setMinimumSize(600, 400); // the status bar has room for what it says
     resize(1280, 800);
     buildCentre();
     buildMenus();

@@ -116,9 +116,11 @@ void WindowWatch::endPress() {
 bool WindowWatch::eventFilter(QObject* object, QEvent* event) {
     if (m_pressed && isPressLost(object, *event))
         endPress();
-    return event->type() == QEvent::KeyPress && object->isWidgetType() &&
-           static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && !QApplication::activeModalWidget() &&
-           offerEscape();
+    if (event->type() != QEvent::KeyPress || !object->isWidgetType() || QApplication::activeModalWidget() ||
+        static_cast<const QKeyEvent*>(event)->key() != Qt::Key_Escape || !offerEscape())
+        return false;
+    event->accept(); // else it would come again for each parent
+    return true;
 }
 
 } // namespace merix::ui
