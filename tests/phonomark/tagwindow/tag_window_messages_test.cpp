@@ -109,6 +109,17 @@ TEST_F(TagMessagesTest, LeavingTheWindowEndsARecording) {
     release();
 }
 
+TEST_F(TagMessagesTest, TheMessageThatTheMouseHasLeftEndsARecordingToo) {
+    const MxDbObjectId id = addNote();
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    hold(window, 2000);
+    window.OnMouseLeave();
+    EXPECT_EQ(window.recordTimer(), -1);
+    EXPECT_TRUE(note(id).isRecord());
+    EXPECT_TRUE(window.isVisible());
+    release();
+}
+
 TEST_F(TagMessagesTest, ALostPressEndsARecordingAndNothingElse) {
     const MxDbObjectId id = addNote();
     CPhonomarkTagUIDlg& window = openWindow(id);

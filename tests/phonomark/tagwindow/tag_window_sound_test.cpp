@@ -478,6 +478,7 @@ TEST_F(TagSoundTest, AReleaseStopsTheRecorder) {
     while (alsa.count("snd_pcm_close") == 0 && patience.elapsed() < 60'000)
         std::this_thread::yield();
     EXPECT_EQ(alsa.count("snd_pcm_close"), 1);
+    EXPECT_LT(alsa.count("snd_pcm_readi"), 10) << "it did not go on until the buffer was full";
     VkAudioRecorder().stop();
 }
 
@@ -517,6 +518,7 @@ TEST_F(TagSoundTest, ThirtySecondsAreSaidOnce) {
     EXPECT_EQ(printed(), "") << "the longest time has not been passed";
     letGo(window);
     release();
+    phonomark::workerCensus().wait(); // all recorders share one flag
     removeTagWindow();
     const MxDbObjectId id = addNote();
     openWindow(id);
@@ -566,4 +568,3 @@ TEST_F(TagSoundTest, AnUnloadWhileANoteIsRecordedKeepsTheTake) {
     EXPECT_EQ(duration(id), L"2.0\"");
     EXPECT_EQ(listed(), std::vector<MxDbObjectId>{id});
 }
-
