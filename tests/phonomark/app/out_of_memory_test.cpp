@@ -106,16 +106,38 @@ private:
 
 } // namespace
 
+// All forms, for a sanitizer brings those that a program lacks, and takes no block of one for a block of the other.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return Scarcity::fails() ? nullptr : std::malloc(size ? size : 1);
+}
 void* operator new(std::size_t size) {
-    void* const block = Scarcity::fails() ? nullptr : std::malloc(size ? size : 1);
+    void* const block = operator new(size, std::nothrow);
     if (!block)
         throw std::bad_alloc();
     return block;
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return operator new(size, std::nothrow);
 }
 void operator delete(void* block) noexcept {
     std::free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
     std::free(block);
 }
 
