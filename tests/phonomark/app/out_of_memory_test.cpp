@@ -62,12 +62,14 @@ Mapping mappingOf(std::string_view wanted) {
 }
 
 /// Counts the module's own allocations while it is armed and fails one of them. An allocation is the module's own when
-/// the first function on the way to it that is neither the C++ library's nor this program's is the module's.
+/// the first function on the way to it that is neither the C++ library's, a sanitizer's nor this program's is the
+/// module's.
 class Scarcity {
 public:
     static void arm(int failing) {
         g_program = mappingOf("");
         g_library = mappingOf("libstdc++");
+        g_sanitizer = mappingOf("san.so");
         g_module = {};
         g_count = 0;
         g_failing = failing;
@@ -94,14 +96,14 @@ private:
         const int count = backtrace(frames.data(), static_cast<int>(frames.size()));
         const auto* const last = frames.begin() + count;
         const auto* const caller = std::find_if(frames.cbegin(), frames.cbegin() + count, [](const void* frame) {
-            return !g_program.holds(frame) && !g_library.holds(frame);
+            return !g_program.holds(frame) && !g_library.holds(frame) && !g_sanitizer.holds(frame);
         });
         return caller != last && g_module.holds(*caller);
     }
 
     static inline bool g_armed = false;
     static inline int g_count = 0, g_failing = -1;
-    static inline Mapping g_program, g_library, g_module;
+    static inline Mapping g_program, g_library, g_sanitizer, g_module;
 };
 
 } // namespace
