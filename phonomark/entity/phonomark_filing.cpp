@@ -29,11 +29,12 @@ MxDbObjectId idOfHandle(const MxDbHandle& handle) {
 }
 
 void readText(MxDbDwgFiler* filer, MxString& text) {
-    wchar_t* buffer = nullptr;
-    if (filer->readString(&buffer) != Mx::eOk)
-        return;
-    text = MxString(buffer);
-    mxutDelBuffer(buffer);
+    struct Buffer {
+        ~Buffer() { mxutDelBuffer(text); }
+        wchar_t* text = nullptr;
+    } buffer;
+    if (filer->readString(&buffer.text) == Mx::eOk)
+        text = MxString(buffer.text);
 }
 
 } // namespace
