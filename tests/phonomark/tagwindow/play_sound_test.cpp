@@ -41,12 +41,13 @@ TEST_F(PlaySoundTest, ANoteHasItsPlayingMarkForASecondMoreThanItsWholeSeconds) {
     std::atomic<bool> over = false;
     QElapsedTimer clock;
     clock.start();
+    MxDbPhonomark* const played = &note(id);
     std::thread caller([&] {
-        EXPECT_EQ(PlaySndFunc(&note(id)), nullptr);
+        EXPECT_EQ(PlaySndFunc(played), nullptr);
         over = true;
     });
-    turnUntil([&] { return note(id).isPlaying() || over; });
-    EXPECT_TRUE(note(id).isPlaying());
+    turnUntil([&] { return played->isPlaying() || over; });
+    EXPECT_TRUE(played->isPlaying());
     EXPECT_FALSE(note(id).isRegionShown());
     turnUntil([&] { return over.load(); });
     caller.join();
@@ -78,11 +79,12 @@ TEST_F(PlaySoundTest, TheDrawingIsHeldUnderItsName) {
 TEST_F(PlaySoundTest, TheMarkGoesAlsoFromANoteThatWasErasedMeanwhile) {
     const MxDbObjectId id = addRecorded(L"0.0\"");
     std::atomic<bool> over = false;
+    MxDbPhonomark* const played = &note(id);
     std::thread caller([&] {
-        PlaySndFunc(&note(id));
+        PlaySndFunc(played);
         over = true;
     });
-    turnUntil([&] { return note(id).isPlaying() || over; });
+    turnUntil([&] { return played->isPlaying() || over; });
     livePhManager()->ErasePhonomark(id, nullptr);
     turnUntil([&] { return over.load(); });
     caller.join();
