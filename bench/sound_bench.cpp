@@ -5,10 +5,12 @@
 //              note does not hold, and how long the release is held up
 // half-minute  the longest take and its playback: gaps, and the processor time of each thread that takes part
 // cycles       many short takes, then as many playbacks: what the process has more of afterwards
+#include "bench/process_figures.h"
 #include "phonomark/audio/player.h"
 #include "phonomark/audio/recorder.h"
 #include "phonomark/audio/worker_census.h"
-#include "tests/phonomark/audio/counting_microphone.h"
+#include "tests/phonomark/audio/counted_sound.h"
+#include "tools/soundcheck/note_stream.h"
 
 #include <algorithm>
 #include <atomic>
@@ -61,23 +63,10 @@ public:
     }
     std::uint32_t recorded() { return std::atomic_ref<std::uint32_t>(size).load(); }
 
-    std::size_t period() const {
-        std::ifstream log(microphone.server.path("granted"));
-        std::size_t frames = 0;
-        for (std::string line; std::getline(log, line);)
-            std::sscanf(line.c_str(), "capture rate=%*u period=%zu", &frames);
-        return frames;
-    }
-
     /// The first `count` bytes without their padding.
     Samples samples(std::uint32_t count) const {
-        Samples result;
-        const std::size_t frames = period();
-        for (std::size_t at = 0; at + frames * 4 <= count; at += frames * 4) {
-            result.resize(result.size() + frames);
-            std::memcpy(&result[result.size() - frames], &buffer[at], frames * 2);
-        }
-        return result;
+        return soundcheck::samplesOfNote({buffer.begin(), buffer.begin() + count},
+                                         lastGranted(microphone.server.path("granted"), "capture").period);
     }
 
     CountingMicrophone microphone;
@@ -85,19 +74,6 @@ public:
     std::uint32_t size = 0;
     std::mt19937 random{1};
 };
-
-/// Places where a millisecond and more is missing, is silence or was heard twice. A server that adapts the rate does so
-/// by steps that are not exactly one, and its filter rings where the count begins anew: neither is a gap.
-int gapsIn(const Samples& samples) {
-    constexpr int kLeast = CountingMicrophone::kRate / 1000;
-    constexpr int kRinging = CountingMicrophone::kCount / 2 - 2000;
-    int gaps = 0;
-    for (std::size_t i = 1; i < samples.size(); ++i) {
-        const int from = samples[i - 1], to = samples[i];
-        gaps += std::abs(from) < kRinging && std::abs(to) < kRinging && std::abs(to - from) > kLeast ? 1 : 0;
-    }
-    return gaps;
-}
 
 struct Spread {
     std::vector<double> values;
@@ -148,42 +124,16 @@ int ends(const std::string& kind, int takes, bool catchUp) {
     return 0;
 }
 
-/// Processor time in seconds of each thread of this process, by its id and name.
-std::map<std::string, double> threadTimes() {
-    std::map<std::string, double> times;
-    for (const auto& task : fs::directory_iterator("/proc/self/task")) {
-        std::ifstream file(task.path() / "stat");
-        std::string text;
-        std::getline(file, text);
-        const std::size_t nameEnd = text.rfind(')');
-        long user = 0, system = 0;
-        if (nameEnd == std::string::npos ||
-            std::sscanf(text.c_str() + nameEnd + 2, "%*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %ld %ld", &user,
-                        &system) != 2)
-            continue;
-        times[text.substr(0, nameEnd + 1)] =
-            static_cast<double>(user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
-    }
-    return times;
-}
-
-/// What the threads that came up since `before` have used of a processor's time in `seconds`.
-void printShares(const char* what, const std::map<std::string, double>& before, double seconds) {
-    for (const auto& [thread, time] : threadTimes()) {
-        if (!before.contains(thread))
-            std::printf("%s: thread %s: %.2f %% of a core\n", what, thread.c_str(), time * 100 / seconds);
-    }
-}
-
 int halfMinute(const std::string& kind) {
     Bench bench(kind);
     VkAudioRecorder recorder;
     VkAudioPlayer player;
-    auto before = threadTimes();
+    const bench::ProcessFigures self("self");
+    auto before = self.threadTimes();
     if (!bench.record(recorder))
         return 1;
     sleepMs(29'000);
-    printShares("recording", before, 29);
+    self.printNewThreads("recording", before, 29);
     while (!recorder.hasEnded())
         sleepMs(10);
     phonomark::workerCensus().wait();
@@ -191,34 +141,18 @@ int halfMinute(const std::string& kind) {
     std::printf("%s: recorded %.2f s, %d gaps\n", kind.c_str(),
                 static_cast<double>(samples.size()) / CountingMicrophone::kRate, gapsIn(samples));
 
-    before = threadTimes();
+    before = self.threadTimes();
     if (!player.play(bench.buffer.data(), bench.recorded()))
         return 1;
     sleepMs(29'000);
-    printShares("playback", before, 29);
+    self.printNewThreads("playback", before, 29);
     phonomark::workerCensus().wait();
     sleepMs(1000); // the loudspeaker's end of the pipe
-    std::ifstream file(bench.microphone.server.path("heard.raw"), std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-    Samples heard(bytes.size() / 2);
-    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
-    const auto loud = [](std::int16_t sample) { return sample != 0; };
-    heard.erase(heard.begin(), std::find_if(heard.begin(), heard.end(), loud));
-    heard.erase(std::find_if(heard.rbegin(), heard.rend(), loud).base(), heard.end());
+    const Samples heard = heardBy(bench.microphone.server);
     std::printf("%s: heard %.2f s, %d gaps; failed: %s\n", kind.c_str(),
                 static_cast<double>(heard.size()) / CountingMicrophone::kRate, gapsIn(heard),
                 player.hasFailed() ? "yes" : "no");
     return 0;
-}
-
-void printHoldings(const char* when) {
-    long pages = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> pages >> resident;
-    const auto entries = [](const char* folder) {
-        return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
-    };
-    std::printf("%-22s resident %ld KiB, threads %td, open files %td\n", when, resident * sysconf(_SC_PAGESIZE) / 1024,
-                entries("/proc/self/task"), entries("/proc/self/fd"));
 }
 
 int cycles(const std::string& kind, int count) {
@@ -243,11 +177,12 @@ int cycles(const std::string& kind, int count) {
     };
     takes(20);
     plays(20);
-    printHoldings("at first");
+    const bench::ProcessFigures self("self");
+    self.printHoldings("at first");
     takes(count);
-    printHoldings("after the takes");
+    self.printHoldings("after the takes");
     plays(count);
-    printHoldings("after the playbacks");
+    self.printHoldings("after the playbacks");
     std::printf("%s: %d takes and %d playbacks, %d refused\n", kind.c_str(), count, count, refused);
     return 0;
 }

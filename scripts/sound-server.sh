@@ -138,16 +138,17 @@ TEXT
 }
 
 # PipeWire with its PulseAudio door: its own door to ALSA cannot be installed beside PulseAudio. The session manager
-# links streams to devices and needs a session bus.
+# links streams to devices and needs a session bus. A turn of the graph that does not end in time loses its samples: at
+# its default of 1024 none were seen lost beside eight busy loops, at 256 a turn in thirty seconds beside three.
 start_pipewire() {
     mkdir -p "$dir/config/pipewire/pipewire.conf.d" "$dir/config/wireplumber/main.lua.d"
     cat >"$dir/config/pipewire/pipewire.conf.d/sound.conf" <<TEXT
 context.properties = {
     default.clock.rate = $rate
     default.clock.allowed-rates = [ $rate ]
-    default.clock.quantum = 256
-    default.clock.min-quantum = 256
-    default.clock.max-quantum = 256
+    default.clock.quantum = 1024
+    default.clock.min-quantum = 1024
+    default.clock.max-quantum = 1024
 }
 context.modules = [
 $(for end in source:microphone sink:loudspeaker; do

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdio>
 #include <semaphore>
+#include <utility>
 
 #include <unistd.h>
 
@@ -42,6 +43,15 @@ void writeAndTell() {
 /// Tells a worker that the main thread has written. One is enough: the process ends once.
 std::binary_semaphore g_written{0};
 
+/// Main thread, once: a failure in writing may end in asking again.
+void writeForAnother() {
+    static bool isWriting = false;
+    if (std::exchange(isWriting, true))
+        return;
+    writeAndTell();
+    g_written.release();
+}
+
 /// Lives in the main thread and writes there when a worker asks for it. The worker posts an event that the main thread
 /// has made: what the threads share otherwise is the semaphore alone.
 class Keeper : public QObject {
@@ -49,8 +59,7 @@ public:
     bool event(QEvent* event) override {
         if (event->type() != QEvent::User)
             return QObject::event(event);
-        writeAndTell();
-        g_written.release();
+        writeForAnother();
         for (;;)
             pause(); // the other thread ends the process; nothing may change until then
     }
@@ -70,6 +79,13 @@ void atShutdown() {
         std::fputs("merix: the program hangs, unsaved changes could not be kept\n", stderr);
 }
 
+/// The main thread, about to end the process while a worker that does so waits for it, does not come to its event loop
+/// any more.
+void meanwhile() {
+    if (QThread::currentThread() == g_keeper->thread())
+        writeForAnother();
+}
+
 } // namespace
 
 QString recoveryPath(const QString& path, const QString& title) {
@@ -84,7 +100,7 @@ void writeRecoveryFilesAtShutdown() {
         g_keeper = new Keeper;
         g_request = new QEvent(QEvent::User);
     }
-    rx::setShutdownHook(&atShutdown);
+    rx::setShutdownHook(&atShutdown, &meanwhile);
 }
 
 } // namespace merix::ap

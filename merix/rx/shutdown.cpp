@@ -11,7 +11,7 @@ namespace merix::rx {
 
 namespace {
 
-std::atomic<ShutdownHook> g_hook{nullptr};
+std::atomic<ShutdownHook> g_hook{nullptr}, g_meanwhile{nullptr};
 std::atomic<pthread_t> g_thread{};
 
 /// A stream that another thread holds (it may be blocked in a read) is left alone: waiting for it could last for ever.
@@ -22,6 +22,15 @@ void flush(std::FILE* stream) {
     funlockfile(stream);
 }
 
+void run(const std::atomic<ShutdownHook>& hook) {
+    try {
+        if (const ShutdownHook call = hook.load())
+            call();
+    } catch (...) {
+        std::fputs("merix: writing the recovery files failed\n", stderr);
+    }
+}
+
 [[noreturn]] void leave(int status) {
     flush(stdout);
     flush(stderr);
@@ -30,8 +39,9 @@ void flush(std::FILE* stream) {
 
 } // namespace
 
-void setShutdownHook(ShutdownHook hook) {
+void setShutdownHook(ShutdownHook hook, ShutdownHook meanwhile) {
     g_hook.store(hook);
+    g_meanwhile.store(meanwhile);
 }
 
 } // namespace merix::rx
@@ -43,15 +53,10 @@ void mxrxShutdown(int status) {
     if (!g_thread.compare_exchange_strong(first, pthread_self())) {
         if (pthread_equal(first, pthread_self()))
             leave(status); // the hook itself asked: nothing more can be saved
+        run(g_meanwhile);
         for (;;)
-            pause(); // another thread is saving and will end the process
+            pause(); // the other thread ends the process
     }
-    if (const ShutdownHook hook = g_hook.load()) {
-        try {
-            hook();
-        } catch (...) {
-            std::fputs("merix: writing the recovery files failed\n", stderr);
-        }
-    }
+    run(g_hook);
     leave(status);
 }

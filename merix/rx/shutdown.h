@@ -5,9 +5,11 @@
 
 namespace merix::rx {
 
-/// What mxrxShutdown does before the process ends: writing recovery files. Runs on the thread that asked. Null:
-/// nothing.
 using ShutdownHook = void (*)();
-void setShutdownHook(ShutdownHook hook);
+
+/// What mxrxShutdown does before the process ends: `hook` (writing recovery files) on the thread that asked first.
+/// `meanwhile` on every other that asks while the first is at it: the first may need something of that thread, which
+/// does not return from asking. Null: nothing.
+void setShutdownHook(ShutdownHook hook, ShutdownHook meanwhile = nullptr);
 
 } // namespace merix::rx

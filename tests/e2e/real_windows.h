@@ -77,21 +77,7 @@ struct RealScreen : testing::Test {
         environment.remove("WAYLAND_DISPLAY");
         manager = std::make_unique<Running>(QStringLiteral("openbox"), QStringList(), environment);
 
-        sound = folder.filePath("sound");
-        environment.insert("SOUNDCHECK", MERIX_BINARY_DIR "/bin/soundcheck");
-        ASSERT_EQ(run(MERIX_SOURCE_DIR "/scripts/sound-server.sh",
-                      {"start", sound, MERIX_BINARY_DIR "/speech/spoken.wav"}, folder.path(), {}, environment)
-                      .status,
-                  0);
-        QFile settings(sound + "/env");
-        ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
-        for (QByteArray line : settings.readAll().split('\n')) {
-            if (line.startsWith("export "))
-                line.remove(0, 7);
-            if (const int equals = line.indexOf('='); equals > 0)
-                environment.insert(QString::fromUtf8(line.left(equals)),
-                                   QString::fromUtf8(line.mid(equals + 1)).remove('\'').remove('"'));
-        }
+        ASSERT_NO_FATAL_FAILURE(startSound());
         log = folder.filePath("audio.log");
         environment.insert("PHONOMARK_AUDIO_LOG", log);
         for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
@@ -108,6 +94,24 @@ struct RealScreen : testing::Test {
         // same path is run under it without a screen, with every report on.
         if (environment.contains("TSAN_OPTIONS"))
             environment.insert("TSAN_OPTIONS", environment.value("TSAN_OPTIONS") + ":report_bugs=0");
+    }
+    /// Brings up a sound server for this test alone and points `environment` at it.
+    virtual void startSound() {
+        sound = folder.filePath("sound");
+        environment.insert("SOUNDCHECK", MERIX_BINARY_DIR "/bin/soundcheck");
+        ASSERT_EQ(run(MERIX_SOURCE_DIR "/scripts/sound-server.sh",
+                      {"start", sound, MERIX_BINARY_DIR "/speech/spoken.wav"}, folder.path(), {}, environment)
+                      .status,
+                  0);
+        QFile settings(sound + "/env");
+        ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+        for (QByteArray line : settings.readAll().split('\n')) {
+            if (line.startsWith("export "))
+                line.remove(0, 7);
+            if (const int equals = line.indexOf('='); equals > 0)
+                environment.insert(QString::fromUtf8(line.left(equals)),
+                                   QString::fromUtf8(line.mid(equals + 1)).remove('\'').remove('"'));
+        }
     }
     /// Starts the program; `window` is the one whose title has `title` in it.
     void start(const QStringList& drawings, const QString& title) {

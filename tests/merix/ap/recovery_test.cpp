@@ -6,6 +6,7 @@
 #include "merix/db/database_imp.h"
 #include "merix/db/entities.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
@@ -18,8 +19,10 @@ using namespace merix;
 
 namespace {
 
-/// Opens a drawing, changes it and ends the process from the main thread or another one.
-void endWithUnsavedWork(const QString& file, bool fromAnotherThread) {
+enum class Ends { Main, Another, AnotherThenMain };
+
+/// Opens a drawing, changes it and ends the process from these threads.
+void endWithUnsavedWork(const QString& file, Ends ends) {
     int count = 1;
     char name[] = "test";
     char* arguments[] = {name, nullptr};
@@ -34,10 +37,15 @@ void endWithUnsavedWork(const QString& file, bool fromAnotherThread) {
     space->appendMxDbEntity(id, line);
     line->close();
     space->close();
-    if (!fromAnotherThread)
-        mxrxShutdown(1);
-    std::thread([] { mxrxShutdown(1); }).detach();
-    QCoreApplication::exec();
+    QCoreApplication::sendPostedEvents();
+    if (ends != Ends::Main)
+        std::thread([] { mxrxShutdown(1); }).detach();
+    if (ends == Ends::Another)
+        QCoreApplication::exec();
+    // The other thread asks by an event, and waits.
+    while (ends == Ends::AnotherThenMain && !QAbstractEventDispatcher::instance()->hasPendingEvents())
+        std::this_thread::yield();
+    mxrxShutdown(1);
 }
 
 class RecoveryTest : public testing::Test {
@@ -49,13 +57,18 @@ protected:
 } // namespace
 
 TEST_F(RecoveryTest, EndingTheProcessKeepsUnsavedWork) {
-    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), false), testing::ExitedWithCode(1),
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), Ends::Main), testing::ExitedWithCode(1),
                 "unsaved changes were kept in .*a.dxf.recovered.merix");
 }
 
 TEST_F(RecoveryTest, AWorkerThatEndsTheProcessWaitsForTheMainThreadToKeepUnsavedWork) {
-    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), true), testing::ExitedWithCode(1),
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), Ends::Another), testing::ExitedWithCode(1),
                 "unsaved changes were kept in .*a.dxf.recovered.merix");
+}
+
+TEST_F(RecoveryTest, AMainThreadThatEndsTheProcessWhileAWorkerDoesKeepsUnsavedWorkForIt) {
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), Ends::AnotherThenMain),
+                testing::ExitedWithCode(1), "^merix: unsaved changes were kept in [^\n]*a.dxf.recovered.merix\n$");
 }
 
 TEST_F(RecoveryTest, TheFirstFreeNameBesideTheDrawingIsTaken) {

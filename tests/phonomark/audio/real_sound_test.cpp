@@ -4,7 +4,7 @@
 #include "phonomark/audio/player.h"
 #include "phonomark/audio/recorder.h"
 #include "phonomark/audio/worker_census.h"
-#include "tests/phonomark/audio/counting_microphone.h"
+#include "tests/phonomark/audio/counted_sound.h"
 #include "tools/soundcheck/correlate.h"
 #include "tools/soundcheck/note_stream.h"
 
@@ -12,7 +12,6 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -24,24 +23,11 @@ namespace {
 
 constexpr const char* kSpeech = MERIX_BINARY_DIR "/speech/spoken.wav";
 
-struct Granted {
-    unsigned rate = 0;
-    unsigned period = 0;
-};
-
 class RealSoundTest : public testing::TestWithParam<std::string> {
 protected:
     RealSoundTest() { setenv("PHONOMARK_AUDIO_LOG", server.path("granted").c_str(), 1); }
 
-    Granted granted(const std::string& direction) const {
-        std::ifstream log(server.path("granted"));
-        Granted found;
-        for (std::string line; std::getline(log, line);) {
-            if (line.starts_with(direction))
-                std::sscanf(line.c_str() + direction.size(), " rate=%u period=%u", &found.rate, &found.period);
-        }
-        return found;
-    }
+    Granted granted(const std::string& direction) const { return lastGranted(server.path("granted"), direction); }
 
     /// Until the recording holds so many milliseconds of sound, by its own count.
     void waitForRecorded(double ms) {
@@ -68,15 +54,6 @@ class RealEndOfSpeechTest : public testing::TestWithParam<std::string> {
 protected:
     RealEndOfSpeechTest() { setenv("PHONOMARK_AUDIO_LOG", microphone.server.path("granted").c_str(), 1); }
 
-    /// Frames, as the device last granted them.
-    std::size_t period() const {
-        std::ifstream log(microphone.server.path("granted"));
-        std::size_t frames = 0;
-        for (std::string line; std::getline(log, line);)
-            std::sscanf(line.c_str(), "capture rate=%*u period=%zu", &frames);
-        return frames;
-    }
-
     CountingMicrophone microphone{GetParam()};
     std::vector<char> buffer = std::vector<char>(VkAudioRecorder::kBufferBytes);
     std::uint32_t size = 0;
@@ -101,6 +78,8 @@ TEST_P(RealSoundTest, WhatIsSpokenIsRecordedAndHeardAgain) {
     const Sound recorded{capture.rate, soundcheck::samplesOfNote(stored, capture.period)};
     const Likeness asRecorded = soundcheck::compare(spoken, recorded);
     expectWhole(asRecorded);
+    if (HasFailure()) // for people to listen to
+        soundcheck::writeWav(MERIX_BINARY_DIR "/speech/failed-" + GetParam() + ".wav", recorded);
     EXPECT_NEAR(static_cast<double>(recorded.samples.size()) * 1000 / capture.rate, recorder.getTimeMs(), 500);
 
     VkAudioPlayer player;
@@ -153,7 +132,8 @@ TEST_P(RealEndOfSpeechTest, TheNoteHoldsAllThatWasTakenBeforeTheRelease) {
         const std::uint32_t count = std::atomic_ref<std::uint32_t>(size).load();
         phonomark::workerCensus().wait();
         std::int16_t last = 0; // of the last period, before its padding
-        std::memcpy(&last, &buffer[count - period() * 2 - sizeof last], sizeof last);
+        const std::size_t period = lastGranted(microphone.server.path("granted"), "capture").period;
+        std::memcpy(&last, &buffer[count - period * 2 - sizeof last], sizeof last);
         whole += CountingMicrophone::missing(end, last) <= 0 ? 1 : 0;
     }
     EXPECT_GE(whole, kTakes - 2) << "but where the machine held up the worker for long";
