@@ -52,8 +52,8 @@ void sleepMs(unsigned ms) {
 
 class Bench {
 public:
-    explicit Bench(const std::string& kind)
-        : microphone(kind) {
+    explicit Bench(const std::string& kind, std::chrono::milliseconds piece = std::chrono::milliseconds(1))
+        : microphone(kind, piece) {
         setenv("PHONOMARK_AUDIO_LOG", microphone.server.path("granted").c_str(), 1);
     }
 
@@ -125,7 +125,7 @@ int ends(const std::string& kind, int takes, bool catchUp) {
 }
 
 int halfMinute(const std::string& kind) {
-    Bench bench(kind);
+    Bench bench(kind, std::chrono::milliseconds(5)); // as often as a microphone for speech
     VkAudioRecorder recorder;
     VkAudioPlayer player;
     const bench::ProcessFigures self("self");

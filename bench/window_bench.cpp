@@ -24,23 +24,24 @@ constexpr const char* kUsage = "usage: window_bench half-minute KIND\n"
                                "       window_bench cycles KIND COUNT\n"
                                "KIND: pulseaudio or pipewire\n";
 
-class WindowBench : public merix::test::RealNotes {
+/// Comes up first: it points the environment at its server.
+struct Counting {
+    explicit Counting(const std::string& kind)
+        : microphone(kind, std::chrono::milliseconds(5)) {} // as often as one for speech
+    CountingMicrophone microphone;
+};
+
+class WindowBench : Counting, public merix::test::RealNotes {
 public:
     explicit WindowBench(const std::string& kind)
-        : m_microphone(kind) {}
+        : Counting(kind) {}
 
     bool halfMinute();
     bool cycles(int count);
 
 private:
     void TestBody() override {}
-    /// The microphone's server is there already, and so is what points at it.
-    void startSound() override {
-        const auto own = QProcessEnvironment::systemEnvironment();
-        for (const QString& name : own.keys())
-            if (!environment.contains(name))
-                environment.insert(name, own.value(name));
-    }
+    void startSound() override {}
     bool begin(const std::vector<Note>& notes) {
         SetUp();
         open(notes);
@@ -62,7 +63,6 @@ private:
             std::printf("no window over the note %s\n", note.handle.constData());
     }
 
-    CountingMicrophone m_microphone;
     std::unique_ptr<bench::ProcessFigures> m_figures;
     std::mt19937 m_random{1};
 };
@@ -112,7 +112,7 @@ bool WindowBench::halfMinute() {
     report("playback", turns, before);
     zoomUntil([&] { return !isPlaying(); });
     QThread::msleep(1000); // the loudspeaker's end of the pipe
-    const auto heard = heardBy(m_microphone.server);
+    const auto heard = heardBy(microphone.server);
     std::printf("heard: %.2f s, %d gaps\n", static_cast<double>(heard.size()) / CountingMicrophone::kRate,
                 gapsIn(heard));
     return true;
@@ -127,6 +127,7 @@ bool WindowBench::cycles(int count) {
     if (!begin(notes))
         return false;
     const auto refusals = [&] { return witness.timesSaid("not available") + witness.timesSaid("move off the note"); };
+    int kept = 0, heard = 0;
     // A note that holds a take plays when it is pressed, so it is emptied again by undo.
     const auto takes = [&](int number) {
         for (int i = 0; i < number; ++i) {
@@ -137,8 +138,10 @@ bool WindowBench::cycles(int count) {
             release();
             comesTrue([&] { return !isListening(); });
             leaveNotes();
-            if (witness.timesSaid(kTooShort) == slips)
+            if (witness.timesSaid(kTooShort) == slips) {
                 command({"U"});
+                ++kept;
+            }
         }
     };
     if (!hover(notes.back()) || !record(notes.back()))
@@ -149,13 +152,14 @@ bool WindowBench::cycles(int count) {
             press();
             QThread::msleep(m_random() % 200);
             release();
-            comesTrue([&] { return isPlaying(); }, 500);
+            heard += comesTrue([&] { return isPlaying(); }, 2000) ? 1 : 0;
             if (m_random() % 4 == 0)
                 comesTrue([&] { return !isPlaying(); });
         }
     };
     takes(kFirst);
     plays(kFirst);
+    kept = heard = 0;
     m_figures->printHoldings("at first");
     takes(count);
     m_figures->printHoldings("after the takes");
@@ -163,8 +167,9 @@ bool WindowBench::cycles(int count) {
     m_figures->printHoldings("after the playbacks");
     leaveNotes();
     const bool quiet = comesTrue([&] { return !isListening() && !isPlaying(); });
-    std::printf("%d takes and %d playbacks; refused: %d; held by the server: %s\n", count, count, refusals(),
-                quiet ? "nothing" : "a stream");
+    std::printf("%d takes, %d of them long enough to be kept; %d playbacks, %d of them heard; refused: %d; held by the "
+                "server: %s\n",
+                count, kept, count, heard, refusals(), quiet ? "nothing" : "a stream");
     return true;
 }
 

@@ -76,6 +76,8 @@ struct RealScreen : testing::Test {
         environment.remove("QT_QPA_PLATFORM");
         environment.remove("WAYLAND_DISPLAY");
         manager = std::make_unique<Running>(QStringLiteral("openbox"), QStringList(), environment);
+        // A window that comes up while the manager does may be lost to both.
+        ASSERT_TRUE(comesTrue([&] { return hand({"get_num_desktops"}).status == 0; }));
 
         ASSERT_NO_FATAL_FAILURE(startSound());
         log = folder.filePath("audio.log");

@@ -23,8 +23,11 @@ public:
     static constexpr int kCount = 60'000; ///< a second and a half
     static constexpr int kRate = 40'000;
 
-    explicit CountingMicrophone(const std::string& kind)
-        : m_program(makeProgram())
+    /// `piece`: how often the microphone hands on what it has taken. A server is woken by every one, and so is whoever
+    /// listens to it.
+    explicit CountingMicrophone(const std::string& kind, std::chrono::milliseconds piece = std::chrono::milliseconds(1))
+        : m_piece(piece)
+        , m_program(makeProgram())
         , server(kind, m_program + "/idle", m_program + "/idle") { // any file that can be read will do for the speech
         const bool pulled = kind == "pipewire"; // it takes sound when it needs it, so the pipe is kept filled
         m_pipe = open(server.path("microphone.fifo").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
@@ -93,10 +96,11 @@ private:
                 const ssize_t written = write(m_pipe, piece.data(), piece.size() * 2);
                 m_written += written > 0 ? written / 2 : 0;
             }
-            std::this_thread::sleep_for(milliseconds(1));
+            std::this_thread::sleep_for(m_piece);
         }
     }
 
+    const std::chrono::milliseconds m_piece;
     std::string m_program;
 
 public:
