@@ -91,7 +91,7 @@ CommandLine::CommandLine(QWidget* parent)
     });
     connect(&console, &ed::Console::promptChanged, this, &CommandLine::showPrompt);
     connect(m_prompt, &QLabel::linkActivated, this, [this](const QString& keyword) {
-        m_entry->clear();
+        emptyEntry();
         m_entry->setFocus();
         submitLine(keyword);
     });
@@ -219,9 +219,14 @@ bool CommandLine::handleKey(QKeyEvent* event) {
     }
 }
 
+/// Not by clear(): what was typed could be undone into the next line.
+void CommandLine::emptyEntry() {
+    m_entry->setText({});
+}
+
 void CommandLine::submit() {
     const QString line = m_entry->text();
-    m_entry->clear();
+    emptyEntry();
     if (!line.trimmed().isEmpty() && (m_typed.isEmpty() || m_typed.last() != line)) {
         m_typed.append(line);
         if (m_typed.size() > kRecallable)
@@ -247,7 +252,7 @@ void CommandLine::recall(int step) {
 
 void CommandLine::escape() {
     const bool typed = !m_entry->text().isEmpty();
-    m_entry->clear();
+    emptyEntry();
     m_recalled = m_typed.size();
     if (ed::Prompter::instance().isWaiting())
         ed::Prompter::instance().cancel();

@@ -35,6 +35,7 @@ private:
     bool isShortcut(const QKeyEvent& event) const;
     void completeName();
     bool focusKeyword();
+    void emptyEntry();
     void submit();
     void submitLine(const QString& line);
     void recall(int step);

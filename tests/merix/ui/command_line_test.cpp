@@ -68,6 +68,17 @@ TEST_F(CommandLineTest, EscapeCancelsThePrompt) {
     EXPECT_EQ(ed::Prompter::instance().getPoint(nullptr, QStringLiteral("Point: "), point), kInputCancel);
 }
 
+TEST_F(CommandLineTest, UndoDoesNotTypeWhatWasEnteredBefore) {
+    for (const Qt::Key end : {Qt::Key_Return, Qt::Key_Escape}) {
+        type(entry(), QStringLiteral("nonesuch"));
+        key(entry(), end);
+        QCoreApplication::processEvents();
+        QKeyEvent undo(QEvent::KeyPress, Qt::Key_Z, Qt::ControlModifier);
+        QApplication::sendEvent(entry(), &undo);
+        EXPECT_EQ(entry()->text().toStdString(), "") << end;
+    }
+}
+
 TEST_F(CommandLineTest, UpAndDownRecallWhatWasTyped) {
     type(entry(), QStringLiteral("regen\n"));
     settle();
