@@ -131,7 +131,7 @@ bool WindowBench::cycles(int count) {
     // A note that holds a take plays when it is pressed, so it is emptied again by undo.
     const auto takes = [&](int number) {
         for (int i = 0; i < number; ++i) {
-            goOverAndBack(notes[m_random() % notes.size()]);
+            goOverAndBack(notes[m_random() % (notes.size() - 1)]); // the last one is heard below
             const int slips = witness.timesSaid(kTooShort);
             press();
             QThread::msleep(m_random() % 1400);
