@@ -178,7 +178,8 @@ bool WindowBench::cycles(int count) {
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const std::vector<std::string> args(argv + 1, argv + argc);
-    const bool isHalf = args.size() == 2 && args[0] == "half-minute", isCycles = args.size() == 3 && args[0] == "cycles";
+    const bool isHalf = args.size() == 2 && args[0] == "half-minute",
+               isCycles = args.size() == 3 && args[0] == "cycles";
     if (!isHalf && !isCycles) {
         std::fputs(kUsage, stderr);
         return 1;

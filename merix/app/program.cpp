@@ -11,6 +11,7 @@
 #include "merix/ui/look.h"
 #include "merix/ui/main_window.h"
 #include "merix/ui/render.h"
+#include "merix/ui/window_memory.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -94,6 +95,8 @@ int runWindow(const Options& options) {
     const EndSignals signals;
     ui::MainWindow window;
     window.setUnattended(unattended);
+    if (!unattended)
+        ui::placeAsBefore(window);
     QObject::connect(&ap::DocManager::instance(), &ap::DocManager::quitRequested, qApp, &QApplication::quit,
                      Qt::QueuedConnection);
     if (const QString why = loadModule(options); !why.isEmpty()) {

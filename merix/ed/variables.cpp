@@ -5,9 +5,7 @@
 #include "merix/ed/active_view.h"
 #include "merix/ed/drawing_access.h"
 #include "merix/ed/properties.h"
-
-#include <QSettings>
-#include <QStandardPaths>
+#include "merix/ed/user_settings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -127,12 +125,6 @@ constexpr int kSaveTimeUnlessSet = 5, kLongestSaveTime = 600;
 constexpr const char* kSaveTimeKey = "SAVETIME";
 std::optional<int> g_saveTime;
 std::function<void(int)> g_saveTimeListener;
-
-QSettings userSettings() {
-    return {QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                QStringLiteral("/merix/merix.conf"),
-            QSettings::IniFormat};
-}
 
 std::optional<Value> getSaveTime() {
     return Value(saveTime());

@@ -36,8 +36,20 @@ FileResult unknownKind(const std::string& path) {
     return failed(Mx::eInvalidInput, path + ": the name of a drawing ends in .dxf or .merix");
 }
 
+FileResult dwgKind(const std::string& path) {
+    return failed(Mx::eInvalidInput,
+                  path + ": a .dwg file cannot be read; save it as DXF in the program that it comes from");
+}
+
+/// The first bytes of every version of a .dwg file, whatever its name.
+bool isDwg(std::string_view bytes) {
+    return bytes.starts_with("AC10") && bytes.size() > 6 && bytes[6] == 0;
+}
+
 FileResult read(const std::string& path, MxDbDatabase& database) {
     const Kind kind = kindOf(path);
+    if (endsWith(path, ".dwg"))
+        return dwgKind(path);
     if (kind == Kind::kUnknown)
         return unknownKind(path);
     std::string error;
@@ -49,6 +61,8 @@ FileResult read(const std::string& path, MxDbDatabase& database) {
     auto bytes = readFile(path, error);
     if (!bytes)
         return failed(error.ends_with("no such file") ? Mx::eFileNotFound : Mx::eFileUnreadable, error);
+    if (isDwg(*bytes))
+        return dwgKind(path);
     return readDxf(std::move(bytes), path, database);
 }
 

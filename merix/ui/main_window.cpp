@@ -9,6 +9,7 @@
 #include "merix/ui/plain_text.h"
 #include "merix/ui/plot.h"
 #include "merix/ui/undo_menu.h"
+#include "merix/ui/window_memory.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -136,6 +137,8 @@ void MainWindow::buildFileMenu() {
     };
     onBar(addAction(file, tr("&New"), QKeySequence::New, false, [] { ap::DocManager::instance().create(); }), "NEW");
     onBar(addAction(file, tr("&Open…"), QKeySequence::Open, false, [this] { openDialog(); }), "OPEN");
+    m_recent = file->addMenu(tr("Open &Recent"));
+    connect(m_recent, &QMenu::aboutToShow, this, &MainWindow::fillRecent);
     file->addSeparator();
     onBar(addAction(file, tr("&Save"), QKeySequence::Save, true, [this] { save(*shown(), false); }), "SAVE");
     addAction(file, tr("Save &As…"), keys("Ctrl+Shift+S"), true, [this] { save(*shown(), true); });
@@ -175,6 +178,13 @@ void MainWindow::buildEditMenu() {
 void MainWindow::buildViewMenu() {
     QMenu* view = menuBar()->addMenu(tr("&View"));
     m_commands.fill("View", *view, *m_bar);
+    view->addSeparator();
+    addAction(view, tr("Next &Drawing"), {}, true, [this] {
+        chooseTab(1);
+    })->setShortcuts({keys("Ctrl+Tab"), keys("Ctrl+PgDown")});
+    addAction(view, tr("Previous Dra&wing"), {}, true, [this] {
+        chooseTab(-1);
+    })->setShortcuts({keys("Ctrl+Shift+Tab"), keys("Ctrl+PgUp")});
     view->addSeparator();
     m_takeOut = addAction(view, tr("Move to &New Window"), keys("Ctrl+Shift+N"), true, [this] { takeOut(*shown()); });
     m_takeBack = addAction(view, tr("Move to &Other Window"), {}, true, [this] { takeBack(); });
@@ -347,10 +357,28 @@ bool MainWindow::openFile(const QString& path) {
 }
 
 void MainWindow::openDialog() {
-    const QString folder = shown() ? QFileInfo(shown()->path()).path() : QString();
+    const bool hasFolder = shown() && !shown()->path().isEmpty();
+    const QString folder = hasFolder ? QFileInfo(shown()->path()).path() : lastFolder();
     const QStringList paths = QFileDialog::getOpenFileNames(this, tr("Open"), folder, fileFilter());
     for (const QString& path : paths)
         openFile(path);
+}
+
+void MainWindow::fillRecent() {
+    m_recent->clear();
+    int number = 0;
+    for (const QString& path : recentDrawings()) {
+        QAction* action =
+            addAction(m_recent, QStringLiteral("&%1 %2").arg(++number).arg(withoutKeys(QFileInfo(path).fileName())), {},
+                      false, [this, path] {
+                          if (!openFile(path) && !QFileInfo::exists(path))
+                              forgetRecent(path);
+                      });
+        action->setToolTip(path);
+    }
+    m_recent->setToolTipsVisible(true);
+    if (!number)
+        m_recent->addAction(tr("No drawing was opened yet"))->setEnabled(false);
 }
 
 void MainWindow::exportDialog() {

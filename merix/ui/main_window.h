@@ -116,6 +116,9 @@ private:
     QWidget* overView(const QPoint& place) const;
     void handOn(QMouseEvent& event);
     void openDialog();
+    void fillRecent();
+    /// The tab that stands so many to the right, from the last on to the first.
+    void chooseTab(int step);
     void exportDialog();
     void showFailure(const QString& message);
     /// The drawing that this window shows.
@@ -138,6 +141,7 @@ private:
     CommandActions m_commands{this};
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
+    QMenu* m_recent = nullptr;
     QAction* m_takeOut = nullptr;
     QAction* m_takeBack = nullptr;
     QList<QAction*> m_aids;           ///< object snap, ortho

@@ -4,6 +4,7 @@
 #include "merix/ed/command_stack.h"
 #include "merix/ui/main_window.h"
 #include "merix/ui/plot.h"
+#include "merix/ui/window_memory.h"
 
 #include "host/ui/dialog.h"
 
@@ -107,6 +108,12 @@ void MainWindow::addDocument(ap::Document* document) {
             m_titles.start(0);
     });
     connect(document, &ap::Document::saved, m_notice, &QLabel::clear);
+    const auto remember = [this, document] {
+        if (!m_unattended)
+            keepRecent(document->path());
+    };
+    connect(document, &ap::Document::saved, this, remember);
+    remember();
     connect(document, &ap::Document::layoutChanged, this, &MainWindow::showLayouts);
     connect(document, &ap::Document::layoutsChanged, this, &MainWindow::showLayouts);
 }
@@ -232,6 +239,11 @@ void MainWindow::tabDropped(ap::Document* document, const QPoint& where) {
     });
 }
 
+void MainWindow::chooseTab(int step) {
+    const int count = m_tabs->count(), to = (m_tabs->currentIndex() + step + count) % count;
+    ap::DocManager::instance().activate(m_tabs->documentAt(to));
+}
+
 void MainWindow::tabMenu(ap::Document* document, const QPoint& where) {
     whenIdle([this, where, guard = QPointer<ap::Document>(document)] {
         if (!guard)
@@ -287,6 +299,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         if (m_tabs->count() == before)
             break;
     }
+    if (!m_unattended && !other())
+        keepPlace(*this);
     event->accept();
 }
 

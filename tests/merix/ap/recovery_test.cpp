@@ -62,8 +62,8 @@ TEST_F(RecoveryTest, EndingTheProcessKeepsUnsavedWork) {
 }
 
 TEST_F(RecoveryTest, AWorkerThatEndsTheProcessWaitsForTheMainThreadToKeepUnsavedWork) {
-    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), Ends::Another), testing::ExitedWithCode(1),
-                "unsaved changes were kept in .*a.dxf.recovered.merix");
+    EXPECT_EXIT(endWithUnsavedWork(m_folder.filePath(QStringLiteral("a.dxf")), Ends::Another),
+                testing::ExitedWithCode(1), "unsaved changes were kept in .*a.dxf.recovered.merix");
 }
 
 TEST_F(RecoveryTest, AMainThreadThatEndsTheProcessWhileAWorkerDoesKeepsUnsavedWorkForIt) {

@@ -122,6 +122,18 @@ TEST_F(SnapshotTest, ANativeDrawingStillSavesOnlyWhatChangedToItsOwnFile) {
     EXPECT_EQ(again.imp().block(again.imp().roots.modelSpace)->entityIds().size(), 3U);
 }
 
+TEST_F(SnapshotTest, OfADwgFileIsSaidWhatToDo) {
+    const std::string_view content("AC1032\0\0\0\0\0\1", 12);
+    for (const char* name : {"plan.dwg", "PLAN.DWG", "renamed.dxf"}) {
+        writeBytes(directory / name, content);
+        MxDbDatabase fresh;
+        const FileResult result = readDrawing(directory / name, fresh);
+        EXPECT_EQ(result.status, Mx::eInvalidInput);
+        EXPECT_EQ(result.error, (directory / name) + ": a .dwg file cannot be read; save it as DXF in the program that "
+                                                     "it comes from");
+    }
+}
+
 TEST_F(SnapshotTest, NobodySavesADrawingUnderTheNameOfACopy) {
     ASSERT_EQ(load(drawing(kLines)).status, Mx::eOk);
     for (const char* name : {"plan.ms$", "plan.dxf.MS$"}) {

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QTemporaryDir>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -16,6 +17,8 @@
 class WindowTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
+        static const QTemporaryDir settings; // the user's own are left alone
+        qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
         if (!QCoreApplication::instance())
             new QApplication(s_argc, s_argv); // lives as long as the process
     }
