@@ -19,7 +19,7 @@ class CommandActions : public QObject {
 public:
     explicit CommandActions(QObject* parent);
 
-    /// Adds the entries of a menu ("Draw", "Modify", "View", "Insert"), and those with an icon to the tool bar.
+    /// Adds the entries of a menu ("Draw", "Modify", "View", "Notes"), and those with an icon to the tool bar.
     void fill(const char* menuName, QMenu& menu, QToolBar& bar);
     /// Allows what can be chosen now.
     void refresh(bool hasDrawing);

@@ -206,7 +206,7 @@ void MainWindow::buildMenus() {
     buildEditMenu();
     buildViewMenu();
     for (const auto& [name, text] :
-         {std::pair{"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Insert", tr("&Insert")}})
+         {std::pair{"Draw", tr("&Draw")}, {"Modify", tr("&Modify")}, {"Notes", tr("&Notes")}})
         m_commands.fill(name, *menuBar()->addMenu(text), *m_bar);
     m_bar->addSeparator();
     QMenu* aids = menuBar()->addMenu(tr("&Aids"));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What windows know of the time before: where they stood, which drawings were open. It is kept with the user's settings;
-// a setting that makes no sense counts as none.
+// What windows know of the time before: where they stood, which drawings were open. It is kept with the user's
+// settings; a setting that makes no sense counts as none.
 #pragma once
 
 #include <QString>

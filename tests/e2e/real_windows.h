@@ -67,17 +67,19 @@ struct RealScreen : testing::Test {
 
     void SetUp() override {
         // The server names the screen that it found free.
-        screen = std::make_unique<Running>(
-            QStringLiteral("Xvfb"),
-            QStringList{"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten", "tcp", "-fbdir", folder.path()},
-            environment);
+        screen = std::make_unique<Running>(QStringLiteral("Xvfb"),
+                                           QStringList{"-displayfd", "1", "-screen", "0", "1400x900x24", "-nolisten",
+                                                       "tcp", "-noreset", "-fbdir", folder.path()},
+                                           environment);
         ASSERT_TRUE(comesTrue([&] { return screen->process().waitForReadyRead(50); }));
         environment.insert("DISPLAY", ":" + QString::fromLatin1(screen->process().readLine().trimmed()));
         environment.remove("QT_QPA_PLATFORM");
         environment.remove("WAYLAND_DISPLAY");
         manager = std::make_unique<Running>(QStringLiteral("openbox"), QStringList(), environment);
         // A window that comes up while the manager does may be lost to both.
-        ASSERT_TRUE(comesTrue([&] { return hand({"get_num_desktops"}).status == 0; }));
+        ASSERT_TRUE(comesTrue([&] { return hand({"get_num_desktops"}).status == 0; }))
+            << "the window manager is in the state " << manager->process().state()
+            << manager->process().readAllStandardError().constData();
 
         ASSERT_NO_FATAL_FAILURE(startSound());
         log = folder.filePath("audio.log");

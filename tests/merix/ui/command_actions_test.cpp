@@ -37,6 +37,26 @@ TEST_F(CommandActionsTest, AnEntryRunsItsCommandOnceThatIsThere) {
     EXPECT_EQ(g_runs, 1);
 }
 
+TEST_F(CommandActionsTest, VoiceNotesHaveAMenuOfTheirOwn) {
+    QStringList titles;
+    for (const QAction* menu : window.menuBar()->actions())
+        titles << menu->text();
+    EXPECT_TRUE(titles.contains(QStringLiteral("&Notes"))) << titles.join(QLatin1Char(' ')).toStdString();
+    static QStringList run;
+    auto& stack = ed::CommandStack::instance();
+    stack.addCommand(L"TEST", L"VOICEMAN", L"VOICEMAN", 0, [] { run << QStringLiteral("VOICEMAN"); });
+    stack.addCommand(L"TEST", L"VOICESHOW", L"VOICESHOW", 0, [] { run << QStringLiteral("VOICESHOW"); });
+    ap::DocManager::instance().create();
+    run.clear();
+    for (const auto& text : {QStringLiteral("All Voice Notes…"), QStringLiteral("Show or Hide Voice Notes")}) {
+        QAction* action = entry(text);
+        ASSERT_NE(action, nullptr) << qPrintable(text);
+        action->trigger();
+        settle();
+    }
+    EXPECT_EQ(run, QStringList({QStringLiteral("VOICEMAN"), QStringLiteral("VOICESHOW")}));
+}
+
 TEST_F(CommandActionsTest, WithoutADrawingNothingCanBeChosen) {
     QAction* action = entry(QStringLiteral("Regenerate"));
     ASSERT_NE(action, nullptr);

@@ -38,9 +38,7 @@ protected:
             texts << action->text();
         return texts;
     }
-    void saveAs(const char* name) {
-        ASSERT_TRUE(ap::DocManager::instance().saveAs(*document, file(name)).ok);
-    }
+    void saveAs(const char* name) { ASSERT_TRUE(ap::DocManager::instance().saveAs(*document, file(name)).ok); }
 
 private:
     QTemporaryDir m_folder;
