@@ -468,6 +468,26 @@ TEST_F(TagSoundTest, ThePlayerIsStoppedAtTheEnd) {
     EXPECT_EQ(writes, 1) << "of a thousand";
 }
 
+TEST_F(TagSoundTest, APressOnAWindowThatPlaysEndsTheSoundBefore) {
+    const MxDbObjectId id = addRecorded(L"9.0\"", 64'000);
+    std::latch pressedAgain{1};
+    std::atomic<int> writes = 0;
+    alsa.write = [&](const std::int16_t*, unsigned long frames) {
+        if (++writes == 1)
+            pressedAgain.wait();
+        return static_cast<long>(frames);
+    };
+    CPhonomarkTagUIDlg& window = openWindow(id);
+    press(window);
+    while (writes == 0)
+        std::this_thread::yield();
+    press(window);
+    pressedAgain.count_down();
+    phonomark::workerCensus().wait();
+    EXPECT_GE(writes, 1001) << "one, and the whole sound anew";
+    EXPECT_LT(writes, 1500);
+}
+
 TEST_F(TagSoundTest, AReleaseStopsTheRecorder) {
     CPhonomarkTagUIDlg& window = openWindow(addNote());
     hold(window, 2000);
