@@ -31,10 +31,12 @@ protected:
         alsa.reset();
     }
     ~AudioTest() override {
-        phonomark::workerCensus().wait();
         const std::string command = "rm -r " + m_folder;
         EXPECT_EQ(std::system(command.c_str()), 0);
     }
+
+    /// Before any fixture's members go: a worker that was stopped may still write what it has read into one.
+    void TearDown() override { phonomark::workerCensus().wait(); }
 
     std::string path(const std::string& name) const { return m_folder + "/" + name; }
 
