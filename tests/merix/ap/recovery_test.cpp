@@ -6,20 +6,28 @@
 #include "merix/db/database_imp.h"
 #include "merix/db/entities.h"
 
-#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
+
+#include <unistd.h>
 
 using namespace merix;
 
 namespace {
 
 enum class Ends { Main, Another, AnotherThenMain };
+
+/// Whether the thread waits for something: for this one.
+bool sleeps(pid_t thread) {
+    QFile file(QStringLiteral("/proc/self/task/%1/stat").arg(thread));
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains(") S ");
+}
 
 /// Opens a drawing, changes it and ends the process from these threads.
 void endWithUnsavedWork(const QString& file, Ends ends) {
@@ -37,13 +45,15 @@ void endWithUnsavedWork(const QString& file, Ends ends) {
     space->appendMxDbEntity(id, line);
     line->close();
     space->close();
-    QCoreApplication::sendPostedEvents();
+    std::atomic<pid_t> other = 0;
     if (ends != Ends::Main)
-        std::thread([] { mxrxShutdown(1); }).detach();
+        std::thread([&other] {
+            other = gettid();
+            mxrxShutdown(1);
+        }).detach();
     if (ends == Ends::Another)
         QCoreApplication::exec();
-    // The other thread asks by an event, and waits.
-    while (ends == Ends::AnotherThenMain && !QAbstractEventDispatcher::instance()->hasPendingEvents())
+    while (ends == Ends::AnotherThenMain && !sleeps(other))
         std::this_thread::yield();
     mxrxShutdown(1);
 }
