@@ -41,7 +41,7 @@ FileResult dwgKind(const std::string& path) {
                   path + ": a .dwg file cannot be read; save it as DXF in the program that it comes from");
 }
 
-/// The first bytes of every version of a .dwg file, whatever its name.
+/// By the first bytes, whatever its name is: AC1012 and later, which is what people have.
 bool isDwg(std::string_view bytes) {
     return bytes.starts_with("AC10") && bytes.size() > 6 && bytes[6] == 0;
 }

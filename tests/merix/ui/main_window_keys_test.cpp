@@ -321,6 +321,20 @@ TEST_F(ShortcutTest, ComesBeforeWhatTheEntryWouldDoWithTheKey) {
     EXPECT_EQ(entry()->cursorPosition(), 0) << "no menu has that key";
 }
 
+TEST_F(ShortcutTest, TabsAreGoneThroughEitherWayAndFromTheLastOnToTheFirst) {
+    ap::Document* const second = manager.create();
+    ap::Document* const third = manager.create();
+    const auto goesTo = [&](const char* keys, const ap::Document* to) {
+        press(QString::fromLatin1(keys));
+        return comesTrue([&] { return manager.current() == to; });
+    };
+    settle();
+    EXPECT_TRUE(goesTo("Ctrl+Tab", document));
+    EXPECT_TRUE(goesTo("Ctrl+PgDown", second));
+    EXPECT_TRUE(goesTo("Ctrl+Shift+Tab", document));
+    EXPECT_TRUE(goesTo("Ctrl+PgUp", third));
+}
+
 TEST_F(ShortcutTest, WhatIsMarkedInTheHistoryIsCopied) {
     ed::Console::instance().print(QStringLiteral("\nsaid"));
     auto* history = window.commandLine()->findChild<QPlainTextEdit*>();
